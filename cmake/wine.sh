@@ -1,0 +1,31 @@
+#!/bin/bash
+# Runs a Windows program in the project's own Wine prefix (build/wine), made at first use.
+# wine.sh PROGRAM [ARGUMENTS...] | wine.sh --boot | wine.sh --stop
+set -u
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export WINEPREFIX=$root/build/wine WINEARCH=win64 WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+unset DISPLAY WAYLAND_DISPLAY
+server=$(command -v wineserver || command -v wineserver-stable || echo /usr/lib/wine/wineserver)
+
+# Wine's own processes outlive the program that starts them: they must not hold the caller's pipes.
+boot() {
+    mkdir -p "$root/build"
+    exec 9>"$root/build/wine.lock"
+    flock 9
+    if [ ! -e "$WINEPREFIX/booted" ]; then
+        rm -rf "$WINEPREFIX"
+        timeout 120 wine wineboot --init </dev/null >/dev/null 2>&1 9>&- || exit 1
+        touch "$WINEPREFIX/booted"
+    fi
+    exec 9>&-
+}
+
+case ${1:-} in
+    --boot) boot ;;
+    --stop) [ ! -d "$WINEPREFIX" ] || timeout 20 "$server" -k >/dev/null 2>&1 || true ;;
+    *)
+        [ -e "$WINEPREFIX/booted" ] || boot
+        exec timeout --kill-after=5 280 wine "$@"
+        ;;
+esac

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/PathText.h"
+
+namespace tavlo {
+
+/// Where external programs are looked for, and how a file is found to exist.
+struct ToolPlaces {
+    PathStyle style = PathStyle::Posix;
+    std::string programFolder;
+    std::string searchPath;  ///< the variable PATH
+    std::function<bool(const std::string& path)> exists;
+};
+
+/// A program's file name on this kind of system: without ".exe" where programs have none.
+std::string toolFileName(std::string_view tool, PathStyle style);
+
+/// The full path of a program such as "lame.exe": the program's folder first, then PATH; empty
+/// when it is in none of them.
+std::string findTool(std::string_view tool, const ToolPlaces& places);
+
+/// The names of all external programs that are not there, joined with ", ". It looks at some
+/// hundred paths, so only jobs that start programs ask.
+std::string missingTools(const ToolPlaces& places);
+
+}  // namespace tavlo

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tavlo {
+
+/// Case of Latin, Greek and Cyrillic letters, the same on every system and in every locale. Bytes
+/// that are no UTF-8 stay as they are.
+char32_t lowerCase(char32_t point);
+char32_t upperCase(char32_t point);
+std::string lowerCase(std::string_view text);
+std::string upperCase(std::string_view text);
+
+bool equalsNoCase(std::string_view a, std::string_view b);
+
+/// A hash that is equal for texts that `equalsNoCase` holds equal.
+std::uint64_t hashNoCase(std::string_view text);
+
+/// The order in which people expect names: without case, digits as numbers ("2" before "10").
+/// Texts that differ only in case or leading zeros are ordered by their bytes.
+std::strong_ordering compareNatural(std::string_view a, std::string_view b);
+
+}  // namespace tavlo

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <atomic>
+#include <string_view>
+
+namespace tavlo {
+
+enum class Stream { Output, Error };
+
+bool isTerminal(Stream stream);
+
+/// The width in characters; 80 when it is not known.
+int terminalColumns(Stream stream);
+
+/// Writes UTF-8 whole and unbuffered: as characters to a console window, as the same bytes to a
+/// pipe or file; false when it could not be written (disk full, reader gone).
+bool writeText(Stream stream, std::string_view text);
+
+/// The first Ctrl+C sets the flag, which must live as long as the process; the second ends the
+/// process as usual.
+void cancelOnInterrupt(std::atomic<bool>& flag);
+
+}  // namespace tavlo

@@ -1,0 +1,54 @@
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+
+#include "platform/Console.h"
+
+namespace tavlo {
+namespace {
+
+// A signal handler is handed nothing but the signal's number, so the flag's place is kept here.
+std::atomic<std::atomic<bool>*> interruptFlag{nullptr};
+
+void onInterrupt(int) {
+    if (auto* flag = interruptFlag.load()) flag->store(true);
+}
+
+int descriptor(Stream stream) {
+    return stream == Stream::Output ? STDOUT_FILENO : STDERR_FILENO;
+}
+
+}  // namespace
+
+bool isTerminal(Stream stream) {
+    return isatty(descriptor(stream)) == 1;
+}
+
+int terminalColumns(Stream stream) {
+    winsize size{};
+    if (ioctl(descriptor(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return 80;
+    return size.ws_col;
+}
+
+bool writeText(Stream stream, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor(stream), text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+void cancelOnInterrupt(std::atomic<bool>& flag) {
+    interruptFlag.store(&flag);
+    struct sigaction action {};
+    action.sa_handler = onInterrupt;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, nullptr);
+}
+
+}  // namespace tavlo

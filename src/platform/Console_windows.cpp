@@ -1,0 +1,81 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <string>
+
+#include "platform/Console.h"
+#include "platform/Utf16.h"
+
+namespace tavlo {
+namespace {
+
+constexpr std::size_t consoleChunk = 8192;  // UTF-16 units; older consoles refuse 64 KB
+
+// A control handler is handed nothing but the event, so the flag's place is kept here.
+std::atomic<std::atomic<bool>*> interruptFlag{nullptr};
+
+BOOL WINAPI onInterrupt(DWORD event) {
+    auto* flag = interruptFlag.load();
+    if (event != CTRL_C_EVENT || flag == nullptr) return FALSE;
+    return flag->exchange(true) ? FALSE : TRUE;
+}
+
+HANDLE handleOf(Stream stream) {
+    return GetStdHandle(stream == Stream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+}
+
+bool endsInsidePair(std::u16string_view text) {
+    return (text.back() & 0xFC00) == 0xD800;
+}
+
+bool writeConsole(HANDLE console, std::u16string_view text) {
+    while (!text.empty()) {
+        std::size_t count = std::min(text.size(), consoleChunk);
+        if (count < text.size() && endsInsidePair(text.substr(0, count))) --count;
+        DWORD written = 0;
+        if (WriteConsoleW(console, text.data(), static_cast<DWORD>(count), &written, nullptr) == 0)
+            return false;
+        if (written == 0) return false;
+        text.remove_prefix(std::min<std::size_t>(written, text.size()));
+    }
+    return true;
+}
+
+bool writeBytes(HANDLE file, std::string_view bytes) {
+    constexpr std::size_t largest = std::size_t{1} << 30;
+    while (!bytes.empty()) {
+        DWORD written = 0;
+        const auto count = static_cast<DWORD>(std::min(bytes.size(), largest));
+        if (WriteFile(file, bytes.data(), count, &written, nullptr) == 0 || written == 0)
+            return false;
+        bytes.remove_prefix(written);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool isTerminal(Stream stream) {
+    DWORD mode = 0;
+    return GetConsoleMode(handleOf(stream), &mode) != 0;
+}
+
+int terminalColumns(Stream stream) {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (GetConsoleScreenBufferInfo(handleOf(stream), &info) == 0) return 80;
+    return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
+bool writeText(Stream stream, std::string_view text) {
+    const HANDLE handle = handleOf(stream);
+    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return false;
+    return isTerminal(stream) ? writeConsole(handle, utf16FromUtf8(text))
+                              : writeBytes(handle, text);
+}
+
+void cancelOnInterrupt(std::atomic<bool>& flag) {
+    interruptFlag.store(&flag);
+    SetConsoleCtrlHandler(onInterrupt, TRUE);
+}
+
+}  // namespace tavlo

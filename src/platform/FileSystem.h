@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavlo {
+
+struct FolderEntry {
+    std::string name;
+    bool isFolder = false;
+    bool isHidden = false;
+    bool isLink = false;  ///< a link or junction; isFolder then speaks of what it leads to
+};
+
+struct FileInfo {
+    std::uint64_t size = 0;  ///< bytes
+    bool isFolder = false;
+    bool isHidden = false;    ///< Windows: attribute; elsewhere a name that begins with a dot
+    bool isReadOnly = false;  ///< Windows: attribute; elsewhere the owner may not write
+};
+
+/// The entries of a folder but "." and "..", in no order; nothing when it cannot be read.
+std::vector<FolderEntry> listFolder(const std::string& folder);
+
+/// What a path leads to; nothing when there is no such file or folder.
+std::optional<FileInfo> fileInfo(const std::string& path);
+
+bool folderExists(const std::string& path);
+
+/// The path with every link resolved; empty when there is none.
+std::string canonicalPath(const std::string& path);
+
+/// The path from the root, without "." steps; links and ".." stay as they are where they matter.
+std::string absolutePath(const std::string& path);
+
+/// Removes a folder that is empty; false, and no change, when it is not.
+bool removeEmptyFolder(const std::string& path);
+
+/// The character between a folder and a name: "\" or "/".
+char nativeSeparator();
+
+}  // namespace tavlo

@@ -1,0 +1,101 @@
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+#include "platform/Environment.h"
+#include "platform/FileSystem.h"
+
+namespace tavlo {
+
+namespace {
+struct FolderCloser {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+struct Freer {
+    void operator()(char* text) const { std::free(text); }  // NOLINT: realpath allocates so
+};
+
+bool leadsToFolder(int folder, const char* name) {
+    struct stat status {};
+    return ::fstatat(folder, name, &status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Some file systems do not tell the kind of an entry, and of a link nobody does.
+void completeKind(int folder, const dirent& found, FolderEntry& entry) {
+    if (found.d_type != DT_LNK && found.d_type != DT_UNKNOWN) return;
+    struct stat status {};
+    entry.isLink = found.d_type == DT_LNK ||
+                   (::fstatat(folder, found.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+                    S_ISLNK(status.st_mode));
+    entry.isFolder = leadsToFolder(folder, found.d_name);
+}
+
+bool isHiddenName(std::string_view name) {
+    return name.starts_with('.');
+}
+}  // namespace
+
+std::vector<FolderEntry> listFolder(const std::string& folder) {
+    std::vector<FolderEntry> entries;
+    const std::unique_ptr<DIR, FolderCloser> opened(::opendir(folder.c_str()));
+    if (!opened) return entries;
+    while (const dirent* found = ::readdir(opened.get())) {  // NOLINT: one stream, one thread
+        const std::string_view name = found->d_name;
+        if (name == "." || name == "..") continue;
+        FolderEntry& entry = entries.emplace_back();
+        entry.name = name;
+        entry.isFolder = found->d_type == DT_DIR;
+        entry.isHidden = isHiddenName(name);
+        completeKind(::dirfd(opened.get()), *found, entry);
+    }
+    return entries;
+}
+
+std::optional<FileInfo> fileInfo(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    FileInfo info;
+    info.size = static_cast<std::uint64_t>(status.st_size);
+    info.isFolder = S_ISDIR(status.st_mode);
+    info.isHidden = isHiddenName(std::string_view(path).substr(path.rfind('/') + 1));
+    info.isReadOnly = (status.st_mode & S_IWUSR) == 0;
+    return info;
+}
+
+bool folderExists(const std::string& path) {
+    const auto info = fileInfo(path);
+    return info && info->isFolder;
+}
+
+std::string canonicalPath(const std::string& path) {
+    const std::unique_ptr<char, Freer> resolved(::realpath(path.c_str(), nullptr));
+    return resolved ? std::string(resolved.get()) : std::string();
+}
+
+std::string absolutePath(const std::string& path) {
+    std::string_view rest = path;
+    std::string absolute = path.starts_with('/') ? std::string() : currentFolder();
+    if (absolute == "/") absolute.clear();
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find('/'), rest.size());
+        const std::string_view step = rest.substr(0, end);
+        if (!step.empty() && step != ".") absolute.append("/").append(step);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return absolute.empty() ? "/" : absolute;
+}
+
+bool removeEmptyFolder(const std::string& path) {
+    return ::rmdir(path.c_str()) == 0;
+}
+
+char nativeSeparator() {
+    return '/';
+}
+
+}  // namespace tavlo

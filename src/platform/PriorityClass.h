@@ -1,0 +1,11 @@
+#pragma once
+
+namespace tavlo {
+
+/// Priority classes by their Windows numbers.
+enum class PriorityClass : int { Normal = 0x20, Idle = 0x40, High = 0x80 };
+
+/// Sets this process's class; a failure (no right to rise) is ignored.
+void setPriorityClass(PriorityClass priority);
+
+}  // namespace tavlo

@@ -1,0 +1,205 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+#include <utility>
+
+#include "platform/Environment.h"
+#include "platform/Registry.h"
+#include "platform/RegistryText.h"
+
+namespace tavlo {
+namespace {
+
+constexpr off_t largestFile = 16 << 20;      // bytes; a settings file has a few thousand
+constexpr int lockTries = 200;               // of 10 ms each: a stopped instance must not hang us
+constexpr useconds_t lockPause = 10 * 1000;  // microseconds
+constexpr const char* fileName = "tavlo/settings.txt";
+
+class Descriptor {
+ public:
+    Descriptor(const std::string& path, int flags)
+        : number_(open(path.c_str(), flags | O_CLOEXEC, 0600)) {}
+    ~Descriptor() {
+        if (number_ >= 0) close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    explicit operator bool() const { return number_ >= 0; }
+    int get() const { return number_; }
+
+ private:
+    int number_;
+};
+
+std::string defaultFile() {
+    const auto absolute = [](const char* variable) {
+        const std::string value = environmentVariable(variable).value_or("");
+        return value.starts_with('/') ? value : std::string();
+    };
+    if (const std::string folder = absolute("XDG_CONFIG_HOME"); !folder.empty())
+        return folder + '/' + fileName;
+    const std::string home = absolute("HOME");
+    return home.empty() ? std::string() : home + "/.config/" + fileName;
+}
+
+/// A link to the file must stay a link when the file is replaced.
+std::string behindLinks(const std::string& path) {
+    std::error_code error;
+    const auto real = std::filesystem::canonical(path, error);
+    return error ? path : real.string();
+}
+
+std::string parentOf(const std::string& path) {
+    const std::string parent = std::filesystem::path(path).parent_path().string();
+    return parent.empty() ? "." : parent;
+}
+
+/// A missing file reads as empty; nothing when it is there and cannot be read.
+std::optional<std::string> readFile(const std::string& path) {
+    const Descriptor file(path, O_RDONLY);
+    if (!file) return errno == ENOENT ? std::optional<std::string>("") : std::nullopt;
+    struct stat info {};
+    if (fstat(file.get(), &info) != 0 || info.st_size > largestFile) return std::nullopt;
+    std::string text(static_cast<std::size_t>(info.st_size), '\0');
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t count = read(file.get(), text.data() + done, text.size() - done);
+        if (count < 0 && errno != EINTR) return std::nullopt;
+        if (count == 0) break;
+        if (count > 0) done += static_cast<std::size_t>(count);
+    }
+    text.resize(done);
+    return text;
+}
+
+bool writeAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = write(file, text.data(), text.size());
+        if (count < 0 && errno != EINTR) return false;
+        if (count > 0) text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return fsync(file) == 0;
+}
+
+bool writeTemporary(const std::string& path, std::string_view text) {
+    const Descriptor file(path, O_WRONLY | O_CREAT | O_TRUNC);
+    return file && writeAll(file.get(), text);
+}
+
+bool replaceFile(const std::string& path, std::string_view text) {
+    // Always the same name: the lock is held, and what a killed writer left is overwritten.
+    const std::string temporary = path + ".tmp";
+    if (!writeTemporary(temporary, text) || std::rename(temporary.c_str(), path.c_str()) != 0) {
+        unlink(temporary.c_str());
+        return false;
+    }
+    const Descriptor folder(parentOf(path), O_RDONLY | O_DIRECTORY);
+    if (folder) fsync(folder.get());
+    return true;
+}
+
+bool lock(int file) {
+    for (int i = 0; i < lockTries; ++i) {
+        if (flock(file, LOCK_EX | LOCK_NB) == 0) return true;
+        if (errno != EWOULDBLOCK && errno != EINTR) return false;
+        usleep(lockPause);
+    }
+    return false;
+}
+
+}  // namespace
+
+/// The file's text as last read, and the changes that wait for being stored.
+class Registry::Store {
+ public:
+    using Change = std::function<void(RegistryText&)>;
+
+    explicit Store(const std::string& path) : path_(path.empty() ? path : behindLinks(path)) {
+        if (!path_.empty()) text_ = RegistryText(readFile(path_).value_or(""));
+    }
+
+    const RegistryText& text() const { return text_; }
+
+    bool apply(Change change) {
+        change(text_);
+        waiting_.push_back(std::move(change));
+        return depth_ > 0 || store();
+    }
+
+    void begin() { ++depth_; }
+    bool end() { return --depth_ > 0 || waiting_.empty() || store(); }
+
+ private:
+    /// What another instance stored meanwhile stays: own changes are made to the file as it is.
+    bool store() {
+        const std::vector<Change> changes = std::exchange(waiting_, {});
+        if (path_.empty()) return false;
+        std::error_code error;
+        std::filesystem::create_directories(parentOf(path_), error);
+        const Descriptor guard(path_ + ".lock", O_RDWR | O_CREAT);
+        if (!guard || !lock(guard.get())) return false;
+        const auto current = readFile(path_);
+        if (!current) return false;
+        RegistryText merged(*current);
+        for (const Change& change : changes) change(merged);
+        text_ = std::move(merged);
+        const std::string result = text_.text();
+        return result == *current || replaceFile(path_, result);
+    }
+
+    std::string path_;
+    RegistryText text_;
+    std::vector<Change> waiting_;
+    int depth_ = 0;
+};
+
+Registry::Registry(std::string file)
+    : store_(std::make_unique<Store>(file.empty() ? defaultFile() : file)) {}
+
+Registry::~Registry() = default;
+
+std::optional<RegistryValue> Registry::read(const RegistryKey& key, const std::string& name) const {
+    return store_->text().read(key, name);
+}
+
+bool Registry::write(const RegistryKey& key, const std::string& name, const RegistryValue& value) {
+    return store_->apply([=](RegistryText& text) { text.write(key, name, value); });
+}
+
+bool Registry::deleteValue(const RegistryKey& key, const std::string& name) {
+    if (!store_->text().read(key, name)) return false;
+    return store_->apply([=](RegistryText& text) { text.deleteValue(key, name); });
+}
+
+bool Registry::deleteKey(const RegistryKey& key) {
+    if (key.path.empty()) return false;
+    RegistryText probe = store_->text();
+    if (!probe.deleteKey(key)) return false;
+    return store_->apply([=](RegistryText& text) { text.deleteKey(key); });
+}
+
+std::vector<std::string> Registry::valueNames(const RegistryKey& key) const {
+    return store_->text().valueNames(key);
+}
+
+std::vector<std::string> Registry::subkeys(const RegistryKey& key) const {
+    return store_->text().subkeys(key);
+}
+
+void Registry::beginBatch() {
+    store_->begin();
+}
+
+bool Registry::endBatch() {
+    return store_->end();
+}
+
+}  // namespace tavlo
