@@ -1,0 +1,184 @@
+#include "tags/APEv2.h"
+
+#include <algorithm>
+#include <array>
+
+#include "tags/ByteCursor.h"
+#include "tags/Picture.h"
+#include "tags/TagText.h"
+
+namespace tavlo {
+
+namespace {
+constexpr std::string_view tagMark = "APETAGEX";
+constexpr std::size_t footerSize = 32;
+constexpr std::size_t searchSpan = 256;
+constexpr std::uint32_t version1 = 1000, version2 = 2000;
+constexpr std::uint32_t hasHeader = 0x80000000, isHeader = 0x20000000;
+constexpr std::size_t itemHeadSize = 8, longestKey = 255;
+constexpr std::uint32_t largestText = 1U << 20U;
+constexpr std::size_t pictureHeadSize = 512;  // its file name
+constexpr std::string_view pictureKey = "Cover Art (front)";
+
+struct TextItem {
+    std::string_view key;
+    void (*set)(ID3tag&, std::string_view);
+};
+
+template <std::string cID3v2ext::*field>
+void setField(ID3tag& record, std::string_view text) {
+    record.ID3v2Ext.*field = text;
+}
+
+constexpr std::array<TextItem, 10> textItems{{
+    {"Track", [](ID3tag& r, std::string_view text) { r.SetNumber(text); }},
+    {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); }},
+    {"Title", [](ID3tag& r, std::string_view text) { r.SetTitleMix(text); }},
+    {"Album", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); }},
+    {"Year", [](ID3tag& r, std::string_view text) { r.SetYear(text); }},
+    {"Genre", [](ID3tag& r, std::string_view text) { r.SetGenre(text); }},
+    {"Comment", [](ID3tag& r, std::string_view text) { r.SetComment(text); }},
+    {"Composer", setField<&cID3v2ext::Composer>},
+    {"Copyright", setField<&cID3v2ext::CopyRight>},
+    {"Encoded by", setField<&cID3v2ext::EncodedBy>},
+}};
+
+struct Footer {
+    std::uint32_t version = 0;
+    std::uint32_t size = 0;  // items and footer
+    std::uint32_t count = 0;
+    std::uint32_t flags = 0;
+};
+
+std::optional<Footer> parseFooter(Bytes bytes) {
+    ByteCursor cursor(bytes);
+    if (bytes.size() < footerSize || !cursor.takeIf(tagMark)) return std::nullopt;
+    Footer footer;
+    footer.version = *cursor.littleEndian(4);
+    footer.size = *cursor.littleEndian(4);
+    footer.count = *cursor.littleEndian(4);
+    footer.flags = *cursor.littleEndian(4);
+    const bool known = footer.version == version1 || footer.version == version2;
+    if (!known || footer.size < footerSize) return std::nullopt;
+    if (footer.version == version1) footer.flags = 0;
+    return footer;
+}
+
+struct Tag {
+    Footer footer;
+    std::uint64_t begin = 0;  // of the header, or of the items where there is none
+    std::uint64_t items = 0, itemsEnd = 0;
+};
+
+std::optional<Tag> locate(File& file) {
+    const std::uint64_t from = file.size() - std::min<std::uint64_t>(file.size(), searchSpan);
+    const std::string_view end = textOf(file.view(from, searchSpan));
+    if (end.find(tagMark) == std::string_view::npos) return std::nullopt;  // quicker than rfind
+    const std::size_t at = end.rfind(tagMark);
+    const std::uint64_t place = from + at;
+    const auto footer = parseFooter(file.view(place, footerSize));
+    if (!footer || (footer->flags & isHeader) != 0) return std::nullopt;
+    if (footer->size - footerSize > place) return std::nullopt;
+    Tag tag{*footer, 0, place + footerSize - footer->size, place};
+    tag.begin = tag.items;
+    if ((footer->flags & hasHeader) != 0) {
+        if (tag.items < footerSize) return std::nullopt;
+        tag.begin -= footerSize;
+        if (textOf(file.view(tag.begin, tagMark.size())) != tagMark) return std::nullopt;
+    }
+    return tag;
+}
+
+class ItemWalk {
+ public:
+    ItemWalk(File& file, const Tag& tag, ID3tag& record, const ReadContext& context)
+        : file_(file), tag_(tag), record_(record), context_(context) {}
+
+    void run() {
+        // One read brings the items of a usual tag in.
+        constexpr std::uint64_t usualItems = File::windowSize;
+        file_.view(tag_.items, static_cast<std::size_t>(std::min<std::uint64_t>(
+                                   tag_.itemsEnd - tag_.items, usualItems)));
+        std::uint64_t at = tag_.items;
+        for (std::uint32_t i = 0; i < tag_.footer.count; ++i) {
+            const auto item = itemAt(at);
+            if (!item) return;
+            if (!interpret(*item)) keep(at, *item);
+            at = item->value + item->size;
+        }
+    }
+
+ private:
+    struct Item {
+        std::string key;
+        std::uint64_t value = 0;  // offset
+        std::uint32_t size = 0;
+    };
+
+    std::optional<Item> itemAt(std::uint64_t at) {
+        const std::uint64_t left = tag_.itemsEnd - at;
+        const auto most =
+            static_cast<std::size_t>(std::min<std::uint64_t>(left, itemHeadSize + longestKey + 1));
+        const Bytes head = file_.view(at, most);
+        ByteCursor cursor(head);
+        const auto size = cursor.littleEndian(4);
+        if (!size || !cursor.take(4)) return std::nullopt;
+        const std::size_t keyRoom = cursor.left();
+        const std::string_view key = textOf(cursor.takeUntil(0));
+        if (key.empty() || key.size() == keyRoom) return std::nullopt;
+        const std::uint64_t value = at + head.size() - cursor.left();
+        if (*size > tag_.itemsEnd - value) return std::nullopt;
+        return Item{std::string(key), value, *size};
+    }
+
+    bool interpret(const Item& item) {
+        if (item.key == pictureKey) return readPicture(item);
+        const auto* row = std::find_if(textItems.begin(), textItems.end(),
+                                       [&](const TextItem& text) { return text.key == item.key; });
+        if (row == textItems.end() || item.size > largestText) return false;
+        const std::string_view bytes = textOf(file_.view(item.value, item.size));
+        const std::string text =
+            joinValues(tag_.footer.version == version1 ? context_.ansi.toUtf8(bytes)
+                                                       : utf8OrAnsi(bytes, context_.ansi));
+        if (!trimBlanks(text).empty()) row->set(record_, trimBlanks(text));
+        return true;
+    }
+
+    bool readPicture(const Item& item) {
+        const bool full = context_.depth == ReadDepth::Full;
+        const std::size_t most =
+            full ? item.size : std::min<std::size_t>(item.size, pictureHeadSize);
+        const Bytes head = file_.view(item.value, most);
+        auto picture = parsePictureItem(head, item.size, context_.ansi);
+        if (!picture) return false;
+        if (full) {
+            const Bytes data = head.subspan(picture->dataOffset);
+            picture->art.Data.assign(data.begin(), data.end());
+        }
+        record_.AlbumArtType = pictureType(picture->art.MIME);
+        record_.AlbumArt = std::move(picture->art);
+        return true;
+    }
+
+    void keep(std::uint64_t at, const Item& item) {
+        if (context_.depth != ReadDepth::Full) return;
+        const std::uint64_t length = item.value + item.size - at;
+        record_.UnknownItems += textOf(file_.view(at, static_cast<std::size_t>(length)));
+    }
+
+    File& file_;
+    const Tag& tag_;
+    ID3tag& record_;
+    const ReadContext& context_;
+};
+}  // namespace
+
+std::optional<std::uint64_t> ReadAPETag(File& file, ID3tag& record, const ReadContext& context) {
+    const auto tag = locate(file);
+    if (!tag) return std::nullopt;
+    record.IsAPE2Present = true;
+    ItemWalk(file, *tag, record, context).run();
+    return tag->begin;
+}
+
+}  // namespace tavlo

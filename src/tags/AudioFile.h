@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "platform/File.h"
+#include "tags/ID3tag.h"
+#include "tags/TagReading.h"
+
+namespace tavlo {
+
+/// Reads a file's record by the type that its name tells. `OK` says that the file was opened;
+/// where it could not be, `Path` is empty. Types without a reader get path, type and size.
+ID3tag ReadAudioFile(const std::string& path, const ReadContext& context);
+
+/// Loads what a list read passed over: the picture's bytes, unknown frames and items. Edited
+/// fields stay. False when the file cannot be read any more.
+bool LoadDetails(ID3tag& record, const CodePage& ansi);
+
+/// The MP3 reader on an open file: tags from the weakest to the strongest, then the stream.
+void readMp3(File& file, ID3tag& record, const ReadContext& context);
+
+}  // namespace tavlo

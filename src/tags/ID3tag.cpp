@@ -1,0 +1,163 @@
+#include "tags/ID3tag.h"
+
+#include <algorithm>
+
+#include "tags/TagText.h"
+
+namespace tavlo {
+
+namespace {
+constexpr std::string_view roundBrackets = "()";
+constexpr std::string_view squareBrackets = "[]";
+constexpr std::size_t yearDigits = 4;
+constexpr int mostTrackNumber = 65535;
+
+std::string_view longOrShort(std::string_view longForm, std::string_view shortForm) {
+    const std::string_view text = trimBlanks(longForm);
+    return text.empty() ? trimBlanks(shortForm) : text;
+}
+
+void setBoth(std::string& longForm, std::string& shortForm, std::string_view text) {
+    longForm = trimBlanks(text);
+    shortForm = longForm;
+}
+
+std::string twoDigits(int number) {
+    const std::string text = std::to_string(number);
+    return text.size() < 2 ? "0" + text : text;
+}
+}  // namespace
+
+std::string ID3tag::Time() const {
+    return std::to_string(Seconds / 60) + ":" + twoDigits(Seconds % 60);
+}
+
+std::string ID3tag::Time2x2() const {
+    return twoDigits(Seconds / 60) + ":" + twoDigits(Seconds % 60);
+}
+
+std::string_view ID3tag::GetArtist() const {
+    return longOrShort(ID3v2Ext.Artist, Artist);
+}
+std::string_view ID3tag::GetTitle() const {
+    return longOrShort(ID3v2Ext.TrackTitle, Title);
+}
+std::string_view ID3tag::GetAlbum() const {
+    return longOrShort(ID3v2Ext.AlbumTitle, Album);
+}
+std::string_view ID3tag::GetMix() const {
+    return trimBlanks(ID3v2Ext.Mix);
+}
+std::string_view ID3tag::GetYear() const {
+    return longOrShort(ID3v2Ext.Year, Year);
+}
+std::string_view ID3tag::GetComment() const {
+    return longOrShort(ID3v2Ext.Comments, Comment);
+}
+
+std::string_view ID3tag::GetGenre() const {
+    return longOrShort(ID3v2Ext.Genre, genreName(Genre));
+}
+
+std::string ID3tag::GetNumber() const {
+    const std::string_view text = trimBlanks(ID3v2Ext.TrackNumber);
+    if (!text.empty()) return std::string(text);
+    return TrackNumber > 0 ? std::to_string(TrackNumber) : std::string();
+}
+
+std::string ID3tag::joinedTitleMix(std::string_view brackets) const {
+    std::string joined(GetTitle());
+    const std::string_view mix = GetMix();
+    if (mix.empty()) return joined;
+    if (!joined.empty()) joined += ' ';
+    joined += brackets[0];
+    joined += mix;
+    joined += brackets[1];
+    return joined;
+}
+
+std::string ID3tag::GetTitleMix() const {
+    return joinedTitleMix(roundBrackets);
+}
+
+std::string ID3tag::GetTitleMixV2() const {
+    return joinedTitleMix(squareBrackets_ ? squareBrackets : roundBrackets);
+}
+
+std::string ID3tag::GetArtistTitleMix() const {
+    const std::string_view artist = GetArtist();
+    if (artist.empty()) return GetTitleMix();
+    return std::string(artist) + " - " + GetTitleMix();
+}
+
+void ID3tag::SetArtist(std::string_view text) {
+    setBoth(ID3v2Ext.Artist, Artist, text);
+}
+void ID3tag::SetTitle(std::string_view text) {
+    setBoth(ID3v2Ext.TrackTitle, Title, text);
+}
+void ID3tag::SetMix(std::string_view text) {
+    ID3v2Ext.Mix = trimBlanks(text);
+}
+void ID3tag::SetAlbum(std::string_view text) {
+    setBoth(ID3v2Ext.AlbumTitle, Album, text);
+}
+void ID3tag::SetComment(std::string_view text) {
+    setBoth(ID3v2Ext.Comments, Comment, text);
+}
+
+void ID3tag::SetYear(std::string_view text) {
+    ID3v2Ext.Year = trimBlanks(text);
+    Year = ID3v2Ext.Year.substr(0, yearDigits);
+}
+
+void ID3tag::SetGenre(std::string_view name) {
+    ID3v2Ext.Genre = trimBlanks(name);
+    Genre = genreNumber(name);
+}
+
+void ID3tag::SetGenreID(std::uint8_t number) {
+    ID3v2Ext.Genre = genreName(number);
+    Genre = number;
+}
+
+void ID3tag::SetNumber(std::string_view text) {
+    text = trimBlanks(text);
+    ID3v2Ext.TrackNumber = text == "0" ? std::string_view() : text;
+    TrackNumber = static_cast<std::uint16_t>(std::clamp(leadingNumber(text), 0, mostTrackNumber));
+    const std::size_t slash = text.find('/');
+    if (slash != std::string_view::npos) TracksCount = leadingNumber(text.substr(slash + 1));
+}
+
+void ID3tag::SetNumberL(int number) {
+    SetNumber(std::to_string(number));
+}
+
+bool ID3tag::splitTitleMix(std::string_view text, std::string_view brackets) {
+    const std::size_t opening = text.rfind(brackets[0]);
+    if (!text.ends_with(brackets[1]) || opening == std::string_view::npos) return false;
+    SetTitle(text.substr(0, opening));
+    SetMix(text.substr(opening + 1, text.size() - opening - 2));
+    squareBrackets_ = brackets == squareBrackets;
+    return true;
+}
+
+void ID3tag::SetTitleMixV1(std::string_view text) {
+    text = trimBlanks(text);
+    if (splitTitleMix(text, roundBrackets)) return;
+    SetTitle(text);
+    SetMix({});
+}
+
+void ID3tag::SetTitleMixV2(std::string_view text) {
+    text = trimBlanks(text);
+    if (splitTitleMix(text, roundBrackets) || splitTitleMix(text, squareBrackets)) return;
+    SetTitle(text);
+    SetMix({});
+}
+
+void ID3tag::SetTitleMix(std::string_view text) {
+    SetTitleMixV2(text);
+}
+
+}  // namespace tavlo

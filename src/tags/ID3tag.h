@@ -1,0 +1,143 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tags/FileType.h"
+#include "tags/Genre.h"
+
+namespace tavlo {
+
+/// Long-form text fields and header data of an ID3v2 tag (ID3v2.3.0 and 2.4.0).
+struct cID3v2ext {
+    std::uint8_t MajorVersion = 0;  ///< 2, 3 or 4; 0 when no tag was read
+    std::uint8_t MinorVersion = 0;
+    bool bUnsynchronisation = false;
+    bool bExtendedHeader = false;
+    bool bExperimentalIndicator = false;
+    bool bFooterPresent = false;
+    std::uint32_t TagSize = 0;  ///< bytes, without the 10-byte header
+
+    std::string TrackTitle, Artist, AlbumTitle, Year, Comments, Composer, OriginalArtist;
+    std::string CopyRight, EncodedBy, URL, TrackNumber, Genre, Mix, EncoderInfo;
+    std::string RecordingTime;  ///< the whole TDRC text where it says more than the year
+    std::string UnknownFrames;  ///< raw frames, header and body, in file order
+};
+
+/// Fields of a Lyrics3 v2.00 block.
+struct cLyricsExt {
+    std::string TrackTitle, Artist;
+    std::int32_t EndOffset = 0;  ///< distance of the block from the end of the file
+};
+
+/// What a format has beyond the common fields: text items "name=value" in their order.
+struct cFormatExt {
+    std::vector<std::pair<std::string, std::string>> Items;
+};
+
+/// A cover picture. A list only learns that it is there; its bytes are loaded on demand.
+struct cAlbumArt {
+    std::uint64_t Size = 0;          ///< bytes; 0 = no picture
+    std::string MIME;                ///< "image/jpeg"; empty where the tag has none
+    std::string Description;         ///< as the tag has it
+    std::uint8_t PictureType = 0;    ///< ID3v2.3.0, 4.15: 3 = front cover
+    std::vector<std::uint8_t> Data;  ///< empty until loaded
+};
+
+/// Everything the program keeps of one audio file. Text is UTF-8; getters give the long form
+/// and, where that is empty, the short field, both without outer blanks.
+class ID3tag {
+ public:
+    std::string Path;
+    FileTypes FileType = FileType::None;
+    bool OK = false;  ///< the file was opened, and no writer has refused it
+    bool ReadOnly = false;
+    bool AllowEdits = true;
+
+    std::string Title, Artist, Album, Year, Comment;
+    std::uint16_t TrackNumber = 0;  ///< 0 = none
+    std::uint8_t Genre = noGenre;
+    int TracksCount = 0, DiskNumber = 0, DisksCount = 0, BPM = 0;  ///< 0 = none
+    bool IsPartOfCompilation = false;
+
+    std::uint64_t Length = 0;  ///< file size in bytes
+    std::int32_t Seconds = 0;  ///< playing time, rounded down
+    int Bitrate = 0;           ///< kbit/s; an average where VBR
+    int SampleRate = 0;        ///< Hz
+    int Channels = 0;
+    int ChannelMode = 0;  ///< 0 stereo, 1 joint stereo, 2 dual channel, 3 single channel
+    int BitsPerSample = 0;
+    std::uint32_t Frames = 0;  ///< MPEG audio frames
+    bool VBR = false;
+    int MpegVersion = 0, Layer = 0;  ///< 1, 2 or 25 for MPEG-2.5; 1 to 3; 0 = no stream found
+    std::string Encoder;
+    bool Lossless = false, Float = false;
+
+    cAlbumArt AlbumArt;
+    FileTypes AlbumArtType = FileType::None;  ///< Jpeg, Png, Bmp; None for any other picture
+
+    bool IsID3v1Present = false, IsID3v2Present = false;
+    bool IsAPE2Present = false, IsLyricsPresent = false;
+
+    cID3v2ext ID3v2Ext;
+    cLyricsExt LyricsExt;
+    cFormatExt WMAExt, OGGExt, MPCExt, MP4Ext, FLACExt, WavPackExt, MonkeyExt;
+    std::string UnknownItems;  ///< raw APEv2 items that the program does not interpret
+
+    [[nodiscard]] bool IsMP3File() const { return FileType == FileType::Mp3; }
+    [[nodiscard]] bool IsMP4File() const { return FileType == FileType::Mp4; }
+    [[nodiscard]] bool IsWindowsMediaFile() const { return FileType == FileType::Wma; }
+    [[nodiscard]] bool IsOGGFile() const { return FileType == FileType::Ogg; }
+    [[nodiscard]] bool IsMPCFile() const { return FileType == FileType::Mpc; }
+    [[nodiscard]] bool IsFLACFile() const { return FileType == FileType::Flac; }
+    [[nodiscard]] bool IsWVFile() const { return FileType == FileType::Wv; }
+    [[nodiscard]] bool IsAPEFile() const { return FileType == FileType::Ape; }
+
+    [[nodiscard]] std::string Time() const;     ///< 245 s is "4:05"
+    [[nodiscard]] std::string Time2x2() const;  ///< 245 s is "04:05"
+
+    [[nodiscard]] std::string_view GetArtist() const;
+    [[nodiscard]] std::string_view GetTitle() const;
+    [[nodiscard]] std::string_view GetAlbum() const;
+    [[nodiscard]] std::string_view GetMix() const;
+    [[nodiscard]] std::string_view GetYear() const;
+    [[nodiscard]] std::string_view GetGenre() const;
+    [[nodiscard]] std::uint8_t GetGenreID() const { return Genre; }
+    [[nodiscard]] std::string_view GetComment() const;
+    /// The track number as the tag writes it ("7", "3/12"); empty when there is none.
+    [[nodiscard]] std::string GetNumber() const;
+    /// "Title (Mix)", or the title alone.
+    [[nodiscard]] std::string GetTitleMix() const;
+    /// The same with the kind of bracket that the title was read with.
+    [[nodiscard]] std::string GetTitleMixV2() const;
+    /// "Artist - Title (Mix)".
+    [[nodiscard]] std::string GetArtistTitleMix() const;
+
+    void SetArtist(std::string_view text);
+    void SetTitle(std::string_view text);
+    void SetMix(std::string_view text);
+    void SetAlbum(std::string_view text);
+    void SetYear(std::string_view text);
+    void SetComment(std::string_view text);
+    /// Takes a name; one that is not in the list stays as text beside number 255.
+    void SetGenre(std::string_view name);
+    void SetGenreID(std::uint8_t number);
+    /// Takes "7" or "3/12"; the latter sets TracksCount as well.
+    void SetNumber(std::string_view text);
+    void SetNumberL(int number);
+    /// Splits "Title (Mix)" or "Title [Mix]"; text without a bracket at its end is all title.
+    void SetTitleMix(std::string_view text);
+    void SetTitleMixV1(std::string_view text);  ///< knows round brackets only
+    void SetTitleMixV2(std::string_view text);  ///< knows both kinds
+
+ private:
+    bool splitTitleMix(std::string_view text, std::string_view brackets);
+    [[nodiscard]] std::string joinedTitleMix(std::string_view brackets) const;
+
+    bool squareBrackets_ = false;
+};
+
+}  // namespace tavlo

@@ -1,0 +1,73 @@
+#include "tags/ID3v1.h"
+
+#include <algorithm>
+
+#include "tags/ByteCursor.h"
+#include "tags/TagText.h"
+
+namespace tavlo {
+
+namespace {
+constexpr std::string_view blockMark = "TAG";
+constexpr std::uint64_t blockSize = 128;
+constexpr std::size_t displacedSpan = 160;  // the file's end in which a block may begin
+constexpr std::uint64_t leastBehindMark = 120;
+constexpr std::size_t textSize = 30, yearSize = 4, commentSize = 30, shortCommentSize = 28;
+
+std::string_view fileEnd(File& file, std::size_t count) {
+    const std::uint64_t most = std::min<std::uint64_t>(count, file.size());
+    return textOf(file.view(file.size() - most, static_cast<std::size_t>(most)));
+}
+
+// Where the block begins.
+std::optional<std::uint64_t> locate(File& file) {
+    if (file.size() < blockSize) return std::nullopt;
+    if (fileEnd(file, blockSize).starts_with(blockMark)) return file.size() - blockSize;
+    const std::string_view end = fileEnd(file, displacedSpan);
+    if (end.find("APETAG") != std::string_view::npos) return std::nullopt;
+    const std::size_t at = end.find(blockMark);
+    if (at == std::string_view::npos) return std::nullopt;
+    const std::uint64_t block = file.size() - end.size() + at;
+    if (block + blockMark.size() + leastBehindMark >= file.size()) return std::nullopt;
+    return block;
+}
+
+// The last 30 bytes of text hold a comment, or a shorter one, a zero and the track number.
+void readComment(Bytes field, ID3tag& record, const CodePage& ansi) {
+    const std::uint8_t separator = field[shortCommentSize];
+    const std::uint8_t track = field[shortCommentSize + 1];
+    const bool hasTrack = separator == 0 || track == 0;
+    const std::string comment =
+        fixedWidthText(hasTrack ? field.first(shortCommentSize + 1) : field, ansi);
+    if (!comment.empty()) record.SetComment(comment);
+    if (hasTrack) record.SetNumberL(track);
+}
+
+void readFields(Bytes block, ID3tag& record, const CodePage& ansi) {
+    ByteCursor cursor(block);
+    const auto text = [&](std::size_t size) { return fixedWidthText(*cursor.take(size), ansi); };
+    record.SetTitle(text(textSize));
+    record.SetArtist(text(textSize));
+    record.SetAlbum(text(textSize));
+    record.SetYear(text(yearSize));
+    readComment(*cursor.take(commentSize), record, ansi);
+    record.SetGenreID(cursor.u8().value_or(noGenre));
+}
+}  // namespace
+
+std::optional<std::uint64_t> ReadID3v1Tag(File& file, ID3tag& record, const ReadContext& context) {
+    const auto block = locate(file);
+    if (!block) return std::nullopt;
+    // A displaced block may lack its last bytes: genre and track number then count as none.
+    constexpr std::size_t fieldsSize = blockSize - blockMark.size();
+    std::array<std::uint8_t, fieldsSize> fields{};
+    fields.back() = noGenre;
+    const Bytes found = file.view(*block + blockMark.size(), fieldsSize);
+    std::copy(found.begin(), found.end(), fields.begin());
+    record.IsID3v1Present = true;
+    readFields(fields, record, context.ansi);
+    file.truncate(std::min(file.size(), *block + blockSize));
+    return block;
+}
+
+}  // namespace tavlo

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/File.h"
+#include "tags/ID3tag.h"
+
+namespace tavlo {
+
+/// Finds the first MPEG audio frame and fills the record's stream fields from its header and from
+/// the VBR header in it (Xing/"Info" with LAME's extension, or VBRI). `audioEnd` is where the tags
+/// behind the audio begin. Where no frame is found the fields stay empty.
+void readMpegStream(File& file, ID3tag& record, std::uint64_t audioEnd);
+
+}  // namespace tavlo

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/CodePage.h"
+
+namespace tavlo {
+
+/// How much of a tag is brought into memory.
+enum class ReadDepth {
+    List,  ///< what a list shows: pictures are only noted, unknown frames and items passed over
+    Full   ///< everything, so that a writer can put it back
+};
+
+struct ReadContext {
+    const CodePage& ansi;  ///< for 8-bit text
+    ReadDepth depth = ReadDepth::List;
+};
+
+}  // namespace tavlo

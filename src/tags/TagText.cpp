@@ -1,0 +1,111 @@
+#include "tags/TagText.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "platform/Utf8.h"
+
+namespace tavlo {
+
+namespace {
+constexpr char32_t byteOrderMark = 0xFEFF;
+
+class Utf16Reader {
+ public:
+    Utf16Reader(Bytes text, bool bigEndian) : cursor_(text), bigEndian_(bigEndian) {
+        ByteCursor mark(text);
+        const auto first = mark.bigEndian(2);
+        if (first != 0xFEFFU && first != 0xFFFEU) return;
+        bigEndian_ = first == 0xFEFFU;
+        cursor_ = mark;
+    }
+
+    void appendTo(std::string& out) {
+        while (const auto unit = next()) {
+            if (*unit == byteOrderMark) continue;  // every value of a list may have one
+            appendUtf8(out, isSurrogate(*unit) ? completed(*unit) : *unit);
+        }
+    }
+
+ private:
+    static bool isSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xE000; }
+
+    std::optional<char32_t> next() {
+        const auto unit = bigEndian_ ? cursor_.bigEndian(2) : cursor_.littleEndian(2);
+        return unit ? std::optional<char32_t>(*unit) : std::nullopt;
+    }
+
+    // The pair that a high surrogate begins; a lone one is no text.
+    char32_t completed(char32_t high) {
+        const ByteCursor before = cursor_;
+        const auto low = next();
+        if (high < 0xDC00 && low && *low >= 0xDC00 && *low < 0xE000) {
+            return 0x10000U + ((high - 0xD800U) << 10U) + (*low - 0xDC00U);
+        }
+        cursor_ = before;
+        return replacementCharacter;
+    }
+
+    ByteCursor cursor_;
+    bool bigEndian_;
+};
+}  // namespace
+
+std::string_view trimBlanks(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+int leadingNumber(std::string_view text) {
+    text = trimBlanks(text);
+    int number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+std::string fixedWidthText(Bytes field, const CodePage& ansi) {
+    std::string_view text = trimBlanks(textOf(field));
+    text = trimBlanks(text.substr(0, text.find('\0')));
+    return ansi.toUtf8(text);
+}
+
+std::string utf8OrAnsi(std::string_view bytes, const CodePage& ansi) {
+    return isValidUtf8(bytes) ? std::string(bytes) : ansi.toUtf8(bytes);
+}
+
+std::string joinValues(std::string_view text) {
+    while (text.ends_with('\0')) text.remove_suffix(1);
+    std::string joined;
+    while (true) {
+        const std::size_t end = std::min(text.find('\0'), text.size());
+        joined.append(text.substr(0, end));
+        if (end == text.size()) return joined;
+        joined += "; ";
+        text.remove_prefix(end + 1);
+    }
+}
+
+std::size_t unitSize(TextEncoding encoding) {
+    return encoding == TextEncoding::Utf16 || encoding == TextEncoding::Utf16BigEndian ? 2 : 1;
+}
+
+std::string decodeText(TextEncoding encoding, Bytes text, const CodePage& ansi) {
+    if (encoding == TextEncoding::Latin1) return ansi.toUtf8(textOf(text));
+    if (encoding == TextEncoding::Utf8) return utf8OrAnsi(textOf(text), ansi);
+    std::string out;
+    out.reserve(text.size());
+    Utf16Reader(text, encoding == TextEncoding::Utf16BigEndian).appendTo(out);
+    return out;
+}
+
+Bytes takeTerminated(ByteCursor& cursor, TextEncoding encoding) {
+    if (unitSize(encoding) == 1) return cursor.takeUntil(0);
+    const Bytes all = cursor.rest();
+    while (const auto unit = cursor.take(2)) {
+        if ((*unit)[0] == 0 && (*unit)[1] == 0) return all.first(all.size() - cursor.left() - 2);
+    }
+    return *cursor.take(cursor.left());
+}
+
+}  // namespace tavlo
