@@ -1,3 +1,7 @@
+#include <array>
+#include <vector>
+
+#include "collection/ListJob.h"
 #include "core/ConsoleProgress.h"
 #include "core/ConsoleSink.h"
 #include "core/StartUp.h"
@@ -7,6 +11,16 @@
 namespace {
 
 using namespace tavlo;
+
+// The width of a list's lines that go to no terminal does not matter.
+int printList(Services& services) {
+    const bool terminal = isTerminal(Stream::Output);
+    const ListForm form = services.options.json ? ListForm::JsonLines
+                          : terminal            ? ListForm::Table
+                                                : ListForm::TabLines;
+    const int columns = terminal ? terminalColumns(Stream::Output) : 0;
+    return listFiles(services, form, static_cast<std::size_t>(columns));
+}
 
 CancelFlag cancel{false};  // for the interrupt handler it has to outlive everything
 
@@ -19,6 +33,8 @@ int main(int argc, char** argv) {
     ConsoleProgress progress(errors,
                              isTerminal(Stream::Error) ? terminalColumns(Stream::Error) : 0);
     cancelOnInterrupt(cancel);
-    StartUp startUp({registry, output, progress, progress, cancel, TAVLO_VERSION}, {});
+    // Where a window cannot be opened the list is printed instead.
+    const std::vector<JobRow> jobs{{RunMode::MainWindow, printList}, {RunMode::Scan, printList}};
+    StartUp startUp({registry, output, progress, progress, cancel, TAVLO_VERSION}, jobs);
     return startUp.run(programCommandLine(argc, argv));
 }

@@ -1,0 +1,60 @@
+#include "collection/FolderScan.h"
+
+#include <algorithm>
+
+#include "core/TextCase.h"
+
+namespace tavlo {
+
+std::string FolderScan::run(const std::string& folder, bool subfolders) {
+    const PathStyle style = nativePathStyle();
+    std::string at = folder;
+    if (!at.empty() && !isSeparator(at.back(), style)) at += separatorOf(style);
+    root_ = canonicalPath(folder);
+    collect(at, subfolders, false);
+    return std::move(paths_);
+}
+
+std::vector<FolderEntry> FolderScan::sortedEntries(const std::string& folder) const {
+    std::vector<FolderEntry> entries = listFolder(folder);
+    if (!hidden_) std::erase_if(entries, [](const FolderEntry& entry) { return entry.isHidden; });
+    std::sort(entries.begin(), entries.end(), [](const FolderEntry& a, const FolderEntry& b) {
+        return compareNatural(a.name, b.name) < 0;
+    });
+    return entries;
+}
+
+// `folder` ends in a separator; it is lengthened and cut back while subfolders are visited.
+void FolderScan::collect(std::string& folder, bool subfolders, bool insideLink) {
+    const std::vector<FolderEntry> entries = sortedEntries(folder);
+    for (const FolderEntry& entry : entries) {
+        if (!subfolders || !entry.isFolder) continue;
+        collectSubfolder(folder, entry, insideLink);
+        progress_.pumpMessages();
+        if (isCancelled()) break;
+    }
+    for (const FolderEntry& entry : entries) {
+        if (entry.isFolder) continue;
+        paths_.append(folder).append(entry.name) += '\0';
+        ++count_;
+        progress_.report(entry.name);
+    }
+}
+
+void FolderScan::collectSubfolder(std::string& folder, const FolderEntry& entry, bool insideLink) {
+    const std::size_t length = folder.size();
+    folder.append(entry.name) += separatorOf(nativePathStyle());
+    const bool linked = insideLink || entry.isLink;
+    if (!linked || enterLink(folder)) collect(folder, true, linked);
+    folder.resize(length);
+}
+
+// Whether a folder behind a link is to be taken: not what the scan meets by its own path, and
+// nothing twice.
+bool FolderScan::enterLink(const std::string& folder) {
+    const std::string target = canonicalPath(folder);
+    if (target.empty() || liesIn(target, root_, nativePathStyle())) return false;
+    return followed_.insert(target).second;
+}
+
+}  // namespace tavlo

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "core/PathText.h"
+#include "core/Progress.h"
+#include "platform/FileSystem.h"
+
+namespace tavlo {
+
+/// Collects every path below a folder, depth first: the contents of subfolders come before the
+/// folder's own files, both sorted by name. A folder that is reached through a link is taken once,
+/// and not at all where the scan meets it by its own path.
+class FolderScan {
+ public:
+    FolderScan(Progress& progress, const CancelFlag& cancel, bool hidden)
+        : progress_(progress), cancel_(cancel), hidden_(hidden) {}
+
+    /// The paths one behind the other, each ended by a NUL: a name cannot hold one.
+    std::string run(const std::string& folder, bool subfolders);
+
+    [[nodiscard]] std::size_t count() const { return count_; }
+
+ private:
+    void collect(std::string& folder, bool subfolders, bool insideLink);
+    void collectSubfolder(std::string& folder, const FolderEntry& entry, bool insideLink);
+    bool enterLink(const std::string& folder);
+    std::vector<FolderEntry> sortedEntries(const std::string& folder) const;
+    [[nodiscard]] bool isCancelled() const { return cancel_.load(std::memory_order_relaxed); }
+
+    Progress& progress_;
+    const CancelFlag& cancel_;
+    const bool hidden_;
+    std::string root_;                          // the scanned folder, links resolved, when needed
+    std::unordered_set<std::string> followed_;  // folders met behind links, links resolved
+    std::string paths_;
+    std::size_t count_ = 0;
+};
+
+}  // namespace tavlo

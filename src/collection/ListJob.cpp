@@ -1,0 +1,150 @@
+#include "collection/ListJob.h"
+
+#include <optional>
+
+#include "collection/ListJson.h"
+#include "collection/ListTable.h"
+#include "collection/cFilesCollection.h"
+#include "core/WildcardMask.h"
+#include "platform/FileSystem.h"
+#include "tags/AudioFile.h"
+
+namespace tavlo {
+
+namespace {
+constexpr std::size_t outputBlock = 1U << 16U;  // bytes written at once
+
+// The folder that was asked for; without one a window shows what the settings name, a job works
+// where it was started.
+std::string wantedFolder(const Services& services) {
+    const JobOptions& options = services.options;
+    if (options.folder) return *options.folder;
+    if (options.mode == RunMode::MainWindow) {
+        const Settings& settings = services.settings;
+        std::string kept =
+            settings.text(settings.flag(Setting::StartupFolderEn) ? Setting::StartupFolder
+                                                                  : Setting::CurrentFolder);
+        if (folderExists(kept)) return kept;
+    }
+    return options.startFolder;
+}
+
+class ListPrinter {
+ public:
+    ListPrinter(Services& services, ListForm form) : services_(services), form_(form) {}
+
+    // False when the output takes no more.
+    bool add(const ListRow& row) {
+        ++files_;
+        bytes_ += row.record.Length;
+        seconds_ += static_cast<std::uint64_t>(row.record.Seconds);
+        switch (form_) {
+            case ListForm::Table:
+                table_.add(row);
+                break;
+            case ListForm::TabLines:
+                appendTabLine(out_, row);
+                break;
+            case ListForm::JsonLines:
+                appendJsonLine(out_, row);
+                break;
+        }
+        return out_.size() < outputBlock || flush();
+    }
+
+    bool finish(std::size_t terminalColumns) {
+        if (form_ == ListForm::Table) {
+            out_ += table_.print(services_.texts, terminalColumns);
+            out_ += summary();
+        }
+        return flush();
+    }
+
+ private:
+    bool flush() {
+        const bool written = out_.empty() || services_.output.write(out_);
+        out_.clear();
+        return written;
+    }
+
+    [[nodiscard]] std::string summary() const {
+        const Texts& texts = services_.texts;
+        const std::string megabytes = std::to_string((bytes_ + (1U << 19U)) >> 20U);
+        return "\n" + texts.get(Text::SummaryFiles, std::to_string(files_)) + "  " +
+               texts.get(Text::SummarySize, texts.get(Text::SizeMegabytes, megabytes)) + "  " +
+               texts.get(Text::SummaryTime, durationText(seconds_)) + "\n";
+    }
+
+    static std::string durationText(std::uint64_t seconds) {
+        const auto twoDigits = [](std::uint64_t n) {
+            return (n < 10 ? "0" : "") + std::to_string(n);
+        };
+        return std::to_string(seconds / 3600) + ":" + twoDigits(seconds / 60 % 60) + ":" +
+               twoDigits(seconds % 60);
+    }
+
+    Services& services_;
+    ListForm form_;
+    ListTable table_;
+    std::string out_;
+    std::uint64_t files_ = 0, bytes_ = 0, seconds_ = 0;
+};
+
+// False when there is neither such a folder nor such a file.
+bool gather(Services& services, cFilesCollection& files) {
+    const std::string folder = absolutePath(wantedFolder(services));
+    files.BaseFolder = folder;
+    if (const auto info = fileInfo(folder); info && !info->isFolder) {
+        files.BaseFolder = folderOf(folder, nativePathStyle());
+        files.AddFile(folder);
+        return true;
+    }
+    if (!files.FillFromFolder(folder, FileType::Audio, services.options.subfolders, true, false)) {
+        services.errors.report(Text::FolderNotFound, folder);
+        return false;
+    }
+    const WildcardMask mask(services.options.mask);
+    if (!mask.takesAll()) {
+        files.keepIf([&](std::string_view path) {
+            return mask.matches(fileNameOf(path, nativePathStyle()));
+        });
+    }
+    return true;
+}
+
+// A type that is not read gives an empty record without being opened.
+bool isUnreadable(const ID3tag& record) {
+    return record.FileType != FileType::None && !record.OK;
+}
+
+bool printAll(Services& services, const cFilesCollection& files, ListPrinter& printer) {
+    const CodePage ansi(services.ansiCodePage);
+    services.progress.setRange(files.count());
+    for (std::size_t i = 1; i <= files.count(); ++i) {
+        ListRow row{files.GetFile(i), files.GetFileSubPath(i), {}};
+        row.record = ReadAudioFile(row.path, {ansi});
+        if (isUnreadable(row.record)) services.errors.report(Text::FileNotRead, row.path);
+        if (!printer.add(row)) return false;
+        services.progress.report(row.subPath);
+        services.progress.step();
+        services.progress.pumpMessages();
+        if (services.cancel.load(std::memory_order_relaxed)) break;
+    }
+    services.progress.setRange(0);
+    return true;
+}
+}  // namespace
+
+int listFiles(Services& services, ListForm form, std::size_t terminalColumns) {
+    cFilesCollection files(services.progress, services.cancel);
+    if (!gather(services, files)) return unusableCommandLine;
+    // What a cancelled scan gathered is still printed; the next cancel ends that as well.
+    const bool wasCancelled = services.cancel.exchange(false);
+    ListPrinter printer(services, form);
+    const bool written = printAll(services, files, printer) && printer.finish(terminalColumns);
+    if (!written) services.errors.report(Text::OutputNotWritten);
+    if (wasCancelled || services.cancel.load()) services.errors.report(Text::Cancelled);
+    return services.errors.exitCode();
+}
+
+}  // namespace tavlo
