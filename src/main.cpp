@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
     ConsoleProgress progress(errors,
                              isTerminal(Stream::Error) ? terminalColumns(Stream::Error) : 0);
     cancelOnInterrupt(cancel);
-    // Where a window cannot be opened the list is printed instead.
+    // Without a window to show it in, the list is printed.
     const std::vector<JobRow> jobs{{RunMode::MainWindow, printList}, {RunMode::Scan, printList}};
     StartUp startUp({registry, output, progress, progress, cancel, TAVLO_VERSION}, jobs);
     return startUp.run(programCommandLine(argc, argv));

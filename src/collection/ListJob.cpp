@@ -1,5 +1,6 @@
 #include "collection/ListJob.h"
 
+#include <array>
 #include <optional>
 
 #include "collection/ListJson.h"
@@ -69,10 +70,18 @@ class ListPrinter {
 
     [[nodiscard]] std::string summary() const {
         const Texts& texts = services_.texts;
-        const std::string megabytes = std::to_string((bytes_ + (1U << 19U)) >> 20U);
         return "\n" + texts.get(Text::SummaryFiles, std::to_string(files_)) + "  " +
-               texts.get(Text::SummarySize, texts.get(Text::SizeMegabytes, megabytes)) + "  " +
+               texts.get(Text::SummarySize, sizeText(texts, bytes_)) + "  " +
                texts.get(Text::SummaryTime, durationText(seconds_)) + "\n";
+    }
+
+    // In the largest unit that leaves a whole number above 9.
+    static std::string sizeText(const Texts& texts, std::uint64_t bytes) {
+        constexpr std::array units{Text::SizeBytes, Text::SizeKilobytes, Text::SizeMegabytes,
+                                   Text::SizeGigabytes};
+        std::size_t unit = 0;
+        for (; bytes >= 10 * 1024 && unit + 1 < units.size(); ++unit) bytes /= 1024;
+        return texts.get(units[unit], std::to_string(bytes));
     }
 
     static std::string durationText(std::uint64_t seconds) {

@@ -4,6 +4,7 @@
 
 #include "core/TextCase.h"
 #include "platform/File.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 
@@ -34,13 +35,6 @@ std::string resolved(std::string_view entry, std::string_view folder, PathStyle 
     return joinPath(folder, native, style);
 }
 
-std::string_view takeLine(std::string_view& bytes) {
-    const std::size_t end = std::min(bytes.find('\n'), bytes.size());
-    std::string_view line = bytes.substr(0, end);
-    bytes.remove_prefix(std::min(end + 1, bytes.size()));
-    while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
-    return line;
-}
 }  // namespace
 
 std::vector<std::string> parsePlaylist(std::string_view bytes, std::string_view folder, bool isUtf8,
@@ -52,7 +46,7 @@ std::vector<std::string> parsePlaylist(std::string_view bytes, std::string_view 
     std::vector<std::string> entries;
     while (!bytes.empty()) {
         const std::string_view line = takeLine(bytes);
-        if (line.empty() || line[0] == '#') continue;
+        if (trimBlanks(line).empty() || line[0] == '#') continue;
         const std::string entry = isUtf8 ? std::string(line) : ansi.toUtf8(line);
         entries.push_back(resolved(entry, folder, style));
     }
@@ -62,13 +56,10 @@ std::vector<std::string> parsePlaylist(std::string_view bytes, std::string_view 
 std::optional<std::vector<std::string>> readPlaylist(const std::string& path,
                                                      const CodePage& ansi) {
     const PathStyle style = nativePathStyle();
-    File file;
-    if (!file.open(path, Access::Read) || file.size() > largestPlaylist) return std::nullopt;
-    const Bytes bytes = file.view(0, static_cast<std::size_t>(file.size()));
-    if (bytes.size() < file.size()) return std::nullopt;
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const auto text = readFile(path, largestPlaylist);
+    if (!text) return std::nullopt;
     const bool isUtf8 = equalsNoCase(extensionOf(path, style), "m3u8");
-    return parsePlaylist(text, folderOf(path, style), isUtf8, ansi, style);
+    return parsePlaylist(*text, folderOf(path, style), isUtf8, ansi, style);
 }
 
 }  // namespace tavlo

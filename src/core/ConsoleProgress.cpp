@@ -1,28 +1,20 @@
 #include "core/ConsoleProgress.h"
 
-#include <algorithm>
+#include "platform/PlainText.h"
 
 namespace tavlo {
 namespace {
 
 constexpr auto pause = std::chrono::milliseconds(100);
 
-bool isContinuation(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
-
 /// The beginning of a text, at most so many characters; control characters become "?".
 std::string beginning(std::string_view text, std::size_t characters) {
     std::string result;
     for (const char c : text) {
-        if (!isContinuation(c) && characters-- == 0) break;
+        if (!isUtf8Continuation(c) && characters-- == 0) break;
         result += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
     }
     return result;
-}
-
-std::size_t characterCount(std::string_view text) {
-    return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, isContinuation));
 }
 
 }  // namespace

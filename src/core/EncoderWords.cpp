@@ -1,7 +1,8 @@
 #include "core/EncoderWords.h"
 
-#include <algorithm>
 #include <array>
+
+#include "platform/PlainText.h"
 
 namespace tavlo {
 namespace {
@@ -71,24 +72,17 @@ constexpr std::array presetRows{same(Mp3, "vbr1"),
                                 same(Monkey, "extra"),
                                 same(Monkey, "best")};
 
-bool sameWord(std::string_view left, std::string_view right) {
-    const auto lower = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    };
-    return std::ranges::equal(left, right, {}, lower, lower);
-}
-
 }  // namespace
 
 std::optional<EncoderWord> findEncoder(std::string_view word) {
     for (const EncoderRow& row : encoderRows)
-        if (sameWord(row.word, word)) return row.encoder;
+        if (sameAscii(row.word, word)) return row.encoder;
     return std::nullopt;
 }
 
 std::optional<std::string_view> findPreset(EncoderWord encoder, std::string_view word) {
     for (const PresetRow& row : presetRows)
-        if (row.encoder == encoder && sameWord(row.word, word)) return row.preset;
+        if (row.encoder == encoder && sameAscii(row.word, word)) return row.preset;
     return std::nullopt;
 }
 

@@ -1,6 +1,7 @@
 #include "core/Help.h"
 
 #include "core/OptionTable.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 namespace {
@@ -16,12 +17,6 @@ std::string valueWord(const Texts& texts, const OptionAction& action) {
     const bool takesText = special != nullptr ? *special != TakeSpecial::Limits
                                               : std::holds_alternative<TakeText>(action);
     return takesText ? ' ' + texts.get(Text::HelpValueText) : std::string();
-}
-
-std::size_t characterCount(std::string_view text) {
-    std::size_t count = 0;
-    for (const char c : text) count += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1U : 0U;
-    return count;
 }
 
 std::string helpLine(std::string names, const std::string& explanation) {

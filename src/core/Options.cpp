@@ -4,18 +4,12 @@
 
 #include "core/Numbers.h"
 #include "core/OptionTable.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 namespace {
 
 constexpr std::string_view formatPrefix = "/f";
-
-std::string trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t";
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
-}
 
 bool isDigits(std::string_view text) {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
@@ -43,12 +37,12 @@ class OptionReader {
 
     void operator()(const TakeText& action) {
         if (auto value = takeValue())
-            options_.*action.target = action.trimmed ? trimmed(*value) : *value;
+            options_.*action.target = action.trimmed ? std::string(trimBlanks(*value)) : *value;
     }
 
     void operator()(const TakeNumber& action) {
         if (const auto value = takeValue())
-            options_.*action.target = parseInteger(trimmed(*value)).value_or(0);
+            options_.*action.target = parseInteger(trimBlanks(*value)).value_or(0);
     }
 
     void operator()(const TakeSpecial& action) {
@@ -113,7 +107,7 @@ class OptionReader {
         options_.preset = defaultPreset(options_.encoder);
         if (encoder) ++at_;
         if (encoder && blank != std::string_view::npos) {
-            const auto preset = findPreset(*encoder, trimmed(word.substr(blank)));
+            const auto preset = findPreset(*encoder, trimBlanks(word.substr(blank)));
             if (preset) options_.preset = *preset;
         } else if (const auto preset = findPreset(options_.encoder, nextValue())) {
             options_.preset = *preset;

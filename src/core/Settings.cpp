@@ -8,18 +8,24 @@ namespace {
 constexpr int longestHistory = 100;
 constexpr std::string_view historySection = "History";
 
-constexpr std::string_view itemName(HistoryList list) {
-    constexpr std::array<std::string_view, 4> names{"Folder", "RenameTemplate", "TargetFolder",
-                                                    "Server"};
-    return names[static_cast<std::size_t>(list)];
+struct HistoryRow {
+    std::string_view name;
+    int first;  // number of the first item
+};
+
+const HistoryRow& rowOf(HistoryList list) {
+    static constexpr std::array<HistoryRow, 4> rows{
+        {{"Folder", 1}, {"RenameTemplate", 0}, {"TargetFolder", 1}, {"Server", 1}}};
+    return rows[static_cast<std::size_t>(list)];
 }
 
-std::string itemKey(HistoryList list, int number) {
-    return std::string(itemName(list)) + std::to_string(number);
+/// The key of the item at a 0-based place.
+std::string itemKey(HistoryList list, int place) {
+    return std::string(rowOf(list).name) + std::to_string(rowOf(list).first + place);
 }
 
 std::string countKey(HistoryList list) {
-    return std::string(itemName(list)) + "sCount";
+    return std::string(rowOf(list).name) + "sCount";
 }
 
 SettingValue defaultOf(const SettingRow& row) {
@@ -116,7 +122,7 @@ bool Settings::saveAll() {
 std::vector<std::string> Settings::history(HistoryList list) const {
     const auto count = std::get<int>(store_.GetSetting(historySection, countKey(list), 0));
     std::vector<std::string> texts;
-    for (int i = 1; i <= std::min(count, longestHistory); ++i)
+    for (int i = 0; i < std::min(count, longestHistory); ++i)
         texts.push_back(std::get<std::string>(store_.GetSetting(historySection, itemKey(list, i))));
     return texts;
 }
@@ -126,12 +132,11 @@ bool Settings::saveHistory(HistoryList list, const std::vector<std::string>& tex
     const int count = static_cast<int>(std::min<std::size_t>(texts.size(), longestHistory));
     const int before = static_cast<int>(history(list).size());
     bool done = store_.SaveSetting(historySection, countKey(list), count);
-    for (int i = 1; i <= count; ++i)
+    for (int i = 0; i < count; ++i)
         done = store_.SaveSetting(historySection, itemKey(list, i),
-                                  texts[static_cast<std::size_t>(i - 1)]) &&
+                                  texts[static_cast<std::size_t>(i)]) &&
                done;
-    for (int i = count + 1; i <= before; ++i)
-        store_.DeleteSetting(historySection, itemKey(list, i));
+    for (int i = count; i < before; ++i) store_.DeleteSetting(historySection, itemKey(list, i));
     return batch.commit() && done;
 }
 

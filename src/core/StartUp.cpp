@@ -6,6 +6,7 @@
 #include "core/AnsiCodePage.h"
 #include "core/Help.h"
 #include "core/LanguageFile.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 namespace {
@@ -18,13 +19,6 @@ struct PriorityRow {
 constexpr std::array priorityRows{PriorityRow{"idle", PriorityClass::Idle},
                                   PriorityRow{"normal", PriorityClass::Normal},
                                   PriorityRow{"high", PriorityClass::High}};
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    for (char& c : result)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return result;
-}
 
 CommandString splitLine(const CommandLine& commandLine) {
     const PathStyle style = commandLine.text ? PathStyle::Windows : PathStyle::Posix;
@@ -46,7 +40,7 @@ void bindToProgram(RegistryEx& store) {
 }
 
 PriorityClass priorityFromSetting(std::string_view text) {
-    const auto* row = std::ranges::find(priorityRows, lowerCase(text), &PriorityRow::word);
+    const auto* row = std::ranges::find(priorityRows, lowerAscii(text), &PriorityRow::word);
     return row == priorityRows.end() ? PriorityClass::Idle : row->priority;
 }
 

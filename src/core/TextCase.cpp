@@ -102,6 +102,8 @@ std::strong_ordering compareFolded(std::string_view a, std::string_view b) {
 }  // namespace
 
 char32_t lowerCase(char32_t point) {
+    constexpr char32_t firstSmallCyrillic = 0x430, lastSmallCyrillic = 0x45F;
+    if (point >= firstSmallCyrillic && point <= lastSmallCyrillic) return point;  // mostly so
     for (const CaseRange& range : caseRanges) {
         if (isCapital(range, point)) return moved(point, range.distance);
     }

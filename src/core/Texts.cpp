@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "core/Numbers.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 namespace {
@@ -21,14 +22,6 @@ static_assert(numbersAscend());
 const TextRow* findRow(Text text) {
     const auto* row = std::ranges::lower_bound(textTable, text, {}, &TextRow::number);
     return row != textTable.end() && row->number == text ? row : nullptr;
-}
-
-std::string_view takeLine(std::string_view& text) {
-    const std::size_t end = text.find('\n');
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    return line;
 }
 
 std::optional<Text> numberOf(std::string_view line) {

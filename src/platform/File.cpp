@@ -63,4 +63,12 @@ bool File::truncate(std::uint64_t size) {
     return true;
 }
 
+std::optional<std::string> readFile(const std::string& path, std::uint64_t most) {
+    File file;
+    if (!file.open(path, Access::Read) || file.size() > most) return std::nullopt;
+    const Bytes bytes = file.view(0, static_cast<std::size_t>(file.size()));
+    if (bytes.size() < file.size()) return std::nullopt;
+    return std::string(bytes.begin(), bytes.end());
+}
+
 }  // namespace tavlo

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -75,5 +76,8 @@ class File {
     std::array<std::uint8_t, tailSize> tailBuffer_;
     std::array<std::uint8_t, headSize> headBuffer_;
 };
+
+/// A whole file; nothing when it cannot be read or is larger than `most` bytes.
+std::optional<std::string> readFile(const std::string& path, std::uint64_t most);
 
 }  // namespace tavlo

@@ -36,6 +36,11 @@ std::string canonicalPath(const std::string& path);
 /// The path from the root, without "." steps; links and ".." stay as they are where they matter.
 std::string absolutePath(const std::string& path);
 
+enum class Created { Done, Exists, Failed };
+
+/// Writes a file that does not exist yet; one that does stays as it is.
+Created writeNewFile(const std::string& path, std::string_view bytes);
+
 /// Removes a folder that is empty; false, and no change, when it is not.
 bool removeEmptyFolder(const std::string& path);
 

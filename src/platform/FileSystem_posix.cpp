@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <memory>
 
@@ -88,6 +89,21 @@ std::string absolutePath(const std::string& path) {
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     return absolute.empty() ? "/" : absolute;
+}
+
+Created writeNewFile(const std::string& path, std::string_view bytes) {
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (file < 0) return errno == EEXIST ? Created::Exists : Created::Failed;
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) break;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    const bool complete = bytes.empty();
+    if (::close(file) == 0 && complete) return Created::Done;
+    ::unlink(path.c_str());
+    return Created::Failed;
 }
 
 bool removeEmptyFolder(const std::string& path) {

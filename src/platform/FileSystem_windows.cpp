@@ -98,6 +98,23 @@ std::string absolutePath(const std::string& path) {
     return narrow(text);
 }
 
+Created writeNewFile(const std::string& path, std::string_view bytes) {
+    const std::wstring wide = widePath(path);
+    HANDLE file = ::CreateFileW(wide.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        return ::GetLastError() == ERROR_FILE_EXISTS ? Created::Exists : Created::Failed;
+    }
+    DWORD written = 0;
+    const auto count = static_cast<DWORD>(bytes.size());
+    const bool complete =
+        ::WriteFile(file, bytes.data(), count, &written, nullptr) && written == count;
+    ::CloseHandle(file);
+    if (complete) return Created::Done;
+    ::DeleteFileW(wide.c_str());
+    return Created::Failed;
+}
+
 bool removeEmptyFolder(const std::string& path) {
     return ::RemoveDirectoryW(widePath(path).c_str()) != 0;
 }

@@ -23,7 +23,7 @@ class Registry {
  public:
     /// The text file to use where there is no registry; empty stands for tavlo/settings.txt in the
     /// user's configuration folder. Windows does not look at it.
-    explicit Registry(std::string file = {});
+    explicit Registry(const std::string& file = {});
     ~Registry();
     Registry(const Registry&) = delete;
     Registry& operator=(const Registry&) = delete;

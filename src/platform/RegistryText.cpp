@@ -5,6 +5,8 @@
 #include <charconv>
 #include <limits>
 
+#include "platform/PlainText.h"
+
 namespace tavlo {
 namespace {
 
@@ -24,17 +26,9 @@ std::string pathOf(const RegistryKey& key) {
     return path;
 }
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-bool sameName(std::string_view left, std::string_view right) {
-    return left.size() == right.size() && std::ranges::equal(left, right, {}, lower, lower);
-}
-
 bool isBelow(std::string_view path, std::string_view above) {
     return path.size() > above.size() && path[above.size()] == '\\' &&
-           sameName(path.substr(0, above.size()), above);
+           sameAscii(path.substr(0, above.size()), above);
 }
 
 std::string quoted(std::string_view text) {
@@ -111,14 +105,6 @@ std::optional<RegistryValue> parseValue(std::string_view text) {
     return static_cast<std::uint32_t>(number);
 }
 
-std::string_view takeLine(std::string_view& text) {
-    const std::size_t end = text.find('\n');
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    return line;
-}
-
 std::string valueLine(const std::string& name, const RegistryValue& value) {
     return quoted(name) + '=' + valueText(value);
 }
@@ -154,41 +140,40 @@ std::string RegistryText::text() const {
     return result;
 }
 
-const RegistryText::Section* RegistryText::find(const RegistryKey& key) const {
+std::optional<std::size_t> RegistryText::sectionOf(const RegistryKey& key) const {
     const std::string path = pathOf(key);
-    const auto found = std::ranges::find_if(
-        sections_, [&](const Section& s) { return s.path && sameName(*s.path, path); });
-    return found == sections_.end() ? nullptr : &*found;
+    for (std::size_t i = 0; i < sections_.size(); ++i)
+        if (sections_[i].path && sameAscii(*sections_[i].path, path)) return i;
+    return std::nullopt;
 }
 
-const RegistryText::Line* RegistryText::find(const RegistryKey& key,
-                                             const std::string& name) const {
-    const Section* section = find(key);
-    if (section == nullptr) return nullptr;
-    const auto found = std::ranges::find_if(
-        section->lines, [&](const Line& l) { return l.value && sameName(l.name, name); });
-    return found == section->lines.end() ? nullptr : &*found;
+std::optional<std::size_t> RegistryText::lineOf(const Section& section, const std::string& name) {
+    for (std::size_t i = 0; i < section.lines.size(); ++i)
+        if (section.lines[i].value && sameAscii(section.lines[i].name, name)) return i;
+    return std::nullopt;
 }
 
-RegistryText::Section& RegistryText::findOrAdd(const RegistryKey& key) {
-    if (const Section* found = find(key)) return const_cast<Section&>(*found);
+std::optional<RegistryValue> RegistryText::read(const RegistryKey& key,
+                                                const std::string& name) const {
+    const auto index = sectionOf(key);
+    if (!index) return std::nullopt;
+    const auto line = lineOf(sections_[*index], name);
+    return line ? sections_[*index].lines[*line].value : std::nullopt;
+}
+
+RegistryText::Section& RegistryText::sectionFor(const RegistryKey& key) {
+    if (const auto index = sectionOf(key)) return sections_[*index];
     const std::string path = pathOf(key);
     sections_.push_back({path, '[' + path + ']', {}});
     return sections_.back();
 }
 
-std::optional<RegistryValue> RegistryText::read(const RegistryKey& key,
-                                                const std::string& name) const {
-    const Line* line = find(key, name);
-    return line == nullptr ? std::nullopt : line->value;
-}
-
 void RegistryText::write(const RegistryKey& key, const std::string& name,
                          const RegistryValue& value) {
-    Section& section = findOrAdd(key);
+    Section& section = sectionFor(key);
     Line line{name, value, valueLine(name, value)};
-    if (const Line* found = find(key, name)) {
-        const_cast<Line&>(*found) = std::move(line);
+    if (const auto index = lineOf(section, name)) {
+        section.lines[*index] = std::move(line);
         return;
     }
     // Before the blank lines that set the next heading apart.
@@ -198,26 +183,25 @@ void RegistryText::write(const RegistryKey& key, const std::string& name,
 }
 
 bool RegistryText::deleteValue(const RegistryKey& key, const std::string& name) {
-    if (find(key, name) == nullptr) return false;
-    return std::erase_if(findOrAdd(key).lines, [&](const Line& line) {
-               return line.value && sameName(line.name, name);
-           }) > 0;
+    const auto index = sectionOf(key);
+    return index && std::erase_if(sections_[*index].lines, [&](const Line& line) {
+                        return line.value && sameAscii(line.name, name);
+                    }) > 0;
 }
 
 bool RegistryText::deleteKey(const RegistryKey& key) {
     const std::string path = pathOf(key);
     return std::erase_if(sections_, [&](const Section& section) {
                return section.path &&
-                      (sameName(*section.path, path) || isBelow(*section.path, path));
+                      (sameAscii(*section.path, path) || isBelow(*section.path, path));
            }) > 0;
 }
 
 std::vector<std::string> RegistryText::valueNames(const RegistryKey& key) const {
     std::vector<std::string> names;
-    const Section* section = find(key);
-    if (section == nullptr) return names;
-    for (const Line& line : section->lines)
-        if (line.value) names.push_back(line.name);
+    if (const auto index = sectionOf(key))
+        for (const Line& line : sections_[*index].lines)
+            if (line.value) names.push_back(line.name);
     return names;
 }
 
@@ -228,7 +212,7 @@ std::vector<std::string> RegistryText::subkeys(const RegistryKey& key) const {
         if (!section.path || !isBelow(*section.path, path)) continue;
         std::string name = section.path->substr(path.size() + 1);
         name.resize(std::min(name.size(), name.find('\\')));
-        const auto same = [&](const std::string& other) { return sameName(name, other); };
+        const auto same = [&](const std::string& other) { return sameAscii(name, other); };
         if (std::ranges::none_of(names, same)) names.push_back(std::move(name));
     }
     return names;

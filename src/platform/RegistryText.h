@@ -37,9 +37,9 @@ class RegistryText {
         std::vector<Line> lines;
     };
 
-    const Section* find(const RegistryKey& key) const;
-    const Line* find(const RegistryKey& key, const std::string& name) const;
-    Section& findOrAdd(const RegistryKey& key);
+    std::optional<std::size_t> sectionOf(const RegistryKey& key) const;
+    static std::optional<std::size_t> lineOf(const Section& section, const std::string& name);
+    Section& sectionFor(const RegistryKey& key);
 
     std::vector<Section> sections_{Section{}};  // the first stands above all headings
 };

@@ -161,7 +161,7 @@ class Registry::Store {
     int depth_ = 0;
 };
 
-Registry::Registry(std::string file)
+Registry::Registry(const std::string& file)
     : store_(std::make_unique<Store>(file.empty() ? defaultFile() : file)) {}
 
 Registry::~Registry() = default;

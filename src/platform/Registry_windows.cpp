@@ -78,7 +78,7 @@ bool setValue(HKEY key, const std::wstring& name, const RegistryValue& value) {
 // The registry stores each change at once, so there is nothing to gather.
 class Registry::Store {};
 
-Registry::Registry(std::string) {}
+Registry::Registry(const std::string&) {}
 Registry::~Registry() = default;
 
 std::optional<RegistryValue> Registry::read(const RegistryKey& key, const std::string& name) const {

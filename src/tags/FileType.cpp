@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/PlainText.h"
+
 namespace tavlo {
 
 namespace {
@@ -33,11 +35,8 @@ constexpr std::array<Row, 16> rows{{
 }};
 
 bool endsWith(std::string_view path, std::string_view ending) {
-    if (ending.empty() || path.size() < ending.size()) return false;
-    return std::equal(
-        ending.begin(), ending.end(), path.end() - std::ssize(ending), [](char wanted, char found) {
-            return wanted == (found >= 'A' && found <= 'Z' ? found + ('a' - 'A') : found);
-        });
+    return !ending.empty() && path.size() >= ending.size() &&
+           sameAscii(path.substr(path.size() - ending.size()), ending);
 }
 }  // namespace
 

@@ -51,12 +51,6 @@ class Utf16Reader {
 };
 }  // namespace
 
-std::string_view trimBlanks(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 int leadingNumber(std::string_view text) {
     text = trimBlanks(text);
     int number = 0;

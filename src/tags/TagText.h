@@ -5,12 +5,10 @@
 #include <string_view>
 
 #include "platform/CodePage.h"
+#include "platform/PlainText.h"
 #include "tags/ByteCursor.h"
 
 namespace tavlo {
-
-/// The text without blanks at both ends.
-std::string_view trimBlanks(std::string_view text);
 
 /// The number that a text begins with, blanks before it skipped; 0 where there is none or it does
 /// not fit.
