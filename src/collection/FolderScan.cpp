@@ -19,7 +19,7 @@ std::vector<FolderEntry> FolderScan::sortedEntries(const std::string& folder) co
     std::vector<FolderEntry> entries = listFolder(folder);
     if (!hidden_) std::erase_if(entries, [](const FolderEntry& entry) { return entry.isHidden; });
     std::sort(entries.begin(), entries.end(), [](const FolderEntry& a, const FolderEntry& b) {
-        return compareNatural(a.name, b.name) < 0;
+        return std::is_lt(compareNatural(a.name, b.name));
     });
     return entries;
 }

@@ -79,8 +79,9 @@ class ListPrinter {
     static std::string sizeText(const Texts& texts, std::uint64_t bytes) {
         constexpr std::array units{Text::SizeBytes, Text::SizeKilobytes, Text::SizeMegabytes,
                                    Text::SizeGigabytes};
+        constexpr std::uint64_t tenUnits = 10240;
         std::size_t unit = 0;
-        for (; bytes >= 10 * 1024 && unit + 1 < units.size(); ++unit) bytes /= 1024;
+        for (; bytes >= tenUnits && unit + 1 < units.size(); ++unit) bytes /= 1024;
         return texts.get(units[unit], std::to_string(bytes));
     }
 

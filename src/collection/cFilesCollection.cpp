@@ -141,7 +141,7 @@ void cFilesCollection::Sort() {
     std::vector<std::uint32_t> order(count());
     std::iota(order.begin(), order.end(), 0U);
     std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-        return compareNatural(files_[a], files_[b]) < 0;
+        return std::is_lt(compareNatural(files_[a], files_[b]));
     });
     files_.arrange(order);
 }

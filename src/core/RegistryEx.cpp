@@ -11,7 +11,7 @@ namespace {
 std::optional<int> numberOf(const RegistryValue& value) {
     if (const auto* number = std::get_if<std::uint32_t>(&value))
         return static_cast<std::int32_t>(*number);
-    const std::string& text = std::get<std::string>(value);
+    const auto& text = std::get<std::string>(value);
     if (text == "True") return -1;
     if (text == "False") return 0;
     return parseInteger(text);

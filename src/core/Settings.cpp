@@ -121,8 +121,10 @@ bool Settings::saveAll() {
 
 std::vector<std::string> Settings::history(HistoryList list) const {
     const auto count = std::get<int>(store_.GetSetting(historySection, countKey(list), 0));
+    const int used = std::clamp(count, 0, longestHistory);
     std::vector<std::string> texts;
-    for (int i = 0; i < std::min(count, longestHistory); ++i)
+    texts.reserve(static_cast<std::size_t>(used));
+    for (int i = 0; i < used; ++i)
         texts.push_back(std::get<std::string>(store_.GetSetting(historySection, itemKey(list, i))));
     return texts;
 }

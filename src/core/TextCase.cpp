@@ -88,7 +88,7 @@ std::strong_ordering compareNumbers(std::string_view& a, std::string_view& b) {
 std::strong_ordering compareFolded(std::string_view a, std::string_view b) {
     while (!a.empty() && !b.empty()) {
         if (startsWithDigit(a) && startsWithDigit(b)) {
-            if (const auto order = compareNumbers(a, b); order != 0) return order;
+            if (const auto order = compareNumbers(a, b); std::is_neq(order)) return order;
             continue;
         }
         const Folded first = firstFolded(a);
@@ -102,7 +102,8 @@ std::strong_ordering compareFolded(std::string_view a, std::string_view b) {
 }  // namespace
 
 char32_t lowerCase(char32_t point) {
-    constexpr char32_t firstSmallCyrillic = 0x430, lastSmallCyrillic = 0x45F;
+    constexpr char32_t firstSmallCyrillic = 0x430;
+    constexpr char32_t lastSmallCyrillic = 0x45F;
     if (point >= firstSmallCyrillic && point <= lastSmallCyrillic) return point;  // mostly so
     for (const CaseRange& range : caseRanges) {
         if (isCapital(range, point)) return moved(point, range.distance);
@@ -148,7 +149,7 @@ std::uint64_t hashNoCase(std::string_view text) {
 }
 
 std::strong_ordering compareNatural(std::string_view a, std::string_view b) {
-    if (const auto order = compareFolded(a, b); order != 0) return order;
+    if (const auto order = compareFolded(a, b); std::is_neq(order)) return order;
     return a.compare(b) <=> 0;
 }
 

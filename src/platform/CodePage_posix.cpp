@@ -1,6 +1,8 @@
 #include <iconv.h>
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstdlib>
 #include <utility>
 
@@ -54,7 +56,7 @@ class Converter {
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    explicit operator bool() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+    explicit operator bool() const { return handle_ != std::bit_cast<iconv_t>(std::intptr_t{-1}); }
 
     /// Converts from the front of `input` and cuts off what was understood; false when something
     /// is left that cannot be converted.

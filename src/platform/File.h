@@ -59,7 +59,7 @@ class File {
 
     // The system's part: one call each.
     bool openHandle(const std::string& path, Access access);
-    void closeHandle();
+    void closeHandle() const;
     std::size_t readHandle(std::uint64_t offset, std::uint8_t* to, std::size_t count) const;
     bool truncateHandle(std::uint64_t size) const;
 

@@ -29,7 +29,7 @@ bool File::openHandle(const std::string& path, Access access) {
     return true;
 }
 
-void File::closeHandle() {
+void File::closeHandle() const {
     ::close(descriptor(handle_));
 }
 

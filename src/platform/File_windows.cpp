@@ -34,7 +34,7 @@ bool File::openHandle(const std::string& path, Access access) {
     return true;
 }
 
-void File::closeHandle() {
+void File::closeHandle() const {
     ::CloseHandle(native(handle_));
 }
 

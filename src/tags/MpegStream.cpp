@@ -115,7 +115,8 @@ struct StreamCounts {
 
 // Xing header behind its marker: flags, then the fields that the flags announce.
 StreamCounts parseXing(Bytes bytes, bool isVbr) {
-    constexpr std::uint32_t hasFrames = 1, hasBytes = 2;
+    constexpr std::uint32_t hasFrames = 1;
+    constexpr std::uint32_t hasBytes = 2;
     StreamCounts counts{isVbr, 0, 0};
     ByteCursor cursor(bytes);
     const std::uint32_t flags = cursor.bigEndian(4).value_or(0);
