@@ -22,11 +22,12 @@ std::size_t PathList::slotFor(std::string_view path, Match match) const {
 }
 
 bool PathList::add(std::string_view path, Match match) {
-    if ((count() + 1) * 4 > slots_.size() * 3) rebuildSlots(count() + 1);
+    if (indexed_ < count() || (count() + 1) * 4 > slots_.size() * 3) rebuildSlots(count() + 1);
     const std::size_t slot = slotFor(path, match);
     if (slots_[slot] != 0) return false;
     append(path);
     slots_[slot] = static_cast<std::uint32_t>(count());
+    indexed_ = count();
     return true;
 }
 
@@ -36,20 +37,26 @@ void PathList::append(std::string_view path) {
     text_ += '\0';
 }
 
-// Room for `count` paths and as many again.
-void PathList::rebuildSlots(std::size_t count) {
-    slots_.assign(std::bit_ceil(count * 2 + 16), 0);
+// Room for so many paths and as many again.
+void PathList::rebuildSlots(std::size_t room) {
+    slots_.assign(std::bit_ceil(room * 2 + 16), 0);
     for (std::size_t i = 0; i < starts_.size(); ++i) {
         const std::size_t mask = slots_.size() - 1;
         std::size_t slot = hashNoCase((*this)[i]) & mask;
         while (slots_[slot] != 0) slot = (slot + 1) & mask;
         slots_[slot] = static_cast<std::uint32_t>(i + 1);
     }
+    indexed_ = count();
+}
+
+void PathList::dropIndex() {
+    slots_.clear();
+    indexed_ = 0;
 }
 
 void PathList::remove(std::size_t index) {
     starts_.erase(starts_.begin() + static_cast<std::ptrdiff_t>(index));
-    rebuildSlots(count());
+    dropIndex();
 }
 
 void PathList::clear() {
@@ -61,7 +68,6 @@ void PathList::arrange(const std::vector<std::uint32_t>& indexes) {
     arranged.text_.reserve(text_.size());
     arranged.starts_.reserve(indexes.size());
     for (const std::uint32_t index : indexes) arranged.append((*this)[index]);
-    arranged.rebuildSlots(arranged.count());
     *this = std::move(arranged);
 }
 

@@ -19,6 +19,8 @@ class PathList {
 
     /// Appends the path unless it is there already; tells whether it was appended.
     bool add(std::string_view path, Match match);
+    /// Appends a path that is known to be new, which costs no look-up.
+    void append(std::string_view path);
     void remove(std::size_t index);
     void clear();
 
@@ -27,12 +29,13 @@ class PathList {
 
  private:
     [[nodiscard]] std::size_t slotFor(std::string_view path, Match match) const;
-    void append(std::string_view path);
-    void rebuildSlots(std::size_t count);
+    void rebuildSlots(std::size_t room);
+    void dropIndex();
 
     std::string text_;                   // every path, ended by a NUL
     std::vector<std::uint64_t> starts_;  // where each begins in text_
     std::vector<std::uint32_t> slots_;   // open addressing: 1-based index, 0 = free
+    std::size_t indexed_ = 0;            // how many paths slots_ knows; it is made when needed
 };
 
 }  // namespace tavlo

@@ -146,8 +146,15 @@ void cFilesCollection::Sort() {
     files_.arrange(order);
 }
 
-void cFilesCollection::addFound(std::string_view path, FileTypes mask) {
-    if ((tavlo::GetFileType(path) & mask) != 0) files_.add(path, foundMatch());
+// One scan meets no path twice; only a list that held others before has to be asked.
+void cFilesCollection::addFound(std::string_view path, FileTypes mask, bool intoEmpty) {
+    if ((tavlo::GetFileType(path) & mask) != 0) {
+        if (intoEmpty) {
+            files_.append(path);
+        } else {
+            files_.add(path, foundMatch());
+        }
+    }
     progress_.report(path);
     progress_.step();
     progress_.pumpMessages();
@@ -161,10 +168,11 @@ bool cFilesCollection::FillFromFolder(const std::string& folder, FileTypes mask,
     const std::string paths = scan.run(folder, subfolders);
     // A scan that was cancelled keeps all it found; the walk below ends only by a later cancel.
     const bool wasCancelled = isCancelled();
+    const bool intoEmpty = count() == 0;
     progress_.setRange(scan.count());
     for (std::size_t at = 0; at < paths.size() && (wasCancelled || !isCancelled());) {
         const std::string_view path = paths.data() + at;
-        addFound(path, mask);
+        addFound(path, mask, intoEmpty);
         at += path.size() + 1;
     }
     progress_.setRange(0);

@@ -77,7 +77,7 @@ class cFilesCollection {
  private:
     [[nodiscard]] std::string_view pathAt(std::size_t index) const;
     [[nodiscard]] bool isCancelled() const { return cancel_.load(std::memory_order_relaxed); }
-    void addFound(std::string_view path, FileTypes mask);
+    void addFound(std::string_view path, FileTypes mask, bool intoEmpty);
 
     Progress& progress_;
     const CancelFlag& cancel_;

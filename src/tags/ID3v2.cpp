@@ -85,8 +85,9 @@ const TextFrame* findTextFrame(std::string_view id, int majorVersion) {
 }
 
 // Version 4 allows several values; before it, whatever follows the first NUL is no text.
-std::string_view usedText(std::string_view text, int majorVersion) {
-    return majorVersion == 4 ? text : text.substr(0, text.find('\0'));
+std::string usedText(std::string text, int majorVersion) {
+    if (majorVersion < 4) text.resize(std::min(text.find('\0'), text.size()));
+    return text;
 }
 
 std::optional<TextEncoding> takeEncoding(ByteCursor& cursor) {
@@ -180,12 +181,15 @@ class FrameWalk {
         return Bytes(decoded_);
     }
 
+    std::string takeText(ByteCursor& cursor, TextEncoding encoding) const {
+        return usedText(decodeText(encoding, *cursor.take(cursor.left()), context_.ansi), version_);
+    }
+
     bool readText(const TextFrame& frame, ByteCursor& cursor, TextEncoding encoding) {
         const auto row = static_cast<std::size_t>(&frame - textFrames.data());
         if (seen_[row]) return false;
-        const std::string text = decodeText(encoding, cursor.rest(), context_.ansi);
-        const std::string_view used = usedText(text, version_);
-        const std::string value = frame.set == setGenre ? std::string(used) : joinValues(used);
+        std::string value = takeText(cursor, encoding);
+        if (frame.set != setGenre) value = joinValues(std::move(value));  // a genre joins its own
         const std::string_view trimmed = trimBlanks(value);
         if (trimmed.empty()) return true;
         seen_.set(row);
@@ -198,8 +202,7 @@ class FrameWalk {
         if (hasComment_ || !cursor.take(languageSize)) return false;
         const Bytes description = takeTerminated(cursor, encoding);
         if (!decodeText(encoding, description, context_.ansi).empty()) return false;
-        const std::string text = decodeText(encoding, cursor.rest(), context_.ansi);
-        const std::string value = joinValues(usedText(text, version_));
+        const std::string value = joinValues(takeText(cursor, encoding));
         hasComment_ = true;
         if (!trimBlanks(value).empty()) record_.SetComment(value);
         return true;

@@ -68,16 +68,15 @@ std::string utf8OrAnsi(std::string_view bytes, const CodePage& ansi) {
     return isValidUtf8(bytes) ? std::string(bytes) : ansi.toUtf8(bytes);
 }
 
-std::string joinValues(std::string_view text) {
-    while (text.ends_with('\0')) text.remove_suffix(1);
-    std::string joined;
-    while (true) {
-        const std::size_t end = std::min(text.find('\0'), text.size());
-        joined.append(text.substr(0, end));
-        if (end == text.size()) return joined;
-        joined += "; ";
-        text.remove_prefix(end + 1);
+std::string joinValues(std::string text) {
+    constexpr std::string_view separator = "; ";
+    while (text.ends_with('\0')) text.pop_back();
+    std::size_t at = text.find('\0');
+    while (at != std::string::npos) {
+        text.replace(at, 1, separator);
+        at = text.find('\0', at + separator.size());
     }
+    return text;
 }
 
 std::size_t unitSize(TextEncoding encoding) {

@@ -21,7 +21,7 @@ std::string fixedWidthText(Bytes field, const CodePage& ansi);
 std::string utf8OrAnsi(std::string_view bytes, const CodePage& ansi);
 
 /// Several values that stand in one text, with NUL between them, as one text with "; ".
-std::string joinValues(std::string_view text);
+std::string joinValues(std::string text);
 
 /// The encoding byte of an ID3v2 text (ID3v2.4.0 structure, section 4).
 enum class TextEncoding : std::uint8_t { Latin1 = 0, Utf16 = 1, Utf16BigEndian = 2, Utf8 = 3 };
