@@ -11,6 +11,7 @@ std::string FolderScan::run(const std::string& folder, bool subfolders) {
     std::string at = folder;
     if (!at.empty() && !isSeparator(at.back(), style)) at += separatorOf(style);
     root_ = canonicalPath(folder);
+    ancestors_ = {folderId(folder).value_or(FolderId{})};
     collect(at, subfolders, false);
     return std::move(paths_);
 }
@@ -45,8 +46,18 @@ void FolderScan::collectSubfolder(std::string& folder, const FolderEntry& entry,
     const std::size_t length = folder.size();
     folder.append(entry.name) += separatorOf(nativePathStyle());
     const bool linked = insideLink || entry.isLink;
-    if (!linked || enterLink(folder)) collect(folder, true, linked);
+    const auto id = folderId(folder);
+    // A mounted folder may lie in itself without being marked as a link.
+    if (id && !isAncestor(*id) && (!linked || enterLink(folder))) {
+        ancestors_.push_back(*id);
+        collect(folder, true, linked);
+        ancestors_.pop_back();
+    }
     folder.resize(length);
+}
+
+bool FolderScan::isAncestor(const FolderId& id) const {
+    return std::find(ancestors_.begin(), ancestors_.end(), id) != ancestors_.end();
 }
 
 // Whether a folder behind a link is to be taken: not what the scan meets by its own path, and

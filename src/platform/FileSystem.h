@@ -28,7 +28,18 @@ std::vector<FolderEntry> listFolder(const std::string& folder);
 /// What a path leads to; nothing when there is no such file or folder.
 std::optional<FileInfo> fileInfo(const std::string& path);
 
+/// Makes a file writable for its owner; other attributes stay. False when it could not be done.
+bool clearReadOnly(const std::string& path);
+
 bool folderExists(const std::string& path);
+
+/// What tells one folder from every other, whatever path leads to it.
+struct FolderId {
+    std::uint64_t volume = 0;
+    std::uint64_t index = 0;
+    bool operator==(const FolderId&) const = default;
+};
+std::optional<FolderId> folderId(const std::string& path);
 
 /// The path with every link resolved; empty when there is none.
 std::string canonicalPath(const std::string& path);

@@ -68,9 +68,23 @@ std::optional<FileInfo> fileInfo(const std::string& path) {
     return info;
 }
 
+bool clearReadOnly(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return false;
+    if ((status.st_mode & S_IWUSR) != 0) return true;
+    constexpr mode_t permissions = 07777;
+    return ::chmod(path.c_str(), (status.st_mode & permissions) | S_IWUSR) == 0;
+}
+
 bool folderExists(const std::string& path) {
     const auto info = fileInfo(path);
     return info && info->isFolder;
+}
+
+std::optional<FolderId> folderId(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return FolderId{status.st_dev, status.st_ino};
 }
 
 std::string canonicalPath(const std::string& path) {

@@ -30,6 +30,12 @@ class Search {
     HANDLE handle_;
 };
 
+HANDLE openForQuery(const std::string& path) {
+    return ::CreateFileW(widePath(path).c_str(), 0,
+                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+}
+
 // A cloud placeholder is a reparse point as well, yet no link.
 bool isLink(const WIN32_FIND_DATAW& found) {
     return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
@@ -68,15 +74,32 @@ std::optional<FileInfo> fileInfo(const std::string& path) {
     return info;
 }
 
+bool clearReadOnly(const std::string& path) {
+    const std::wstring wide = widePath(path);
+    const DWORD attributes = ::GetFileAttributesW(wide.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    if ((attributes & FILE_ATTRIBUTE_READONLY) == 0) return true;
+    return ::SetFileAttributesW(wide.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY}) != 0;
+}
+
 bool folderExists(const std::string& path) {
     const auto info = fileInfo(path);
     return info && info->isFolder;
 }
 
+std::optional<FolderId> folderId(const std::string& path) {
+    HANDLE opened = openForQuery(path);
+    if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
+    BY_HANDLE_FILE_INFORMATION info{};
+    const bool known = ::GetFileInformationByHandle(opened, &info) != 0;
+    ::CloseHandle(opened);
+    if (!known) return std::nullopt;
+    return FolderId{info.dwVolumeSerialNumber,
+                    static_cast<std::uint64_t>(info.nFileIndexHigh) << 32U | info.nFileIndexLow};
+}
+
 std::string canonicalPath(const std::string& path) {
-    HANDLE opened = ::CreateFileW(widePath(path).c_str(), 0,
-                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    HANDLE opened = openForQuery(path);
     if (opened == INVALID_HANDLE_VALUE) return {};
     std::wstring text(::GetFinalPathNameByHandleW(opened, nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
     const DWORD length = ::GetFinalPathNameByHandleW(

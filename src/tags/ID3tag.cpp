@@ -1,7 +1,9 @@
 #include "tags/ID3tag.h"
 
 #include <algorithm>
+#include <array>
 
+#include "platform/FileSystem.h"
 #include "tags/TagText.h"
 
 namespace tavlo {
@@ -158,6 +160,70 @@ void ID3tag::SetTitleMixV2(std::string_view text) {
 
 void ID3tag::SetTitleMix(std::string_view text) {
     SetTitleMixV2(text);
+}
+
+void ID3tag::UpdateBasicFields(const BasicFields& fields) {
+    struct Row {
+        std::string_view text;
+        void (ID3tag::*set)(std::string_view);
+    };
+    const std::array<Row, 6> basic{{{fields.artist, &ID3tag::SetArtist},
+                                    {fields.album, &ID3tag::SetAlbum},
+                                    {fields.year, &ID3tag::SetYear},
+                                    {fields.title, &ID3tag::SetTitle},
+                                    {fields.mix, &ID3tag::SetMix},
+                                    {fields.genre, &ID3tag::SetGenre}}};
+    ClearReadOnlyFlag();
+    for (const Row& row : basic) {
+        if (!row.text.empty()) (this->*row.set)(row.text);
+    }
+    if (!fields.composer.empty()) ID3v2Ext.Composer = trimBlanks(fields.composer);
+    if (!fields.copyright.empty()) ID3v2Ext.CopyRight = trimBlanks(fields.copyright);
+    if (!fields.url.empty()) ID3v2Ext.URL = trimBlanks(fields.url);
+}
+
+bool ID3tag::ClearReadOnlyFlag() const {
+    return Path.empty() || clearReadOnly(Path);
+}
+
+void ID3tag::FillFromID3(const ID3tag& other) {
+    SetArtist(other.GetArtist());
+    SetTitle(other.GetTitle());
+    SetMix(other.GetMix());
+    squareBrackets_ = other.squareBrackets_;
+    SetAlbum(other.GetAlbum());
+    SetYear(other.GetYear());
+    SetComment(other.GetComment());
+    SetNumber(other.GetNumber());
+    ID3v2Ext.Genre = other.GetGenre();
+    Genre = other.GetGenreID();
+    ID3v2Ext.Composer = other.ID3v2Ext.Composer;
+    ID3v2Ext.OriginalArtist = other.ID3v2Ext.OriginalArtist;
+    ID3v2Ext.CopyRight = other.ID3v2Ext.CopyRight;
+    ID3v2Ext.URL = other.ID3v2Ext.URL;
+    TracksCount = other.TracksCount;
+    DiskNumber = other.DiskNumber;
+    DisksCount = other.DisksCount;
+    BPM = other.BPM;
+    IsPartOfCompilation = other.IsPartOfCompilation;
+    AlbumArt = other.AlbumArt;
+    AlbumArtType = other.AlbumArtType;
+    fillFormatItems();
+}
+
+// Formats whose only tag is APEv2 keep the counts as items of their own.
+void ID3tag::fillFormatItems() {
+    cFormatExt* ext = IsMPCFile()   ? &MPCExt
+                      : IsWVFile()  ? &WavPackExt
+                      : IsAPEFile() ? &MonkeyExt
+                                    : nullptr;
+    if (ext == nullptr) return;
+    ext->Items.clear();
+    const std::array<std::pair<std::string_view, int>, 3> counts{
+        {{"TracksCount", TracksCount}, {"DiskNumber", DiskNumber}, {"DisksCount", DisksCount}}};
+    for (const auto& [name, number] : counts) {
+        if (number > 0) ext->Items.emplace_back(name, std::to_string(number));
+    }
 }
 
 }  // namespace tavlo

@@ -47,6 +47,11 @@ struct cAlbumArt {
     std::vector<std::uint8_t> Data;  ///< empty until loaded
 };
 
+/// What a batch change sets; an empty text leaves its field as it is.
+struct BasicFields {
+    std::string_view artist, album, year, title, mix, genre, composer, copyright, url;
+};
+
 /// Everything the program keeps of one audio file. Text is UTF-8; getters give the long form
 /// and, where that is empty, the short field, both without outer blanks.
 class ID3tag {
@@ -133,7 +138,15 @@ class ID3tag {
     void SetTitleMixV1(std::string_view text);  ///< knows round brackets only
     void SetTitleMixV2(std::string_view text);  ///< knows both kinds
 
+    /// Makes the file writable and sets the fields that are given.
+    void UpdateBasicFields(const BasicFields& fields);
+    /// Makes the file writable; nothing happens without a path. False when it could not be done.
+    bool ClearReadOnlyFlag() const;
+    /// Takes over another record's tags, not its stream or what its own format keeps beyond them.
+    void FillFromID3(const ID3tag& other);
+
  private:
+    void fillFormatItems();
     bool splitTitleMix(std::string_view text, std::string_view brackets);
     [[nodiscard]] std::string joinedTitleMix(std::string_view brackets) const;
 
