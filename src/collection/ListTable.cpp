@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 
 #include "platform/Utf8.h"
 
@@ -124,15 +123,37 @@ std::string fitted(std::string_view text, std::size_t width, bool alignsRight) {
 
 using Widths = std::array<std::size_t, columns.size()>;
 
+// The columns in which a narrow terminal is saved places first.
+constexpr std::array<Text, 6> dispensable{Text::ColumnSampleRate, Text::ColumnTags,
+                                          Text::ColumnGenre,      Text::ColumnBitrate,
+                                          Text::ColumnYear,       Text::ColumnAlbum};
+
+std::size_t lineWidth(const Widths& widths) {
+    std::size_t total = 0;
+    for (const std::size_t width : widths) {
+        if (width > 0) total += width + columnGap.size();
+    }
+    return total - columnGap.size();
+}
+
+// Leaves columns out (width 0) until those that stay could be made narrow enough.
+void leaveOut(Widths& widths, std::size_t terminalColumns) {
+    for (const Text caption : dispensable) {
+        Widths least = widths;
+        for (std::size_t& width : least) width = std::min(width, leastWidth);
+        if (lineWidth(least) <= terminalColumns) return;
+        const auto* column = std::find_if(columns.begin(), columns.end(),
+                                          [&](const Column& c) { return c.caption == caption; });
+        widths[static_cast<std::size_t>(column - columns.begin())] = 0;
+    }
+}
+
 // Takes places off the widest columns until the line fits or none can give any more.
 void narrow(Widths& widths, std::size_t terminalColumns) {
-    std::size_t total =
-        std::accumulate(widths.begin(), widths.end(), columnGap.size() * (widths.size() - 1));
-    while (total > terminalColumns) {
+    for (std::size_t total = lineWidth(widths); total > terminalColumns; --total) {
         std::size_t& widest = *std::max_element(widths.begin(), widths.end());
         if (widest <= leastWidth) return;
         --widest;
-        --total;
     }
 }
 }  // namespace
@@ -175,12 +196,14 @@ std::string ListTable::print(const Texts& texts, std::size_t terminalColumns) co
         widths[i] = displayWidth(captions[i]);
         for (const auto& cells : cells_) widths[i] = std::max(widths[i], displayWidth(cells[i]));
     }
+    leaveOut(widths, terminalColumns);
     narrow(widths, terminalColumns);
     std::string out;
     const auto printLine = [&](const std::vector<std::string>& cells) {
         std::string line;
         for (std::size_t i = 0; i < columns.size(); ++i) {
-            if (i > 0) line += columnGap;
+            if (widths[i] == 0) continue;
+            if (!line.empty()) line += columnGap;
             line += fitted(cells[i], widths[i], columns[i].alignsRight);
         }
         line.erase(line.find_last_not_of(' ') + 1);

@@ -19,7 +19,8 @@ class ListTable {
 
     void add(const ListRow& row);
 
-    /// Captions and rows; columns that do not fit are cut with "…".
+    /// Captions and rows; cells that do not fit are cut with "…", and a narrow terminal does
+    /// without some columns.
     [[nodiscard]] std::string print(const Texts& texts, std::size_t terminalColumns) const;
 
  private:

@@ -66,6 +66,12 @@ bool isValidUtf8(std::string_view text) {
     return true;
 }
 
+std::string_view utf8Head(std::string_view text, std::size_t most) {
+    if (text.size() <= most) return text;
+    while (most > 0 && (byteAt(text, most) & 0xC0U) == 0x80) --most;
+    return text.substr(0, most);
+}
+
 void appendUtf8(std::string& out, char32_t point) {
     const auto tail = [&](unsigned shift) {
         out += static_cast<char>(0x80U | ((point >> shift) & 0x3FU));

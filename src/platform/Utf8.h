@@ -21,6 +21,9 @@ CodePoint firstCodePoint(std::string_view text);
 
 bool isValidUtf8(std::string_view text);
 
+/// The front of a text, at most so many bytes, cut between two characters.
+std::string_view utf8Head(std::string_view text, std::size_t most);
+
 /// Appends a code point; a lone surrogate gets its three-byte form.
 void appendUtf8(std::string& out, char32_t point);
 

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/FileSystem.h"
+#include "platform/Utf8.h"
 #include "tags/TagText.h"
 
 namespace tavlo {
@@ -110,7 +111,7 @@ void ID3tag::SetComment(std::string_view text) {
 
 void ID3tag::SetYear(std::string_view text) {
     ID3v2Ext.Year = trimBlanks(text);
-    Year = ID3v2Ext.Year.substr(0, yearDigits);
+    Year = utf8Head(ID3v2Ext.Year, yearDigits);
 }
 
 void ID3tag::SetGenre(std::string_view name) {

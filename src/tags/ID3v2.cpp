@@ -6,6 +6,7 @@
 #include <charconv>
 
 #include "core/TextCase.h"
+#include "platform/Utf8.h"
 #include "tags/ByteCursor.h"
 #include "tags/ID3v2Frame.h"
 #include "tags/Picture.h"
@@ -32,7 +33,7 @@ struct TextFrame {
 };
 
 void setRecordingTime(ID3tag& record, std::string_view text) {
-    record.SetYear(text.substr(0, yearDigits));
+    record.SetYear(utf8Head(text, yearDigits));
     if (text.size() > yearDigits) record.ID3v2Ext.RecordingTime = text;
 }
 
@@ -135,10 +136,9 @@ class FrameWalk {
     // Some writers of version 4 keep the plain sizes of version 3. The size is syncsafe unless
     // only the plain one leads to another frame, to padding or to the end.
     void correctSize(FrameHeader& header, std::uint64_t at) {
-        if (header.bodySize < 0x80) return;
         ByteCursor cursor(source_.view(at + 4, 4));
         const std::uint32_t plain = cursor.bigEndian(4).value_or(0);
-        if (plain == header.bodySize) return;
+        if (plain < 0x80 || plain == header.bodySize) return;
         const std::uint64_t body = at + headerSize_;
         if (!leadsOn(body + header.bodySize) && leadsOn(body + plain)) header.bodySize = plain;
     }
@@ -229,14 +229,14 @@ class FrameWalk {
         if (!picture) return false;
         const bool better = !hasPicture_ || (picture->art.PictureType == frontCover &&
                                              record_.AlbumArt.PictureType != frontCover);
-        keep(header, at);
-        if (!better) return true;
-        hasPicture_ = true;
-        chosenPicture_ = kept_.size();
-        if (full) {
+        if (better && full) {
             const auto data = body->subspan(picture->dataOffset);
             picture->art.Data.assign(data.begin(), data.end());
         }
+        keep(header, at);  // from here on the body's bytes are gone
+        if (!better) return true;
+        hasPicture_ = true;
+        chosenPicture_ = kept_.size();
         record_.AlbumArtType = pictureType(picture->art.MIME);
         record_.AlbumArt = std::move(picture->art);
         return true;

@@ -31,14 +31,14 @@ std::string_view mimeOfEnding(std::string_view ending) {
     return {};
 }
 
-std::optional<std::string> takeMime(ByteCursor& cursor, int majorVersion) {
+std::optional<std::string> takeMime(ByteCursor& cursor, int majorVersion, const CodePage& ansi) {
     if (majorVersion == 2) {
         const auto format = cursor.take(3);
         const std::string_view mime = format ? mimeOfEnding(textOf(*format)) : std::string_view();
         return mime.empty() ? std::nullopt : std::optional<std::string>(mime);
     }
     constexpr std::string_view wanted = "image/";
-    std::string mime(textOf(cursor.takeUntil(0)));
+    std::string mime = utf8OrAnsi(textOf(cursor.takeUntil(0)), ansi);
     if (!equalsNoCase(std::string_view(mime).substr(0, wanted.size()), wanted)) return std::nullopt;
     return mime;
 }
@@ -53,7 +53,7 @@ std::optional<ParsedPicture> parsePictureFrame(Bytes head, std::size_t contentSi
     }
     const auto encoding = static_cast<TextEncoding>(*encodingByte);
     ParsedPicture picture;
-    auto mime = takeMime(cursor, majorVersion);
+    auto mime = takeMime(cursor, majorVersion, ansi);
     const auto type = cursor.u8();
     if (!mime || !type) return std::nullopt;
     picture.art.MIME = std::move(*mime);

@@ -1,12 +1,13 @@
-#!/bin/bash
-# The list of samples/ as JSON lines is the same on every system.
-set -euo pipefail
-expected=tests/cli/samples.jsonl
-[ -e "$expected" ] || exit 77
-
-# Windows writes paths with "\" (doubled in JSON) and Wine puts "Z:" before the root's.
-plain_paths() {
-    if [ "$TAVLO_SYSTEM" = windows ]; then sed 's/\\\\/\//g; s/Z:\//\//g'; else cat; fi
+#!/ bin / bash
+#The list of samples / as JSON lines is the same on every system.
+set - euo pipefail expected = tests / cli / samples.jsonl[-e "$expected"] || exit 77
+#Windows writes paths with "\" (doubled in JSON) and Wine puts " Z : " before the root's.
+                              plain_paths() {
+    if
+        ["$TAVLO_SYSTEM" = windows];
+    then sed 's/\\\\/\//g; s/Z:\//\//g';
+    else cat;
+    fi
 }
 
-"$TAVLO" /scan /s /json samples | plain_paths | sed "s|$PWD/||g" | diff -u "$expected" -
+"$TAVLO" / scan / s / json samples | plain_paths | sed "s|$PWD/||g" | diff - u "$expected" -

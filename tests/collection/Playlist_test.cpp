@@ -1,0 +1,73 @@
+#include "collection/Playlist.h"
+
+#include <gtest/gtest.h>
+
+#include "collection/cFilesCollection.h"
+#include "support/TempFolder.h"
+#include "support/TestProgress.h"
+
+namespace tavlo::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+TEST(Playlist, EntriesAreResolvedAgainstTheFolder) {
+    struct Case {
+        PathStyle style;
+        std::string_view folder, bytes;
+        Names entries;
+    };
+    constexpr PathStyle posix = PathStyle::Posix, windows = PathStyle::Windows;
+    const Case cases[] = {
+        {posix, "/m", "a.mp3", {"/m/a.mp3"}},
+        {posix,
+         "/m",
+         "#EXTM3U\r\n#EXTINF:5,A - B\r\na.mp3\r\n\r\nb.mp3\r\n",
+         {"/m/a.mp3", "/m/b.mp3"}},
+        {posix, "/m", "a.mp3\nb.mp3\n", {"/m/a.mp3", "/m/b.mp3"}},
+        {posix, "/m", "CD1\\a.mp3", {"/m/CD1/a.mp3"}},
+        {posix, "/m", "CD1//a.mp3", {"/m/CD1/a.mp3"}},
+        {posix, "/m", "/n/a b.mp3", {"/n/a b.mp3"}},
+        {posix, "/m", "", {}},
+        {windows, "C:\\m", "a.mp3\r\nCD1/b.mp3", {"C:\\m\\a.mp3", "C:\\m\\CD1\\b.mp3"}},
+        {windows, "C:\\m", "D:\\n\\a.mp3", {"D:\\n\\a.mp3"}},
+        {windows, "C:\\m", "D:/n/a.mp3", {"D:\\n\\a.mp3"}},
+        {windows, "C:\\m", "CD1//a.mp3", {"C:\\m\\CD1\\a.mp3"}},
+        {windows, "C:\\m", "\\\\server\\share\\a.mp3", {"\\\\server\\share\\a.mp3"}},
+    };
+    const CodePage ansi(1252);
+    for (const Case& c : cases) {
+        EXPECT_EQ(parsePlaylist(c.bytes, c.folder, false, ansi, c.style), c.entries) << c.bytes;
+    }
+}
+
+TEST(Playlist, NamesAreInTheCodePageUnlessTheListIsUtf8) {
+    const TempFolder folder;
+    const CodePage ansi(1251);
+    const std::string cyrillic = "\xCF\xB8\xF1.mp3";
+    const std::pair<std::string, std::string> lists[] = {
+        {"ansi.m3u", cyrillic}, {"marked.m3u", "\xEF\xBB\xBFПёс.mp3"}, {"named.M3U8", "Пёс.mp3"}};
+    for (const auto& [name, bytes] : lists) {
+        const auto entries = readPlaylist(folder.write(name, bytes), ansi);
+        ASSERT_TRUE(entries) << name;
+        EXPECT_EQ(*entries, Names{folder.path("Пёс.mp3")}) << name;
+    }
+    EXPECT_FALSE(readPlaylist(folder.path("none.m3u"), ansi));
+}
+
+TEST(Playlist, CollectionTakesTheEntriesOfItsTypes) {
+    const TempFolder folder;
+    const CodePage ansi(1252);
+    TestProgress progress;
+    cFilesCollection files(progress, progress.cancel);
+    const std::string list = folder.write("l.m3u", "a.mp3\r\nCD1\\b.ogg\r\nA.MP3\r\nc.jpg\r\n");
+    EXPECT_TRUE(files.FillFromPlaylist(list, FileType::Audio, ansi));
+    ASSERT_EQ(files.count(), 2U);
+    EXPECT_EQ(files.GetFile(1), folder.path("a.mp3"));
+    EXPECT_EQ(files.GetFile(2), folder.path("CD1/b.ogg"));
+    EXPECT_FALSE(files.FillFromPlaylist(folder.path("none.m3u"), FileType::Audio, ansi));
+    EXPECT_EQ(files.count(), 2U);
+}
+
+}  // namespace
+}  // namespace tavlo::test

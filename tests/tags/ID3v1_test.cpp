@@ -1,0 +1,158 @@
+#include "tags/ID3v1.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/Utf8.h"
+#include "support/ReadBytes.h"
+#include "support/TempFolder.h"
+
+namespace tavlo::test {
+namespace {
+
+const std::string audio(200, 'x');
+const Id3v1 usual{"Seven Bells", "Marble Choir", "Towers", "1998", "live", 0, 7, 17};
+
+struct Read {
+    std::optional<std::uint64_t> offset;
+    ID3tag record;
+};
+
+Read readBlock(std::string_view bytes, int codePage = 1252) {
+    const CodePage ansi(codePage);
+    File file;
+    file.openMemory(bytesOf(bytes));
+    Read read;
+    read.offset = ReadID3v1Tag(file, read.record, {ansi});
+    return read;
+}
+
+TEST(ID3v1, EveryFieldIsRead) {
+    const ID3tag record = readBlock(audio + usual.block()).record;
+    EXPECT_TRUE(record.IsID3v1Present);
+    EXPECT_EQ(record.Title, "Seven Bells");
+    EXPECT_EQ(record.Artist, "Marble Choir");
+    EXPECT_EQ(record.Album, "Towers");
+    EXPECT_EQ(record.Year, "1998");
+    EXPECT_EQ(record.Comment, "live");
+    EXPECT_EQ(record.TrackNumber, 7);
+    EXPECT_EQ(record.Genre, 17);
+}
+
+TEST(ID3v1, BlockIsFoundAtTheEndOrUpTo32BytesBeforeIt) {
+    for (const std::size_t behind : {0U, 1U, 10U, 31U, 32U}) {
+        const Read read =
+            readBlock(std::string(300, 'x') + usual.block() + std::string(behind, 'y'));
+        EXPECT_EQ(read.offset, 300U) << behind;
+        EXPECT_EQ(read.record.Artist, "Marble Choir") << behind;
+        EXPECT_EQ(read.record.TrackNumber, 7) << behind;
+    }
+    const Read read = readBlock(std::string(300, 'x') + usual.block() + std::string(33, 'y'));
+    EXPECT_EQ(read.offset, std::nullopt);
+    EXPECT_FALSE(read.record.IsID3v1Present);
+    EXPECT_EQ(read.record.Artist, "");
+}
+
+TEST(ID3v1, FilesWithoutABlock) {
+    const std::string block = usual.block();
+    const std::pair<std::string_view, std::string> cases[] = {
+        {"empty", ""},
+        {"one byte", "T"},
+        {"the mark alone", "TAG"},
+        {"127 bytes", block.substr(0, 127)},
+        {"127 other bytes", std::string(127, 'x')},
+        {"mark in lower case", audio + "tag" + block.substr(3)},
+        {"too little behind the mark", audio + "TAG" + std::string(120, 'y')},
+        {"mark inside an APE item", audio + ApeTag{{apeItem("Note", "a TAG in here")}}.bytes()},
+    };
+    for (const auto& [name, bytes] : cases) {
+        const Read read = readBlock(bytes);
+        EXPECT_EQ(read.offset, std::nullopt) << name;
+        EXPECT_FALSE(read.record.IsID3v1Present) << name;
+    }
+}
+
+TEST(ID3v1, BlockWithExactlyEnoughBytesBehindTheMarkIsTaken) {
+    const Read read = readBlock(audio + usual.block().substr(0, 124));
+    EXPECT_TRUE(read.record.IsID3v1Present);
+    EXPECT_EQ(read.record.Title, "Seven Bells");
+}
+
+TEST(ID3v1, BlockThatIsTheWholeFileIsRead) {
+    EXPECT_EQ(readBlock(usual.block()).offset, 0U);
+    EXPECT_EQ(readBlock("x" + usual.block()).offset, 1U);
+}
+
+TEST(ID3v1, CommentEndsWhereTheTrackNumberBegins) {
+    struct Case {
+        std::uint8_t zero, track;
+        std::size_t commentSize;
+        int number;
+    };
+    constexpr Case cases[] = {
+        {0, 7, 28, 7}, {0, 255, 28, 255}, {0, 0, 28, 0}, {'c', 0, 29, 0}, {'c', 'c', 30, 0},
+    };
+    for (const Case& c : cases) {
+        Id3v1 block;
+        block.comment = std::string(28, 'c');
+        block.zero = c.zero;
+        block.track = c.track;
+        const ID3tag record = readBlock(audio + block.block()).record;
+        EXPECT_EQ(record.Comment, std::string(c.commentSize, 'c')) << int{c.zero} << int{c.track};
+        EXPECT_EQ(record.TrackNumber, c.number) << int{c.zero} << int{c.track};
+    }
+}
+
+TEST(ID3v1, FieldsAreTrimmedAndEndAtTheFirstNul) {
+    Id3v1 block;
+    block.title = "  Full of blanks  ";
+    block.artist = "Cut \0junk"s;
+    block.album = std::string(30, 'a');
+    block.year = "2001";
+    const ID3tag record = readBlock(audio + block.block(' ')).record;
+    EXPECT_EQ(record.Title, "Full of blanks");
+    EXPECT_EQ(record.Artist, "Cut");
+    EXPECT_EQ(record.Album, std::string(30, 'a'));
+    EXPECT_EQ(record.Year, "2001");
+    EXPECT_EQ(record.Genre, noGenre);
+}
+
+TEST(ID3v1, TextIsInTheCodePage) {
+    Id3v1 block;
+    block.title = "\xCF\xE5\xF1\xED\xFF";
+    block.artist = "Caf\xE9\x80";
+    const std::string bytes = audio + block.block();
+    EXPECT_EQ(readBlock(bytes, 1251).record.Title, "Песня");
+    EXPECT_EQ(readBlock(bytes, 1252).record.Title, "Ïåñíÿ");
+    EXPECT_EQ(readBlock(bytes, 1252).record.Artist, "Café€");
+    EXPECT_TRUE(isValidUtf8(readBlock(bytes, 1251).record.Artist));
+}
+
+TEST(ID3v1, GenreByteIsStoredAsItIs) {
+    for (const int genre : {0, 147, 148, 254, 255}) {
+        Id3v1 block = usual;
+        block.genre = static_cast<std::uint8_t>(genre);
+        const ID3tag record = readBlock(audio + block.block()).record;
+        EXPECT_EQ(record.Genre, genre);
+        EXPECT_EQ(record.GetGenre(), genreName(genre)) << genre;
+    }
+}
+
+TEST(ID3v1, BytesBehindTheBlockAreCutOnlyOnAWritableFile) {
+    const TempFolder folder;
+    const std::string whole = std::string(300, 'x') + usual.block() + "0123456789";
+    const std::string path = folder.write("a.mp3", whole);
+    const CodePage ansi(1252);
+    for (const Access access : {Access::Read, Access::ReadWrite}) {
+        File file;
+        ASSERT_TRUE(file.open(path, access));
+        ID3tag record;
+        EXPECT_EQ(ReadID3v1Tag(file, record, {ansi}), 300U);
+        EXPECT_EQ(record.Title, "Seven Bells");
+        file.close();
+        const bool cut = access == Access::ReadWrite;
+        EXPECT_EQ(folder.read("a.mp3"), whole.substr(0, cut ? 428 : 438));
+    }
+}
+
+}  // namespace
+}  // namespace tavlo::test
