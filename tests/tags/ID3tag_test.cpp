@@ -136,18 +136,46 @@ TEST(ID3tag, GenreIsANumberOrTextBesideNone) {
     EXPECT_EQ(record.GetGenre(), "Jazz");
 }
 
-TEST(ID3tag, KindTestsFollowTheType) {
-    using Test = bool (ID3tag::*)() const;
-    constexpr std::pair<FileTypes, Test> cases[] = {
-        {1, &ID3tag::IsMP3File},          {2, &ID3tag::IsOGGFile},    {4, &ID3tag::IsMPCFile},
-        {8, &ID3tag::IsWindowsMediaFile}, {16, &ID3tag::IsMP4File},   {512, &ID3tag::IsFLACFile},
-        {1024, &ID3tag::IsWVFile},        {2048, &ID3tag::IsAPEFile},
-    };
-    for (const auto& [type, unused] : cases) {
-        ID3tag record;
-        record.FileType = type;
-        for (const auto& [other, test] : cases) EXPECT_EQ((record.*test)(), type == other) << type;
-    }
+TEST(ID3tag, BatchChangeTouchesOnlyWhatIsGiven) {
+    ID3tag record;
+    record.SetArtist("Artist");
+    record.SetTitleMix("Song (Live)");
+    record.SetGenre("Rock");
+    record.ID3v2Ext.Composer = "Composer";
+    BasicFields fields;
+    fields.album = " Album ";
+    fields.url = "http://example.org/";
+    record.UpdateBasicFields(fields);
+    EXPECT_EQ(record.GetAlbum(), "Album");
+    EXPECT_EQ(record.ID3v2Ext.URL, "http://example.org/");
+    EXPECT_EQ(record.GetArtist(), "Artist");
+    EXPECT_EQ(record.GetTitleMix(), "Song (Live)");
+    EXPECT_EQ(record.GetGenreID(), 17);
+    EXPECT_EQ(record.ID3v2Ext.Composer, "Composer");
+}
+
+TEST(ID3tag, TagsOfAnotherRecordAreTakenOverWithoutItsStream) {
+    ID3tag source;
+    source.SetTitleMix("Song [Live]");
+    source.SetNumber("3/12");
+    source.ID3v2Ext.Genre = "Eurodisco";  // a refinement beside its number
+    source.Genre = 4;
+    source.DiskNumber = 1;
+    source.AlbumArt.Data = {1, 2, 3};
+    source.Seconds = 100;
+    ID3tag target;
+    target.FileType = FileType::Mpc;
+    target.Seconds = 99;
+    target.FillFromID3(source);
+    EXPECT_EQ(target.GetTitleMixV2(), "Song [Live]");
+    EXPECT_EQ(target.GetNumber(), "3/12");
+    EXPECT_EQ(target.GetGenre(), "Eurodisco");
+    EXPECT_EQ(target.GetGenreID(), 4);
+    EXPECT_EQ(target.AlbumArt.Data.size(), 3U);
+    EXPECT_EQ(target.Seconds, 99);
+    const std::vector<std::pair<std::string, std::string>> items{{"TracksCount", "12"},
+                                                                 {"DiskNumber", "1"}};
+    EXPECT_EQ(target.MPCExt.Items, items);
 }
 
 }  // namespace
