@@ -1,4 +1,4 @@
-# Debian packages that ./run, ./test and ./bench need, and how they get there; sourced by them
+# Debian packages that ./run, ./test and bench/run need, and how they get there; sourced by them
 # with `root` set to the project's folder.
 run_packages=(g++ cmake ninja-build rapidjson-dev zlib1g-dev)
 fast_packages=("${run_packages[@]}" googletest clang-format)
@@ -6,7 +6,8 @@ test_packages=("${fast_packages[@]}" g++-mingw-w64-x86-64-posix libz-mingw-w64-d
     wine wine64
     clang libclang-rt-14-dev)
 lint_packages=("${run_packages[@]}" googletest clang-tidy)
-bench_packages=("${run_packages[@]}" pkg-config libtag1-dev)
+peers_packages=("${run_packages[@]}" lame python3-mutagen libtag1-dev)
+bench_packages=("${run_packages[@]}" pkg-config libtag1-dev python3-mutagen strace)
 
 # Prints those of its arguments that are installed.
 installed_packages() {

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace tavlo {
+
+/// What the process has spent so far. To be included by one source of a program: it replaces
+/// operator new.
+struct Counters {
+    std::uint64_t allocations = 0;  ///< calls of operator new
+    std::uint64_t heldBytes = 0;    ///< heap in use
+    std::uint64_t readBytes = 0;
+    std::uint64_t reads = 0;  ///< system calls that read
+
+    Counters operator-(const Counters& before) const {
+        return {allocations - before.allocations, heldBytes - before.heldBytes,
+                readBytes - before.readBytes, reads - before.reads};
+    }
+};
+
+inline std::uint64_t allocationCount = 0;
+
+inline Counters counters() {
+    Counters now;
+    std::ifstream io("/proc/self/io");
+    std::string name;
+    for (std::uint64_t value = 0; io >> name >> value;) {
+        if (name == "rchar:") now.readBytes = value;
+        if (name == "syscr:") now.reads = value;
+    }
+    now.allocations = allocationCount;
+    now.heldBytes = ::mallinfo2().uordblks + ::mallinfo2().hblkhd;
+    return now;
+}
+
+/// The paths of all files below a folder whose names end in ".mp3", sorted.
+inline std::vector<std::string> mp3FilesBelow(const std::string& folder) {
+    std::vector<std::string> paths;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (entry.path().extension() == ".mp3") paths.push_back(entry.path().string());
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+}  // namespace tavlo
+
+void* operator new(std::size_t size) {
+    ++tavlo::allocationCount;
+    if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+
+#include "collection/ListJson.h"
+#include "fuzz/Promise.h"
+#include "platform/Utf8.h"
+#include "tags/ID3tag.h"
+#include "tags/TagReading.h"
+
+namespace tavlo {
+
+using Reader = void (*)(File&, ID3tag&, const ReadContext&);
+
+inline ID3tag readWith(Reader read, File& file, ReadDepth depth) {
+    static const CodePage ansi(1251);
+    ID3tag record;
+    read(file, record, {ansi, depth});
+    return record;
+}
+
+/// What a list shows of a record.
+inline std::string listed(const ID3tag& record) {
+    std::string line;
+    appendJsonLine(line, {"song.mp3", "song.mp3", record});
+    return line;
+}
+
+inline void checkRecord(const ID3tag& record) {
+    const cID3v2ext& ext = record.ID3v2Ext;
+    promise(isValidUtf8(listed(record)));
+    for (const std::string* text :
+         {&record.Title, &record.Artist, &record.Album, &record.Year, &record.Comment,
+          &ext.RecordingTime, &ext.EncoderInfo, &record.LyricsExt.TrackTitle,
+          &record.LyricsExt.Artist, &record.AlbumArt.MIME, &record.AlbumArt.Description}) {
+        promise(isValidUtf8(*text));
+    }
+    promise(record.Seconds >= 0 && record.Bitrate >= 0);
+    promise((record.Layer == 0) == (record.SampleRate == 0));
+}
+
+/// Both depths show the same list; only the full one holds a picture's bytes and unknown frames.
+inline void checkReader(Bytes bytes, Reader read) {
+    File file;
+    file.openMemory(bytes);
+    const ID3tag list = readWith(read, file, ReadDepth::List);
+    const ID3tag full = readWith(read, file, ReadDepth::Full);
+    checkRecord(list);
+    checkRecord(full);
+    promise(listed(list) == listed(full));
+    promise(list.AlbumArt.Data.empty() && full.AlbumArt.Data.size() == full.AlbumArt.Size);
+    promise(list.ID3v2Ext.UnknownFrames.empty() && list.UnknownItems.empty());
+    promise(full.ID3v2Ext.UnknownFrames.size() <= bytes.size());
+    promise(full.UnknownItems.size() <= bytes.size());
+}
+
+}  // namespace tavlo
