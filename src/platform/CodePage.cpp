@@ -5,6 +5,7 @@
 
 #include "platform/CodePageSystem.h"
 #include "platform/Utf16.h"
+#include "platform/Utf8.h"
 
 namespace tavlo {
 namespace {
@@ -26,6 +27,16 @@ std::array<char16_t, 128> westernUpperHalf() {
     for (std::size_t i = 0; i < half.size(); ++i)
         half[i] = i < westernControls.size() ? westernControls[i] : static_cast<char16_t>(0x80 + i);
     return half;
+}
+
+std::string repairedUtf8(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        const CodePoint next = firstCodePoint(bytes);
+        appendUtf8(text, next.value);
+        bytes.remove_prefix(next.length);
+    }
+    return text;
 }
 
 std::size_t asciiLength(std::string_view bytes) {
@@ -75,7 +86,7 @@ void CodePage::buildTables(const std::array<char16_t, 128>& upperHalf) {
 std::string CodePage::toUtf8(std::string_view bytes) const {
     const std::size_t ascii = asciiLength(bytes);
     if (ascii == bytes.size()) return std::string(bytes);
-    if (number_ == utf8Page) return utf8FromUtf16(utf16FromUtf8(bytes));
+    if (number_ == utf8Page) return repairedUtf8(bytes);
     if (!singleByte_) return systemDecode(number_, bytes);
     std::string text;
     text.reserve(bytes.size() * 2);
@@ -94,7 +105,7 @@ std::string CodePage::toUtf8(std::string_view bytes) const {
 
 CodePage::Encoded CodePage::fromUtf8(std::string_view text) const {
     if (asciiLength(text) == text.size()) return {std::string(text), false};
-    if (number_ == utf8Page) return {utf8FromUtf16(utf16FromUtf8(text)), false};
+    if (number_ == utf8Page) return {repairedUtf8(text), false};
     if (!singleByte_) return systemEncode(number_, text);
     Encoded result;
     const std::u16string units = utf16FromUtf8(text);

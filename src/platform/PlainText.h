@@ -31,12 +31,13 @@ constexpr std::string_view trimBlanks(std::string_view text) {
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-/// Cuts the first line off the front; its end, "\n" or "\r\n", belongs to neither part.
+/// Cuts the first line off the front; its end, "\n" and any "\r" before it, belongs to neither
+/// part.
 inline std::string_view takeLine(std::string_view& text) {
     const std::size_t end = text.find('\n');
     std::string_view line = text.substr(0, end);
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (line.ends_with('\r')) line.remove_suffix(1);
+    while (line.ends_with('\r')) line.remove_suffix(1);
     return line;
 }
 

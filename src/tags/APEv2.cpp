@@ -17,7 +17,7 @@ constexpr std::uint32_t version1 = 1000, version2 = 2000;
 constexpr std::uint32_t hasHeader = 0x80000000, isHeader = 0x20000000;
 constexpr std::size_t itemHeadSize = 8, longestKey = 255;
 constexpr std::uint32_t largestText = 1U << 20U;
-constexpr std::size_t pictureHeadSize = 512;  // its file name
+constexpr std::uint32_t pictureHeadSize = 512;  // its file name
 constexpr std::string_view pictureKey = "Cover Art (front)";
 
 struct TextItem {
@@ -146,10 +146,13 @@ class ItemWalk {
 
     bool readPicture(const Item& item) {
         const bool full = context_.depth == ReadDepth::Full;
-        const std::size_t most =
-            full ? item.size : std::min<std::size_t>(item.size, pictureHeadSize);
-        const Bytes head = file_.view(item.value, most);
+        Bytes head =
+            file_.view(item.value, full ? item.size : std::min(item.size, pictureHeadSize));
         auto picture = parsePictureItem(head, item.size, context_.ansi);
+        if (head.size() < item.size && (!picture || picture->dataOffset == head.size())) {
+            head = file_.view(item.value, item.size);  // the file name goes on
+            picture = parsePictureItem(head, item.size, context_.ansi);
+        }
         if (!picture) return false;
         if (full) {
             const Bytes data = head.subspan(picture->dataOffset);

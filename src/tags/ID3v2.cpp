@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <bitset>
-#include <charconv>
 
+#include "core/Numbers.h"
 #include "core/TextCase.h"
 #include "platform/Utf8.h"
 #include "tags/ByteCursor.h"
@@ -19,7 +19,9 @@ constexpr std::uint8_t unsynchronisation = 0x80, extendedHeader = 0x40;
 constexpr std::uint8_t experimental = 0x20, footerPresent = 0x10;
 constexpr std::uint32_t largestUnsynchronisedBody = 64U << 20U;
 constexpr std::uint32_t largestTextFrame = 1U << 20U;
-constexpr std::size_t pictureHeadSize = 1024;  // MIME type and description of a usual picture
+constexpr std::uint32_t largestPackedFrame = 16U << 20U;
+constexpr std::size_t largestUnpackedTotal = 32U << 20U;  // of one tag
+constexpr std::uint32_t pictureHeadSize = 1024;  // MIME type and description of a usual picture
 constexpr std::size_t yearDigits = 4;
 
 // --- Text frames ---------------------------------------------------------------------------------
@@ -170,14 +172,17 @@ class FrameWalk {
 
     // The first `most` bytes of the frame's content. The bytes hold until the next call.
     std::optional<Bytes> bodyOf(const FrameHeader& header, std::uint64_t at, std::size_t most) {
-        const bool plain = isPlainFrame(header, version_);
-        if (plain) {
+        if (isPlainFrame(header, version_)) {
             const Bytes body = source_.view(at, most);
             return body.size() == most ? std::optional(body) : std::nullopt;
+        }
+        if (header.bodySize > largestPackedFrame || unpacked_ > largestUnpackedTotal) {
+            return std::nullopt;
         }
         auto content = decodeFrameBody(header, version_, source_.view(at, header.bodySize));
         if (!content) return std::nullopt;
         decoded_ = std::move(*content);
+        unpacked_ += decoded_.size();
         return Bytes(decoded_);
     }
 
@@ -219,13 +224,17 @@ class FrameWalk {
     // The front cover wins, else the first picture; every other one is kept as it is.
     bool interpretPicture(const FrameHeader& header, std::uint64_t at) {
         const bool full = context_.depth == ReadDepth::Full;
-        const std::size_t most =
-            full ? header.bodySize : std::min<std::size_t>(header.bodySize, pictureHeadSize);
-        const auto body = bodyOf(header, at, most);
-        if (!body) return false;
-        const bool plain = isPlainFrame(header, version_);
-        auto picture = parsePictureFrame(*body, plain ? header.bodySize : body->size(), version_,
-                                         context_.ansi);
+        std::optional<Bytes> body;
+        std::optional<ParsedPicture> picture;
+        for (const std::size_t most : {full ? header.bodySize : pictureHeadSize, header.bodySize}) {
+            body = bodyOf(header, at, std::min<std::size_t>(most, header.bodySize));
+            if (!body) return false;
+            const std::size_t size =
+                isPlainFrame(header, version_) ? header.bodySize : body->size();
+            picture = parsePictureFrame(*body, size, version_, context_.ansi);
+            // A head in which the description does not end says nothing yet.
+            if (body->size() == size || (picture && picture->dataOffset < body->size())) break;
+        }
         if (!picture) return false;
         const bool better = !hasPicture_ || (picture->art.PictureType == frontCover &&
                                              record_.AlbumArt.PictureType != frontCover);
@@ -260,6 +269,7 @@ class FrameWalk {
     const std::size_t headerSize_ = frameHeaderSize(version_);
     std::uint64_t end_ = 0;
     std::vector<std::uint8_t> decoded_;
+    std::size_t unpacked_ = 0;
     std::bitset<textFrames.size()> seen_;
     bool hasComment_ = false, hasPicture_ = false;
     std::vector<std::string> kept_;  // raw frames in file order
@@ -282,29 +292,51 @@ bool isReadable(const cID3v2ext& ext) {
            (ext.MajorVersion == 2 && !ext.bExtendedHeader);
 }
 
-// "(17)" and "17" as a number; nothing for any other text.
-std::optional<int> takeGenreNumber(std::string_view& text) {
-    const bool bracketed = text.starts_with('(');
-    const char* begin = text.data() + (bracketed ? 1 : 0);
-    const char* end = text.data() + text.size();
-    int number = 0;
-    const auto [stop, error] = std::from_chars(begin, end, number);
-    if (error != std::errc() || number < 0 || number > noGenre) return std::nullopt;
-    const bool complete = bracketed ? stop != end && *stop == ')' : stop == end;
-    if (!complete) return std::nullopt;
-    text.remove_prefix(static_cast<std::size_t>(stop - text.data()) + (bracketed ? 1 : 0));
-    return number;
+struct GenreReference {
+    std::uint8_t number;
+    std::string_view name;
+};
+
+// Takes "(17)", "(RX)" or "(CR)" off the front.
+std::optional<GenreReference> takeReference(std::string_view& text) {
+    const std::size_t end = text.find(')');
+    if (!text.starts_with('(') || end == std::string_view::npos) return std::nullopt;
+    const std::string_view inner = text.substr(1, end - 1);
+    const std::string_view whole = text.substr(0, end + 1);
+    const auto number = parseInteger(inner);
+    const bool known = number && *number >= 0 && *number <= noGenre;
+    if (!known && inner != "RX" && inner != "CR") return std::nullopt;
+    text.remove_prefix(whole.size());
+    if (!known) return GenreReference{noGenre, inner == "RX" ? "Remix" : "Cover"};
+    const std::string_view name = genreName(*number);
+    return GenreReference{static_cast<std::uint8_t>(*number), name.empty() ? whole : name};
 }
 
+void appendValue(std::string& list, std::string_view value) {
+    if (value.empty()) return;
+    if (!list.empty()) list += "; ";
+    list += value;
+}
+
+// A text behind a single reference refines it and stands for it.
 GenreText parseOneGenre(std::string_view text) {
     text = trimBlanks(text);
     std::string_view rest = text;
-    const auto number = takeGenreNumber(rest);
-    if (!number) return {genreNumber(text), std::string(text)};
-    GenreText genre{static_cast<std::uint8_t>(*number), std::string(trimBlanks(rest))};
-    if (genre.text.empty() || equalsNoCase(genre.text, genreName(*number))) {
-        genre.text = genreName(*number).empty() ? text : genreName(*number);
+    if (const auto bare = parseInteger(text); bare && !genreName(*bare).empty()) {
+        return {static_cast<std::uint8_t>(*bare), std::string(genreName(*bare))};
     }
+    const auto first = takeReference(rest);
+    if (!first) return {genreNumber(text), std::string(text)};
+    GenreText genre{first->number, std::string(first->name)};
+    std::string_view last = first->name;
+    while (const auto next = takeReference(rest)) {
+        appendValue(genre.text, next->name);
+        last = next->name;
+    }
+    rest = trimBlanks(rest);
+    if (rest.empty() || equalsNoCase(rest, last)) return genre;
+    if (last.data() == first->name.data()) genre.text.clear();
+    appendValue(genre.text, rest);
     return genre;
 }
 }  // namespace
@@ -316,9 +348,7 @@ GenreText parseGenreText(std::string_view text) {
         const GenreText one = parseOneGenre(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
         if (first) all.number = one.number;
-        if (one.text.empty()) continue;
-        if (!all.text.empty()) all.text += "; ";
-        all.text += one.text;
+        appendValue(all.text, one.text);
     }
     return all;
 }
