@@ -12,6 +12,7 @@
 #include "bench/Rounds.h"
 #include "bench/TagLibReader.h"
 #include "tags/AudioFile.h"
+#include "tests/support/RecordTexts.h"
 
 using namespace tavlo;
 
@@ -39,34 +40,8 @@ std::size_t readOurs(const std::string& path) {
 
 // Bytes of heap that the texts of a record take.
 std::size_t textBytes(const ID3tag& record) {
-    const cID3v2ext& ext = record.ID3v2Ext;
     std::size_t bytes = 0;
-    for (const std::string* text : {&record.Path,
-                                    &record.Title,
-                                    &record.Artist,
-                                    &record.Album,
-                                    &record.Year,
-                                    &record.Comment,
-                                    &record.Encoder,
-                                    &ext.TrackTitle,
-                                    &ext.Artist,
-                                    &ext.AlbumTitle,
-                                    &ext.Year,
-                                    &ext.Comments,
-                                    &ext.Composer,
-                                    &ext.OriginalArtist,
-                                    &ext.CopyRight,
-                                    &ext.EncodedBy,
-                                    &ext.URL,
-                                    &ext.TrackNumber,
-                                    &ext.Genre,
-                                    &ext.Mix,
-                                    &ext.EncoderInfo,
-                                    &ext.RecordingTime,
-                                    &record.LyricsExt.TrackTitle,
-                                    &record.LyricsExt.Artist,
-                                    &record.AlbumArt.MIME,
-                                    &record.AlbumArt.Description}) {
+    for (const std::string* text : test::textsOf(record)) {
         bytes += text->size();
     }
     return bytes;

@@ -7,6 +7,7 @@
 #include "platform/Utf8.h"
 #include "tags/ID3tag.h"
 #include "tags/TagReading.h"
+#include "tests/support/RecordTexts.h"
 
 namespace tavlo {
 
@@ -27,12 +28,8 @@ inline std::string listed(const ID3tag& record) {
 }
 
 inline void checkRecord(const ID3tag& record) {
-    const cID3v2ext& ext = record.ID3v2Ext;
     promise(isValidUtf8(listed(record)));
-    for (const std::string* text :
-         {&record.Title, &record.Artist, &record.Album, &record.Year, &record.Comment,
-          &ext.RecordingTime, &ext.EncoderInfo, &record.LyricsExt.TrackTitle,
-          &record.LyricsExt.Artist, &record.AlbumArt.MIME, &record.AlbumArt.Description}) {
+    for (const std::string* text : test::textsOf(record)) {
         promise(isValidUtf8(*text));
     }
     promise(record.Seconds >= 0 && record.Bitrate >= 0);

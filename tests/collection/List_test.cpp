@@ -28,50 +28,20 @@ ListRow rowOf(std::string_view title) {
 }
 
 TEST(ListJson, EveryFieldStandsInItsPlace) {
-    constexpr std::string_view keys[] = {"Path",
-                                         "SubPath",
-                                         "FileType",
-                                         "Artist",
-                                         "Title",
-                                         "Mix",
-                                         "Album",
-                                         "Year",
-                                         "TrackNumber",
-                                         "Genre",
-                                         "Comment",
-                                         "Composer",
-                                         "OriginalArtist",
-                                         "CopyRight",
-                                         "URL",
-                                         "EncodedBy",
-                                         "TracksCount",
-                                         "DiskNumber",
-                                         "DisksCount",
-                                         "BPM",
-                                         "IsPartOfCompilation",
-                                         "Length",
-                                         "Seconds",
-                                         "Bitrate",
-                                         "SampleRate",
-                                         "ChannelMode",
-                                         "Frames",
-                                         "VBR",
-                                         "MpegVersion",
-                                         "Layer",
-                                         "Encoder",
-                                         "AlbumArt",
-                                         "IsID3v1Present",
-                                         "IsID3v2Present",
-                                         "IsAPE2Present",
-                                         "IsLyricsPresent"};
+    const std::string keys =
+        "Path SubPath FileType Artist Title Mix Album Year TrackNumber Genre Comment "
+        "Composer OriginalArtist CopyRight URL EncodedBy TracksCount DiskNumber DisksCount "
+        "BPM IsPartOfCompilation Length Seconds Bitrate SampleRate ChannelMode Frames VBR "
+        "MpegVersion Layer Encoder AlbumArt IsID3v1Present IsID3v2Present IsAPE2Present "
+        "IsLyricsPresent ";
     std::string line;
     appendJsonLine(line, rowOf("Seven\n\"Bells\" (Live)"));
     EXPECT_EQ(line.find('\n'), line.size() - 1);
     rapidjson::Document json;
     ASSERT_FALSE(json.Parse(line.c_str()).HasParseError()) << line;
-    ASSERT_EQ(json.MemberCount(), std::size(keys));
-    std::size_t at = 0;
-    for (const auto& member : json.GetObject()) EXPECT_EQ(member.name.GetString(), keys[at++]);
+    std::string found;
+    for (const auto& member : json.GetObject()) found += member.name.GetString() + std::string(" ");
+    EXPECT_EQ(found, keys);
     EXPECT_STREQ(json["FileType"].GetString(), "MP3");
     EXPECT_STREQ(json["Title"].GetString(), "Seven\n\"Bells\"");
     EXPECT_STREQ(json["Mix"].GetString(), "Live");

@@ -71,14 +71,6 @@ TEST(CommandString, TellsOptionsFromPaths) {
         }
 }
 
-TEST(CommandString, OptionsReadInOneSpelling) {
-    CommandString line(PathStyle::Posix, isOptionWord);
-    line.assign({"--rename", "-rdl-", "/s", "/home/-x", "a-b"});
-    const std::vector<std::string> expected{"/rename", "/rdl-", "/s", "/home/-x", "a-b"};
-    for (std::size_t i = 1; i <= line.count(); ++i) EXPECT_EQ(line.Parameter(i), expected[i - 1]);
-    EXPECT_EQ(line.ParameterEx(1), "--rename");
-}
-
 TEST(CommandString, AValueIsWhatFollowsAndIsNoOption) {
     CommandString line(PathStyle::Windows, isOptionWord);
     line.Command("/a /t \"\" x");

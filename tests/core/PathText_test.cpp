@@ -44,21 +44,6 @@ TEST(PathText, FolderAndNameAreJoinedByOneSeparator) {
     EXPECT_EQ(joinPath("C:\\", "a", windows), "C:\\a");
 }
 
-TEST(PathText, AbsolutePathsBeginAtARoot) {
-    struct Case {
-        PathStyle style;
-        std::string_view path;
-        bool absolute;
-    };
-    constexpr Case cases[] = {
-        {posix, "/a", true},     {posix, "a/b", false},       {posix, "", false},
-        {posix, "C:\\a", false}, {posix, "\\a", false},       {windows, "C:\\a", true},
-        {windows, "c:/a", true}, {windows, "\\\\s\\a", true}, {windows, "a\\b", false},
-        {windows, "C:a", false}, {windows, "", false},
-    };
-    for (const Case& c : cases) EXPECT_EQ(isAbsolutePath(c.path, c.style), c.absolute) << c.path;
-}
-
 TEST(PathText, PathsLieInTheirFolderAndAllAboveIt) {
     struct Case {
         PathStyle style;

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "core/AnsiCodePage.h"
 #include "support/TestRegistry.h"
 
@@ -164,11 +162,6 @@ TEST_F(SettingsTest, EverySettingSurvivesSaveAll) {
         EXPECT_EQ(current(again, row), otherValue(row)) << row.key;
     EXPECT_EQ(raw("Settings", "TAGS_ShowFiles"), RegistryValue("False"));
     EXPECT_EQ(raw("Windows", "MainTB"), RegistryValue("other MainTB"));
-}
-
-TEST_F(SettingsTest, NoKeyStandsTwice) {
-    std::set<std::string_view> keys;
-    for (const SettingRow& row : settingsTable) EXPECT_TRUE(keys.insert(row.key).second) << row.key;
 }
 
 TEST_F(SettingsTest, AGroupIsSavedAlone) {

@@ -92,27 +92,10 @@ TEST_F(StartUpTest, ThePrioritySettingCountsWithoutAnOption) {
     EXPECT_EQ(priorities, (std::vector{High, Normal, Idle, Normal, Idle, Normal}));
 }
 
-// Once idle, an ordinary process cannot rise again, so the class is set exactly once.
-TEST_F(StartUpTest, ThePriorityIsSetOnce) {
-    run({"/scan", "/high"});
-    EXPECT_EQ(priorities, std::vector{PriorityClass::High});
-}
-
 TEST_F(StartUpTest, AFullOutputIsAFailure) {
     output.full = true;
     EXPECT_EQ(run({"/help"}), 1);
     EXPECT_EQ(messages.text, texts.get(Text::OutputNotWritten) + '\n');
-}
-
-TEST(Priority, WordsOfTheSetting) {
-    struct Row {
-        std::string_view word;
-        PriorityClass priority;
-    };
-    for (const Row& row : {Row{"Normal", PriorityClass::Normal}, Row{"HIGH", PriorityClass::High},
-                           Row{"idle", PriorityClass::Idle}, Row{"fast", PriorityClass::Idle},
-                           Row{"", PriorityClass::Idle}})
-        EXPECT_EQ(priorityFromSetting(row.word), row.priority) << row.word;
 }
 
 TEST(ConsoleProgress, DrawsSeldomAndClearsBehindItself) {
@@ -136,15 +119,6 @@ TEST(ConsoleProgress, DrawsSeldomAndClearsBehindItself) {
         terminal.text.clear();
     }
     EXPECT_EQ(terminal.text, "\r" + std::string(6, ' ') + "\r");
-}
-
-TEST(ConsoleProgress, IsSilentWithoutATerminal) {
-    test::MemorySink terminal;
-    ConsoleProgress progress(terminal, 0);
-    progress.setRange(5);
-    progress.report("x");
-    progress.setRange(0);
-    EXPECT_EQ(terminal.text, "");
 }
 
 TEST(ExternalTools, LooksInTheProgramsFolderFirstAndThenInThePath) {

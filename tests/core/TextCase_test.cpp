@@ -27,31 +27,13 @@ TEST(TextCase, BytesThatAreNoTextStay) {
     EXPECT_FALSE(equalsNoCase("a\xFF", "a\xFE"));
 }
 
-TEST(TextCase, OtherTextsAreNotEqual) {
-    constexpr std::pair<std::string_view, std::string_view> cases[] = {
-        {"a", "b"}, {"a", "ab"}, {"", "a"}, {"е", "ё"}, {"@", "`"}, {"[", "{"},
-    };
-    for (const auto& [a, b] : cases) EXPECT_FALSE(equalsNoCase(a, b)) << a << b;
-}
-
 TEST(TextCase, NamesAreOrderedAsPeopleExpect) {
     // Each is before all that follow.
+    // clang-format off
     constexpr std::string_view ordered[] = {
-        "",
-        "1 a",
-        "2 a",
-        "10 a",
-        "010 b",
-        "99999999999999999999998",
-        "99999999999999999999999",
-        "a",
-        "a1",
-        "a2b",
-        "a2c",
-        "a10",
-        "B",
-        "c",
-    };
+        "", "1 a", "2 a", "10 a", "010 b", "99999999999999999999998", "99999999999999999999999",
+        "a", "a1", "a2b", "a2c", "a10", "B", "c"};
+    // clang-format on
     constexpr std::size_t last = std::size(ordered) - 1;
     for (std::size_t i = 0; i < last; ++i) {
         for (std::size_t j = i + 1; j <= last; ++j) {

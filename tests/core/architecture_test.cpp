@@ -92,39 +92,6 @@ std::vector<Include> includesBelow(const fs::path& source) {
     return found;
 }
 
-TEST(Architecture, RulesSayWhichRoomMayKnowWhich) {
-    struct Case {
-        std::string_view from, to;
-        bool allowed;
-    };
-    constexpr Case cases[] = {
-        {"platform", "platform", true},
-        {"platform", "core", false},
-        {"core", "platform", true},
-        {"tags", "platform", true},
-        {"tags", "collection", false},
-        {"convert", "core", true},
-        {"cd", "platform", true},
-        {"cd", "tags", false},
-        {"convert", "cd", false},
-        {"collection", "cd", false},
-        {"ui", "cd", true},
-        {"ui", "tags", true},
-        {"main", "ui", true},
-        {"ui", "main", false},
-        {"core", "attic", false},
-        {"attic", "core", false},
-    };
-    for (const Case& c : cases) EXPECT_EQ(mayInclude(c.from, c.to), c.allowed) << c.from << c.to;
-}
-
-TEST(Architecture, IncludeLinesAreRead) {
-    EXPECT_EQ(quotedInclude("#include \"core/Text.h\"  // why"), "core/Text.h");
-    EXPECT_EQ(quotedInclude("  #  include\t\"tags/Id3.h\""), "tags/Id3.h");
-    EXPECT_EQ(quotedInclude("#include <vector>"), std::nullopt);
-    EXPECT_EQ(quotedInclude("// #include \"core/Text.h\""), std::nullopt);
-}
-
 TEST(Architecture, NoIncludePointsUp) {
     const fs::path source = fs::path(TAVLO_SOURCE_DIR) / "src";
     const std::vector<Include> includes = includesBelow(source);

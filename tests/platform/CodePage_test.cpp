@@ -129,16 +129,5 @@ TEST(CodePage, UnknownNumbersAreWestern) {
     }
 }
 
-TEST(CodePage, LongMultiByteTextIsWhole) {
-    std::string bytes;
-    std::string text;
-    for (int i = 0; i < 5000; ++i) {
-        bytes += "\xD6\xD0";
-        text += "中";
-    }
-    EXPECT_EQ(CodePage(936).toUtf8(bytes), text);
-    EXPECT_EQ(CodePage(936).fromUtf8(text).bytes, bytes);
-}
-
 }  // namespace
 }  // namespace tavlo

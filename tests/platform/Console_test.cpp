@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Environment.h"
-
 namespace tavlo {
 namespace {
 
@@ -15,18 +13,6 @@ TEST(Console, BytesReachAFileUnchanged) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), text);
     EXPECT_TRUE(written);
     EXPECT_FALSE(terminal);
-}
-
-TEST(Environment, AMissingVariableIsNone) {
-    EXPECT_FALSE(environmentVariable("TAVLO_NO_SUCH_VARIABLE").has_value());
-    EXPECT_FALSE(environmentVariable("PATH").value_or("").empty());
-}
-
-TEST(Environment, FoldersAreKnownAndHaveNoSeparatorAtTheEnd) {
-    for (const std::string& folder : {programFolder(), currentFolder()}) {
-        ASSERT_FALSE(folder.empty());
-        EXPECT_EQ(std::string("/\\").find(folder.back()), std::string::npos) << folder;
-    }
 }
 
 }  // namespace

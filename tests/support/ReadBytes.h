@@ -21,4 +21,22 @@ inline ID3tag readBytes(std::string_view bytes, int codePage = 1252,
     return record;
 }
 
+template <typename Found>
+struct ReadTag {
+    Found found;
+    ID3tag record;
+};
+
+/// What one tag reader makes of a file with these bytes.
+template <typename Found>
+ReadTag<Found> readTagWith(Found (*read)(File&, ID3tag&, const ReadContext&),
+                           std::string_view bytes, ReadDepth depth, int codePage) {
+    const CodePage ansi(codePage);
+    File file;
+    file.openMemory(bytesOf(bytes));
+    ID3tag record;
+    Found found = read(file, record, {ansi, depth});
+    return {std::move(found), std::move(record)};
+}
+
 }  // namespace tavlo::test

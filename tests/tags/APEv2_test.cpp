@@ -10,18 +10,8 @@
 namespace tavlo::test {
 namespace {
 
-struct Read {
-    std::optional<std::uint64_t> offset;
-    ID3tag record;
-};
-
-Read readTag(std::string_view bytes, ReadDepth depth = ReadDepth::Full, int codePage = 1252) {
-    const CodePage ansi(codePage);
-    File file;
-    file.openMemory(bytesOf(bytes));
-    Read read;
-    read.offset = ReadAPETag(file, read.record, {ansi, depth});
-    return read;
+auto readTag(std::string_view bytes, ReadDepth depth = ReadDepth::Full, int codePage = 1252) {
+    return readTagWith(ReadAPETag, bytes, depth, codePage);
 }
 
 const std::string audio(1000, 'x');
@@ -51,7 +41,7 @@ TEST(APEv2, EveryKeyFeedsItsField) {
         {"Encoded by", "A Person", [](auto& r) { return r.ID3v2Ext.EncodedBy; }, "A Person"},
     };
     for (const Case& c : cases) {
-        const Read read = readTag(audio + ApeTag{{apeItem(c.key, c.value)}}.bytes());
+        const auto read = readTag(audio + ApeTag{{apeItem(c.key, c.value)}}.bytes());
         EXPECT_TRUE(read.record.IsAPE2Present);
         EXPECT_EQ(c.get(read.record), c.expected) << c.key;
         EXPECT_EQ(read.record.UnknownItems, "") << c.key;
@@ -61,7 +51,7 @@ TEST(APEv2, EveryKeyFeedsItsField) {
 TEST(APEv2, OtherKeysAreKeptAsTheyAre) {
     const std::string lower = apeItem("artist", "small");
     const std::string gain = apeItem("REPLAYGAIN_TRACK_GAIN", "-1.0 dB", 1);
-    const Read read = readTag(audio + ApeTag{{lower, artist, gain, album}}.bytes());
+    const auto read = readTag(audio + ApeTag{{lower, artist, gain, album}}.bytes());
     EXPECT_EQ(read.record.GetArtist(), "Glass Metro");
     EXPECT_EQ(read.record.GetAlbum(), "Tin Parade");
     EXPECT_EQ(read.record.UnknownItems, lower + gain);
@@ -69,28 +59,28 @@ TEST(APEv2, OtherKeysAreKeptAsTheyAre) {
 
 TEST(APEv2, TagBeginsAtItsHeaderWhenItHasOne) {
     ApeTag tag{{artist}};
-    EXPECT_EQ(readTag(audio + tag.bytes()).offset, 1000U);
+    EXPECT_EQ(readTag(audio + tag.bytes()).found, 1000U);
     tag.header = false;
-    EXPECT_EQ(readTag(audio + tag.bytes()).offset, 1000U);
-    EXPECT_EQ(readTag(tag.bytes()).offset, 0U);
+    EXPECT_EQ(readTag(audio + tag.bytes()).found, 1000U);
+    EXPECT_EQ(readTag(tag.bytes()).found, 0U);
     EXPECT_EQ(readTag(tag.bytes()).record.GetArtist(), "Glass Metro");
 }
 
 TEST(APEv2, FooterLiesInTheLast256Bytes) {
     const std::string tag = ApeTag{{artist}}.bytes();
     for (const std::size_t behind : {0U, 1U, 128U, 223U, 224U}) {
-        EXPECT_EQ(readTag(audio + tag + std::string(behind, 'y')).offset, 1000U) << behind;
+        EXPECT_EQ(readTag(audio + tag + std::string(behind, 'y')).found, 1000U) << behind;
     }
-    const Read tooFar = readTag(audio + tag + std::string(225, 'y'));
-    EXPECT_EQ(tooFar.offset, std::nullopt);
+    const auto tooFar = readTag(audio + tag + std::string(225, 'y'));
+    EXPECT_EQ(tooFar.found, std::nullopt);
     EXPECT_FALSE(tooFar.record.IsAPE2Present);
 }
 
 TEST(APEv2, TheLastFooterCounts) {
     const std::string inner = ApeTag{{apeItem("Artist", "Inner")}}.bytes();
-    const Read read = readTag(audio + ApeTag{{apeItem("Note", inner), artist}}.bytes());
+    const auto read = readTag(audio + ApeTag{{apeItem("Note", inner), artist}}.bytes());
     EXPECT_EQ(read.record.GetArtist(), "Glass Metro");
-    EXPECT_EQ(read.offset, 1000U);
+    EXPECT_EQ(read.found, 1000U);
 }
 
 TEST(APEv2, VersionsAndHeadersThatDoNotFitAreNoTag) {
@@ -106,15 +96,15 @@ TEST(APEv2, VersionsAndHeadersThatDoNotFitAreNoTag) {
         {"other header", {{artist}, 2000, true, 0, 0, "APETAGEY"}, false},
     };
     for (const Case& c : cases) {
-        const Read read = readTag(audio + c.tag.bytes());
+        const auto read = readTag(audio + c.tag.bytes());
         EXPECT_EQ(read.record.IsAPE2Present, c.found) << c.name;
-        EXPECT_EQ(read.offset.has_value(), c.found) << c.name;
+        EXPECT_EQ(read.found.has_value(), c.found) << c.name;
         EXPECT_EQ(read.record.GetArtist(), c.found ? "Glass Metro" : "") << c.name;
     }
     for (const std::size_t kept : {8U, 9U, 31U}) {
         const std::string cut = ApeTag{{}, 2000, false}.bytes().substr(0, kept);
-        EXPECT_EQ(readTag(audio + cut).offset, std::nullopt) << kept;
-        EXPECT_EQ(readTag(cut).offset, std::nullopt) << kept;
+        EXPECT_EQ(readTag(audio + cut).found, std::nullopt) << kept;
+        EXPECT_EQ(readTag(cut).found, std::nullopt) << kept;
     }
 }
 
@@ -148,7 +138,7 @@ TEST(APEv2, ItemThatRunsPastTheTagEndsTheWalk) {
     std::string tooLong = album;
     tooLong[0] = 11;  // 10 are there; the footer begins behind them
     for (const std::string& broken : {tooLong, "\xFF\xFF\xFF\xFF" + album.substr(4)}) {
-        const Read read = readTag(audio + ApeTag{{artist, broken}}.bytes());
+        const auto read = readTag(audio + ApeTag{{artist, broken}}.bytes());
         EXPECT_EQ(read.record.GetArtist(), "Glass Metro");
         EXPECT_EQ(read.record.GetAlbum(), "");
     }

@@ -4,6 +4,7 @@
 
 #include "platform/Utf8.h"
 #include "support/ReadBytes.h"
+#include "support/RecordTexts.h"
 #include "support/TempFolder.h"
 
 namespace tavlo::test {
@@ -128,27 +129,7 @@ TEST(AudioFile, DetailsAreLoadedLaterAndEditsStay) {
 void expectReadable(std::string_view bytes, const std::string& what) {
     for (const ReadDepth depth : {ReadDepth::List, ReadDepth::Full}) {
         const ID3tag record = readBytes(bytes, 1251, depth);
-        const cID3v2ext& ext = record.ID3v2Ext;
-        for (const std::string* text : {&record.Title,
-                                        &record.Artist,
-                                        &record.Album,
-                                        &record.Year,
-                                        &record.Comment,
-                                        &record.Encoder,
-                                        &ext.TrackTitle,
-                                        &ext.Artist,
-                                        &ext.AlbumTitle,
-                                        &ext.Year,
-                                        &ext.Comments,
-                                        &ext.Composer,
-                                        &ext.Genre,
-                                        &ext.Mix,
-                                        &ext.URL,
-                                        &ext.TrackNumber,
-                                        &record.LyricsExt.Artist,
-                                        &record.LyricsExt.TrackTitle,
-                                        &record.AlbumArt.MIME,
-                                        &record.AlbumArt.Description}) {
+        for (const std::string* text : textsOf(record)) {
             ASSERT_TRUE(isValidUtf8(*text)) << what << ": " << testing::PrintToString(*text);
         }
         ASSERT_LE(record.AlbumArt.Size, bytes.size()) << what;

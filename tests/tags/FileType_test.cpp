@@ -56,10 +56,5 @@ TEST(FileType, OnlyTheLastCharactersCountAndNoCase) {
     for (const auto& [name, type] : cases) EXPECT_EQ(GetFileType(name), type) << name;
 }
 
-TEST(FileType, NoOrOddKindsHaveNoWord) {
-    EXPECT_EQ(fileTypeName(0), "");
-    EXPECT_EQ(fileTypeName(FileType::Mp3 | FileType::Ogg), "");
-}
-
 }  // namespace
 }  // namespace tavlo

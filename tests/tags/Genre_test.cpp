@@ -8,29 +8,15 @@ namespace tavlo {
 namespace {
 
 TEST(Genre, NumbersHaveTheNamesThatTaggersKnow) {
-    constexpr std::pair<int, std::string_view> cases[] = {
-        {0, "Blues"},
-        {7, "Hip-Hop"},
-        {17, "Rock"},
-        {31, "Trance"},
-        {40, "AlternRock"},
-        {67, "Psychadelic"},
-        {78, "Rock & Roll"},
-        {79, "Hard Rock"},
-        {80, "Folk"},
-        {81, "Folk/Rock"},
-        {84, "Fast-Fusion"},
-        {93, "Psychedelic Rock"},
-        {100, "Humour"},
-        {128, "Club House"},
-        {133, "NegerPunk"},
-        {136, "Christian Gangsta"},
-        {140, "Contemporary C"},
-        {147, "SynthPop"},
-        {148, ""},
-        {255, ""},
-        {-1, ""},
-    };
+    constexpr std::pair<int, std::string_view> cases[] = {{0, "Blues"},
+                                                          {67, "Psychadelic"},
+                                                          {79, "Hard Rock"},
+                                                          {133, "NegerPunk"},
+                                                          {140, "Contemporary C"},
+                                                          {147, "SynthPop"},
+                                                          {148, ""},
+                                                          {255, ""},
+                                                          {-1, ""}};
     for (const auto& [number, name] : cases) EXPECT_EQ(genreName(number), name) << number;
 }
 
@@ -61,6 +47,9 @@ TEST(Genre, FrameTextsNameANumberOrAName) {
         {"(147)", 147, "SynthPop"},
         {"147", 147, "SynthPop"},
         {"Unheard Of", 255, "Unheard Of"},
+        {"(4)Eurodisco", 4, "Eurodisco"},
+        {"(51)(39)", 51, "Techno-Industrial; Noise"},
+        {"(RX)", 255, "Remix"},
         {"", 255, ""},
     };
     for (const Case& c : cases) {

@@ -12,18 +12,8 @@ namespace {
 const std::string audio(200, 'x');
 const Id3v1 usual{"Seven Bells", "Marble Choir", "Towers", "1998", "live", 0, 7, 17};
 
-struct Read {
-    std::optional<std::uint64_t> offset;
-    ID3tag record;
-};
-
-Read readBlock(std::string_view bytes, int codePage = 1252) {
-    const CodePage ansi(codePage);
-    File file;
-    file.openMemory(bytesOf(bytes));
-    Read read;
-    read.offset = ReadID3v1Tag(file, read.record, {ansi});
-    return read;
+auto readBlock(std::string_view bytes, int codePage = 1252) {
+    return readTagWith(ReadID3v1Tag, bytes, ReadDepth::List, codePage);
 }
 
 TEST(ID3v1, EveryFieldIsRead) {
@@ -40,14 +30,14 @@ TEST(ID3v1, EveryFieldIsRead) {
 
 TEST(ID3v1, BlockIsFoundAtTheEndOrUpTo32BytesBeforeIt) {
     for (const std::size_t behind : {0U, 1U, 10U, 31U, 32U}) {
-        const Read read =
+        const auto read =
             readBlock(std::string(300, 'x') + usual.block() + std::string(behind, 'y'));
-        EXPECT_EQ(read.offset, 300U) << behind;
+        EXPECT_EQ(read.found, 300U) << behind;
         EXPECT_EQ(read.record.Artist, "Marble Choir") << behind;
         EXPECT_EQ(read.record.TrackNumber, 7) << behind;
     }
-    const Read read = readBlock(std::string(300, 'x') + usual.block() + std::string(33, 'y'));
-    EXPECT_EQ(read.offset, std::nullopt);
+    const auto read = readBlock(std::string(300, 'x') + usual.block() + std::string(33, 'y'));
+    EXPECT_EQ(read.found, std::nullopt);
     EXPECT_FALSE(read.record.IsID3v1Present);
     EXPECT_EQ(read.record.Artist, "");
 }
@@ -65,21 +55,21 @@ TEST(ID3v1, FilesWithoutABlock) {
         {"mark inside an APE item", audio + ApeTag{{apeItem("Note", "a TAG in here")}}.bytes()},
     };
     for (const auto& [name, bytes] : cases) {
-        const Read read = readBlock(bytes);
-        EXPECT_EQ(read.offset, std::nullopt) << name;
+        const auto read = readBlock(bytes);
+        EXPECT_EQ(read.found, std::nullopt) << name;
         EXPECT_FALSE(read.record.IsID3v1Present) << name;
     }
 }
 
 TEST(ID3v1, BlockWithExactlyEnoughBytesBehindTheMarkIsTaken) {
-    const Read read = readBlock(audio + usual.block().substr(0, 124));
+    const auto read = readBlock(audio + usual.block().substr(0, 124));
     EXPECT_TRUE(read.record.IsID3v1Present);
     EXPECT_EQ(read.record.Title, "Seven Bells");
 }
 
 TEST(ID3v1, BlockThatIsTheWholeFileIsRead) {
-    EXPECT_EQ(readBlock(usual.block()).offset, 0U);
-    EXPECT_EQ(readBlock("x" + usual.block()).offset, 1U);
+    EXPECT_EQ(readBlock(usual.block()).found, 0U);
+    EXPECT_EQ(readBlock("x" + usual.block()).found, 1U);
 }
 
 TEST(ID3v1, CommentEndsWhereTheTrackNumberBegins) {

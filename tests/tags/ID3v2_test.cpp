@@ -10,18 +10,8 @@
 namespace tavlo::test {
 namespace {
 
-struct Read {
-    bool found = false;
-    ID3tag record;
-};
-
-Read readTag(std::string_view bytes, ReadDepth depth = ReadDepth::Full, int codePage = 1252) {
-    const CodePage ansi(codePage);
-    File file;
-    file.openMemory(bytesOf(bytes));
-    Read read;
-    read.found = ReadID3v2Tag(file, read.record, {ansi, depth});
-    return read;
+auto readTag(std::string_view bytes, ReadDepth depth = ReadDepth::Full, int codePage = 1252) {
+    return readTagWith(ReadID3v2Tag, bytes, depth, codePage);
 }
 
 ID3tag recordOf(std::string_view bytes, int codePage = 1252) {
@@ -71,7 +61,7 @@ TEST(ID3v2, EveryTextFrameFeedsItsField) {
 
 TEST(ID3v2, HeaderIsKept) {
     const std::string body = textFrame(4, "TALB", "A") + std::string(300, '\0');
-    const Read read = readTag(tag(4, body, 0x20));
+    const auto read = readTag(tag(4, body, 0x20));
     EXPECT_TRUE(read.found);
     EXPECT_TRUE(read.record.IsID3v2Present);
     EXPECT_EQ(read.record.ID3v2Ext.MajorVersion, 4);

@@ -7,18 +7,8 @@
 namespace tavlo::test {
 namespace {
 
-struct Read {
-    std::optional<std::uint64_t> offset;
-    ID3tag record;
-};
-
-Read readBlock(std::string_view bytes) {
-    const CodePage ansi(1251);
-    File file;
-    file.openMemory(bytesOf(bytes));
-    Read read;
-    read.offset = ReadLyrics3Block(file, read.record, {ansi});
-    return read;
+auto readBlock(std::string_view bytes) {
+    return readTagWith(ReadLyrics3Block, bytes, ReadDepth::List, 1251);
 }
 
 const std::string fields = lyricsField("IND", "10") + lyricsField("ETT", " Seven Bells ") +
@@ -32,8 +22,8 @@ TEST(Lyrics3, TitleAndArtistAreReadWithAnID3v1BlockBehindOrNot) {
     const std::pair<std::string, std::size_t> ends[] = {{id3v1, size + 121}, {"", size - 7}};
     for (const auto& [end, endOffset] : ends) {
         for (const std::size_t before : {0U, 5U, 5000U}) {
-            const Read read = readBlock(std::string(before, 'x') + block + end);
-            EXPECT_EQ(read.offset, before);
+            const auto read = readBlock(std::string(before, 'x') + block + end);
+            EXPECT_EQ(read.found, before);
             EXPECT_TRUE(read.record.IsLyricsPresent);
             EXPECT_EQ(read.record.LyricsExt.TrackTitle, "Seven Bells");
             EXPECT_EQ(read.record.LyricsExt.Artist, "Песня");
@@ -46,8 +36,8 @@ TEST(Lyrics3, TitleAndArtistAreReadWithAnID3v1BlockBehindOrNot) {
 TEST(Lyrics3, LongBlocksAreReadWhole) {
     const std::string lyrics(20000, 'l');
     const std::string longBlock = lyrics3(lyricsField("LYR", lyrics) + lyricsField("EAR", "End"));
-    const Read read = readBlock(std::string(100, 'x') + longBlock + id3v1);
-    EXPECT_EQ(read.offset, 100U);
+    const auto read = readBlock(std::string(100, 'x') + longBlock + id3v1);
+    EXPECT_EQ(read.found, 100U);
     EXPECT_EQ(read.record.LyricsExt.Artist, "End");
 }
 
@@ -68,8 +58,8 @@ TEST(Lyrics3, TheWordAloneIsNoBlock) {
         {"empty", ""},
     };
     for (const auto& [name, bytes] : cases) {
-        const Read read = readBlock(bytes);
-        EXPECT_EQ(read.offset, std::nullopt) << name;
+        const auto read = readBlock(bytes);
+        EXPECT_EQ(read.found, std::nullopt) << name;
         EXPECT_EQ(read.record.LyricsExt.Artist, "") << name;
     }
     EXPECT_FALSE(readBlock(cases[0].second).record.IsLyricsPresent);
@@ -79,19 +69,19 @@ TEST(Lyrics3, TheWordAloneIsNoBlock) {
 TEST(Lyrics3, BlockIsFoundBeforeATitleThatHoldsTheWord) {
     Id3v1 title;
     title.title = "LYRICS";
-    const Read read = readBlock(std::string(500, 'x') + block + title.block());
-    EXPECT_EQ(read.offset, 500U);
+    const auto read = readBlock(std::string(500, 'x') + block + title.block());
+    EXPECT_EQ(read.found, 500U);
     EXPECT_EQ(read.record.LyricsExt.TrackTitle, "Seven Bells");
 }
 
 TEST(Lyrics3, FieldsAreReadUpToTheFirstBrokenOne) {
     const std::string artist = lyricsField("EAR", "Artist");
     for (const std::string& broken : {"ETT99999Title"s, "ETT0000xTitle"s, "ETT"s, "ETT-0001T"s}) {
-        const Read read = readBlock(std::string(500, 'x') + lyrics3(artist + broken) + id3v1);
+        const auto read = readBlock(std::string(500, 'x') + lyrics3(artist + broken) + id3v1);
         EXPECT_EQ(read.record.LyricsExt.Artist, "Artist") << broken;
         EXPECT_EQ(read.record.LyricsExt.TrackTitle, "") << broken;
     }
-    EXPECT_EQ(readBlock(std::string(500, 'x') + lyrics3("") + id3v1).offset, 500U);
+    EXPECT_EQ(readBlock(std::string(500, 'x') + lyrics3("") + id3v1).found, 500U);
 }
 
 }  // namespace

@@ -74,33 +74,6 @@ TEST(MPEGHeader, BrokenHeadersAreRejected) {
     }
 }
 
-TEST(MPEGHeader, BitRatesFollowTheStandard) {
-    struct Row {
-        unsigned char second;
-        std::array<int, 15> rates;
-    };
-    constexpr std::array<int, 15> lowRates{0,  8,  16, 24,  32,  40,  48, 56,
-                                           64, 80, 96, 112, 128, 144, 160};
-    constexpr Row rows[] = {
-        {0xFB, {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320}},
-        {0xFD, {0, 32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384}},
-        {0xFF, {0, 32, 64, 96, 128, 160, 192, 224, 256, 288, 320, 352, 384, 416, 448}},
-        {0xF3, lowRates},
-        {0xF5, lowRates},
-        {0xF7, {0, 32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 176, 192, 224, 256}},
-        {0xE3, lowRates},
-    };
-    for (const Row& row : rows) {
-        for (unsigned index = 0; index < row.rates.size(); ++index) {
-            MPEGHeader header;
-            ASSERT_TRUE(header.ParseHeader(
-                textOf({0xFF, row.second, static_cast<unsigned char>(index << 4U), 0})));
-            EXPECT_EQ(header.BitrateIndex, static_cast<int>(index));
-            EXPECT_EQ(header.Bitrate, row.rates[index]) << int{row.second} << ' ' << index;
-        }
-    }
-}
-
 TEST(MPEGHeader, FreeFormatAndReservedRateAreValidButTellNoFrameSize) {
     for (const std::string& bytes : {"\xFF\xFB\0\x64"s, "\xFF\xFB\x9C\x64"s}) {
         MPEGHeader header;
