@@ -38,7 +38,7 @@ void FolderScan::collect(std::string& folder, bool subfolders, bool insideLink) 
         if (entry.isFolder) continue;
         paths_.append(folder).append(entry.name) += '\0';
         ++count_;
-        progress_.report(entry.name);
+        if (subfolders) progress_.report(entry.name);
     }
 }
 

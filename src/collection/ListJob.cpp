@@ -1,7 +1,8 @@
 #include "collection/ListJob.h"
 
 #include <array>
-#include <optional>
+#include <string>
+#include <vector>
 
 #include "collection/ListJson.h"
 #include "collection/ListTable.h"
@@ -15,19 +16,21 @@ namespace tavlo {
 namespace {
 constexpr std::size_t outputBlock = 1U << 16U;  // bytes written at once
 
-// The folder that was asked for; without one a window shows what the settings name, a job works
-// where it was started.
-std::string wantedFolder(const Services& services) {
+// What was asked for; without it a window shows what the settings name, a job works where it was
+// started.
+std::vector<std::string> wantedPaths(const Services& services) {
     const JobOptions& options = services.options;
-    if (options.folder) return *options.folder;
+    if (options.paths.size() > 1) return options.paths;
+    if (options.folder) return {*options.folder};
     if (options.mode == RunMode::MainWindow) {
         const Settings& settings = services.settings;
-        std::string kept =
-            settings.text(settings.flag(Setting::StartupFolderEn) ? Setting::StartupFolder
-                                                                  : Setting::CurrentFolder);
-        if (folderExists(kept)) return kept;
+        const bool hasStartup = settings.flag(Setting::StartupFolderEn);
+        for (const Setting kept : {Setting::StartupFolder, Setting::CurrentFolder}) {
+            const bool asked = kept != Setting::StartupFolder || hasStartup;
+            if (asked && folderExists(settings.text(kept))) return {settings.text(kept)};
+        }
     }
-    return options.startFolder;
+    return {options.startFolder};
 }
 
 class ListPrinter {
@@ -100,18 +103,47 @@ class ListPrinter {
     std::uint64_t files_ = 0, bytes_ = 0, seconds_ = 0;
 };
 
-// False when there is neither such a folder nor such a file.
-bool gather(Services& services, cFilesCollection& files) {
-    const std::string folder = absolutePath(wantedFolder(services));
-    files.BaseFolder = folder;
-    if (const auto info = fileInfo(folder); info && !info->isFolder) {
-        files.BaseFolder = folderOf(folder, nativePathStyle());
-        files.AddFile(folder);
-        return true;
-    }
-    if (!files.FillFromFolder(folder, FileType::Audio, services.options.subfolders, true, false)) {
-        services.errors.report(Text::FolderNotFound, folder);
+// Adds a folder's files, a playlist's, or the one file that the path names; false when it cannot be
+// read.
+bool gatherPath(Services& services, const std::string& path, cFilesCollection& files) {
+    const auto info = fileInfo(path);
+    if (!info) {
+        services.errors.report(Text::FolderNotFound, path);
         return false;
+    }
+    if (info->isFolder && !isReadableFolder(path)) {
+        services.errors.report(Text::FolderNotRead, path);
+        return false;
+    }
+    if (info->isFolder) {
+        return files.FillFromFolder(path, FileType::Audio, services.options.subfolders, false,
+                                    false);
+    }
+    const FileTypes type = GetFileType(path);
+    if (type == FileType::M3u) {
+        return files.FillFromPlaylist(path, FileType::Audio, CodePage(services.ansiCodePage));
+    }
+    if ((type & FileType::Audio) != 0) {
+        files.AddFile(path);
+    } else {
+        services.errors.report(Text::NoAudioFile, path);
+    }
+    return true;
+}
+
+// False when none of the paths that were asked for exists.
+bool gather(Services& services, cFilesCollection& files) {
+    bool found = false;
+    const std::vector<std::string> paths = wantedPaths(services);
+    for (const std::string& path : paths) {
+        found = gatherPath(services, absolutePath(path), files) || found;
+    }
+    const std::string first = absolutePath(paths.front());
+    if (paths.size() > 1) {
+        files.CheckBaseFolder();
+    } else {
+        files.BaseFolder =
+            folderExists(first) ? first : std::string(folderOf(first, nativePathStyle()));
     }
     const WildcardMask mask(services.options.mask);
     if (!mask.takesAll()) {
@@ -119,7 +151,7 @@ bool gather(Services& services, cFilesCollection& files) {
             return mask.matches(fileNameOf(path, nativePathStyle()));
         });
     }
-    return true;
+    return found;
 }
 
 // A type that is not read gives an empty record without being opened.
@@ -134,6 +166,7 @@ bool printAll(Services& services, const cFilesCollection& files, ListPrinter& pr
         ListRow row{files.GetFile(i), files.GetFileSubPath(i), {}};
         row.record = ReadAudioFile(row.path, {ansi});
         if (isUnreadable(row.record)) services.errors.report(Text::FileNotRead, row.path);
+        if (row.record.Path.empty()) row.record.Length = files.GetFileSize(i);
         if (!printer.add(row)) return false;
         services.progress.report(row.subPath);
         services.progress.step();

@@ -8,7 +8,7 @@
 namespace tavlo {
 
 namespace {
-constexpr std::size_t leastWidth = 8;  // a column is not made narrower to fit
+constexpr std::size_t leastWidth = 14;  // a column is not made narrower to fit
 constexpr std::string_view columnGap = "  ";
 constexpr std::string_view cutMark = "…";
 

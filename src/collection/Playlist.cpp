@@ -46,7 +46,8 @@ std::vector<std::string> parsePlaylist(std::string_view bytes, std::string_view 
     std::vector<std::string> entries;
     while (!bytes.empty()) {
         const std::string_view line = takeLine(bytes);
-        if (trimBlanks(line).empty() || line[0] == '#') continue;
+        const bool isAddress = line.find("://") != std::string_view::npos;
+        if (trimBlanks(line).empty() || line[0] == '#' || isAddress) continue;
         const std::string entry = isUtf8 ? std::string(line) : ansi.toUtf8(line);
         entries.push_back(resolved(entry, folder, style));
     }

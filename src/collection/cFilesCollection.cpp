@@ -32,7 +32,7 @@ void cFilesCollection::Clean() {
 }
 
 void cFilesCollection::AddFile(std::string_view path) {
-    files_.add(path, PathList::Match::WithoutCase);
+    if (!path.empty()) files_.add(path, PathList::Match::WithoutCase);
 }
 
 void cFilesCollection::RemoveFile(std::size_t index) {
@@ -123,8 +123,14 @@ void cFilesCollection::GetFilesFromFolders(FileTypes mask) {
     for (const std::string& folder : folders_) FillFromFolder(folder, mask, false, false, false);
 }
 
+// The longest paths first: a folder may become empty by what it held being deleted.
 void cFilesCollection::DeleteEmptyFolders() {
-    std::erase_if(folders_, [](const std::string& folder) { return removeEmptyFolder(folder); });
+    std::vector<std::string> deepestFirst = folders_;
+    std::sort(deepestFirst.begin(), deepestFirst.end(),
+              [](const std::string& a, const std::string& b) { return a.size() > b.size(); });
+    for (const std::string& folder : deepestFirst) {
+        if (removeEmptyFolder(folder)) std::erase(folders_, folder);
+    }
 }
 
 bool cFilesCollection::FillFromPlaylist(const std::string& path, FileTypes mask,
@@ -155,7 +161,7 @@ void cFilesCollection::addFound(std::string_view path, FileTypes mask, bool into
             files_.add(path, foundMatch());
         }
     }
-    progress_.report(path);
+    progress_.report(fileNameOf(path, nativePathStyle()));
     progress_.step();
     progress_.pumpMessages();
 }
@@ -164,6 +170,7 @@ bool cFilesCollection::FillFromFolder(const std::string& folder, FileTypes mask,
                                       bool clean, bool hidden) {
     if (!folderExists(folder)) return false;
     if (clean) Clean();
+    if (isCancelled()) return true;
     FolderScan scan(progress_, cancel_, hidden);
     const std::string paths = scan.run(folder, subfolders);
     // A scan that was cancelled keeps all it found; the walk below ends only by a later cancel.

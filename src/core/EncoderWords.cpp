@@ -72,17 +72,23 @@ constexpr std::array presetRows{same(Mp3, "vbr1"),
                                 same(Monkey, "extra"),
                                 same(Monkey, "best")};
 
+/// The one preset whose case does not matter.
+bool isAnyCaseAlac(const PresetRow& row, std::string_view word) {
+    return row.encoder == Mp4 && sameAscii(row.word, word);
+}
+
 }  // namespace
 
 std::optional<EncoderWord> findEncoder(std::string_view word) {
     for (const EncoderRow& row : encoderRows)
-        if (sameAscii(row.word, word)) return row.encoder;
+        if (row.word == word) return row.encoder;
     return std::nullopt;
 }
 
 std::optional<std::string_view> findPreset(EncoderWord encoder, std::string_view word) {
     for (const PresetRow& row : presetRows)
-        if (row.encoder == encoder && sameAscii(row.word, word)) return row.preset;
+        if (row.encoder == encoder && (row.word == word || isAnyCaseAlac(row, word)))
+            return row.preset;
     return std::nullopt;
 }
 

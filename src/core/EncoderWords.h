@@ -7,7 +7,7 @@ namespace tavlo {
 
 enum class EncoderWord { Mp3, Ogg, Mpc, Wma, Mp4, Flac, WavPack, Monkey };
 
-/// The encoder that a command-line word names, compared without ASCII case.
+/// The encoder that a command-line word names, compared exactly.
 std::optional<EncoderWord> findEncoder(std::string_view word);
 
 /// The preset of this encoder that a word names, aliases brought to one spelling; nothing when

@@ -84,10 +84,13 @@ class OptionReader {
     }
 
     void readBareWord(const std::string& word) {
-        if (word.find_first_of("*?") != std::string::npos) {
+        // "\\\\?\\" begins a long path of Windows.
+        const std::size_t from = word.starts_with("\\\\?\\") ? 4 : 0;
+        if (word.find_first_of("*?", from) != std::string::npos) {
             setMask(word);
         } else if (!word.empty()) {
             options_.folder = word;
+            options_.paths.push_back(word);
         }
     }
 

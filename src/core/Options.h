@@ -34,9 +34,10 @@ enum class RunMode : int {
 /// value, so that the setting decides; an empty text is a value.
 struct JobOptions {
     RunMode mode = RunMode::MainWindow;
-    std::string modeWord;     ///< the option that set the mode, as the table spells it
-    std::string startFolder;  ///< current folder when the command line was read
-    std::optional<std::string> folder;
+    std::string modeWord;               ///< the option that set the mode, as the table spells it
+    std::string startFolder;            ///< current folder when the command line was read
+    std::optional<std::string> folder;  ///< the last one named
+    std::vector<std::string> paths;     ///< every bare word that is no mask
     std::string mask = "*.*";
     bool subfolders = false;
     bool agent = false;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "core/Numbers.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 namespace {
@@ -12,8 +13,8 @@ std::optional<int> numberOf(const RegistryValue& value) {
     if (const auto* number = std::get_if<std::uint32_t>(&value))
         return static_cast<std::int32_t>(*number);
     const auto& text = std::get<std::string>(value);
-    if (text == "True") return -1;
-    if (text == "False") return 0;
+    if (sameAscii(text, "True")) return -1;
+    if (sameAscii(text, "False")) return 0;
     return parseInteger(text);
 }
 

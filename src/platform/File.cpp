@@ -20,6 +20,7 @@ void File::close() {
     if (isOpen()) closeHandle();
     handle_ = noHandle;
     size_ = 0;
+    readOnly_ = false;
     head_ = tail_ = middle_ = {};
 }
 

@@ -39,6 +39,8 @@ class File {
     void close();
 
     [[nodiscard]] std::uint64_t size() const { return size_; }
+    /// Whether the file's attributes (elsewhere: its owner's rights) forbid writing.
+    [[nodiscard]] bool isReadOnly() const { return readOnly_; }
     [[nodiscard]] bool isWritable() const { return access_ == Access::ReadWrite && isOpen(); }
 
     /// The bytes from `offset`, fewer than `count` only where the file ends or cannot be read.
@@ -70,6 +72,7 @@ class File {
     std::intptr_t handle_ = noHandle;
     Access access_ = Access::Read;
     std::uint64_t size_ = 0;
+    bool readOnly_ = false;
     Window head_, tail_, middle_;
     std::unique_ptr<std::uint8_t[]> middleBuffer_;  // not a vector: bytes to be read need no zeroes
     std::size_t middleRoom_ = 0;

@@ -33,6 +33,9 @@ bool clearReadOnly(const std::string& path);
 
 bool folderExists(const std::string& path);
 
+/// Whether the entries of a folder can be asked for.
+bool isReadableFolder(const std::string& path);
+
 /// What tells one folder from every other, whatever path leads to it.
 struct FolderId {
     std::uint64_t volume = 0;

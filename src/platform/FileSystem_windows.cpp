@@ -87,6 +87,10 @@ bool folderExists(const std::string& path) {
     return info && info->isFolder;
 }
 
+bool isReadableFolder(const std::string& path) {
+    return Search(widePath(path + "\\*")).isOpen();
+}
+
 std::optional<FolderId> folderId(const std::string& path) {
     HANDLE opened = openForQuery(path);
     if (opened == INVALID_HANDLE_VALUE) return std::nullopt;

@@ -26,6 +26,7 @@ bool File::openHandle(const std::string& path, Access access) {
     }
     handle_ = opened;
     size_ = static_cast<std::uint64_t>(status.st_size);
+    readOnly_ = (status.st_mode & S_IWUSR) == 0;
     return true;
 }
 

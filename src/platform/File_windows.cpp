@@ -24,13 +24,14 @@ bool File::openHandle(const std::string& path, Access access) {
     HANDLE opened = ::CreateFileW(widePath(path).c_str(), rights, share, nullptr, OPEN_EXISTING,
                                   FILE_ATTRIBUTE_NORMAL, nullptr);
     if (opened == INVALID_HANDLE_VALUE) return false;
-    LARGE_INTEGER size{};
-    if (::GetFileType(opened) != FILE_TYPE_DISK || !::GetFileSizeEx(opened, &size)) {
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (::GetFileType(opened) != FILE_TYPE_DISK || !::GetFileInformationByHandle(opened, &info)) {
         ::CloseHandle(opened);
         return false;
     }
     handle_ = reinterpret_cast<std::intptr_t>(opened);
-    size_ = static_cast<std::uint64_t>(size.QuadPart);
+    size_ = static_cast<std::uint64_t>(info.nFileSizeHigh) << 32U | info.nFileSizeLow;
+    readOnly_ = (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
     return true;
 }
 

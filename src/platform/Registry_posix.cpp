@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,13 +10,15 @@
 #include <utility>
 
 #include "platform/Environment.h"
+#include "platform/File.h"
+#include "platform/FileSystem.h"
 #include "platform/Registry.h"
 #include "platform/RegistryText.h"
 
 namespace tavlo {
 namespace {
 
-constexpr off_t largestFile = 16 << 20;      // bytes; a settings file has a few thousand
+constexpr std::uint64_t largestFile = 16U << 20U;  // bytes; a settings file has a few thousand
 constexpr int lockTries = 200;               // of 10 ms each: a stopped instance must not hang us
 constexpr useconds_t lockPause = 10 * 1000;  // microseconds
 constexpr const char* fileName = "tavlo/settings.txt";
@@ -50,11 +51,16 @@ std::string defaultFile() {
     return home.empty() ? std::string() : home + "/.config/" + fileName;
 }
 
-/// A link to the file must stay a link when the file is replaced.
-std::string behindLinks(const std::string& path) {
+/// A link to the file must stay a link when the file is replaced, even where it leads to none yet.
+std::string behindLinks(std::string path) {
+    constexpr int mostLinks = 16;
     std::error_code error;
-    const auto real = std::filesystem::canonical(path, error);
-    return error ? path : real.string();
+    for (int i = 0; i < mostLinks; ++i) {
+        const auto target = std::filesystem::read_symlink(path, error);
+        if (error) break;
+        path = (std::filesystem::path(path).parent_path() / target).string();
+    }
+    return path;
 }
 
 std::string parentOf(const std::string& path) {
@@ -62,22 +68,9 @@ std::string parentOf(const std::string& path) {
     return parent.empty() ? "." : parent;
 }
 
-/// A missing file reads as empty; nothing when it is there and cannot be read.
-std::optional<std::string> readFile(const std::string& path) {
-    const Descriptor file(path, O_RDONLY);
-    if (!file) return errno == ENOENT ? std::optional<std::string>("") : std::nullopt;
-    struct stat info {};
-    if (fstat(file.get(), &info) != 0 || info.st_size > largestFile) return std::nullopt;
-    std::string text(static_cast<std::size_t>(info.st_size), '\0');
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t count = read(file.get(), text.data() + done, text.size() - done);
-        if (count < 0 && errno != EINTR) return std::nullopt;
-        if (count == 0) break;
-        if (count > 0) done += static_cast<std::size_t>(count);
-    }
-    text.resize(done);
-    return text;
+/// A missing file reads as empty; nothing when it is there and cannot be read, or is no file.
+std::optional<std::string> readStored(const std::string& path) {
+    return fileInfo(path) ? readFile(path, largestFile) : std::optional<std::string>("");
 }
 
 bool writeAll(int file, std::string_view text) {
@@ -123,7 +116,8 @@ class Registry::Store {
     using Change = std::function<void(RegistryText&)>;
 
     explicit Store(const std::string& path) : path_(path.empty() ? path : behindLinks(path)) {
-        if (!path_.empty()) text_ = RegistryText(readFile(path_).value_or(""));
+        if (!path_.empty()) text_ = RegistryText(readStored(path_).value_or(""));
+        stored_ = text_;
     }
 
     const RegistryText& text() const { return text_; }
@@ -138,15 +132,25 @@ class Registry::Store {
     bool end() { return --depth_ > 0 || waiting_.empty() || store(); }
 
  private:
-    /// What another instance stored meanwhile stays: own changes are made to the file as it is.
+    /// What could not be stored is taken back.
     bool store() {
         const std::vector<Change> changes = std::exchange(waiting_, {});
+        if (!merge(changes)) {
+            text_ = stored_;
+            return false;
+        }
+        stored_ = text_;
+        return true;
+    }
+
+    /// What another instance stored meanwhile stays: own changes are made to the file as it is.
+    bool merge(const std::vector<Change>& changes) {
         if (path_.empty()) return false;
         std::error_code error;
         std::filesystem::create_directories(parentOf(path_), error);
         const Descriptor guard(path_ + ".lock", O_RDWR | O_CREAT);
         if (!guard || !lock(guard.get())) return false;
-        const auto current = readFile(path_);
+        const auto current = readStored(path_);
         if (!current) return false;
         RegistryText merged(*current);
         for (const Change& change : changes) change(merged);
@@ -157,6 +161,7 @@ class Registry::Store {
 
     std::string path_;
     RegistryText text_;
+    RegistryText stored_;  // as last read or written
     std::vector<Change> waiting_;
     int depth_ = 0;
 };

@@ -31,7 +31,10 @@ void setField(ID3tag& record, std::string_view text) {
 }
 
 constexpr std::array<TextItem, 10> textItems{{
-    {"Track", [](ID3tag& r, std::string_view text) { r.SetNumber(text); }},
+    {"Track",
+     [](ID3tag& r, std::string_view text) {
+         if (text != "0") r.SetNumber(text);
+     }},
     {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); }},
     {"Title", [](ID3tag& r, std::string_view text) { r.SetTitleMix(text); }},
     {"Album", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); }},

@@ -34,6 +34,8 @@ ID3tag ReadAudioFile(const std::string& path, const ReadContext& context) {
     if (!record.OK) return record;
     record.Path = path;
     record.Length = file.size();
+    record.ReadOnly = file.isReadOnly();
+    record.AllowEdits = !record.ReadOnly && HasEditableTags(path);
     record.Lossless = (type & FileType::Lossless) != 0;
     if (type == FileType::Mp3) readMp3(file, record, context);
     return record;

@@ -15,6 +15,7 @@
 namespace tavlo {
 
 namespace {
+constexpr std::string_view tagMark = "ID3";
 constexpr std::uint8_t unsynchronisation = 0x80, extendedHeader = 0x40;
 constexpr std::uint8_t experimental = 0x20, footerPresent = 0x10;
 constexpr std::uint32_t largestUnsynchronisedBody = 64U << 20U;
@@ -43,6 +44,10 @@ void setYear(ID3tag& record, std::string_view text) {
     if (record.ID3v2Ext.RecordingTime.empty()) record.SetYear(text);
 }
 
+void setNumber(ID3tag& record, std::string_view text) {
+    if (text != "0") record.SetNumber(text);
+}
+
 void setDiskNumber(ID3tag& record, std::string_view text) {
     const std::size_t slash = text.find('/');
     record.DiskNumber = leadingNumber(text);
@@ -51,6 +56,7 @@ void setDiskNumber(ID3tag& record, std::string_view text) {
 
 void setGenre(ID3tag& record, std::string_view text) {
     GenreText genre = parseGenreText(text);
+    if (genre.number == noGenre && genre.text.empty()) return;
     record.Genre = genre.number;
     record.ID3v2Ext.Genre = std::move(genre.text);
 }
@@ -64,7 +70,7 @@ constexpr std::array<TextFrame, 15> textFrames{{
     {"TIT2", "TT2", [](ID3tag& r, std::string_view text) { r.SetTitleMixV2(text); }},
     {"TPE1", "TP1", [](ID3tag& r, std::string_view text) { r.SetArtist(text); }},
     {"TALB", "TAL", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); }},
-    {"TRCK", "TRK", [](ID3tag& r, std::string_view text) { r.SetNumber(text); }},
+    {"TRCK", "TRK", setNumber},
     {"TYER", "TYE", setYear},
     {"TDRC", "", setRecordingTime},
     {"TCON", "TCO", setGenre},
@@ -81,6 +87,10 @@ constexpr std::array<TextFrame, 15> textFrames{{
 
 const TextFrame* findTextFrame(std::string_view id, int majorVersion) {
     if (id[0] != 'T' || (id == "TDRC" && majorVersion != 4)) return nullptr;
+    // Some writers of version 3 fill the names of version 2 up.
+    if (majorVersion == 3 && (id[3] == '\0' || id[3] == ' ')) {
+        return findTextFrame(id.substr(0, 3), 2);
+    }
     const auto* row = std::find_if(textFrames.begin(), textFrames.end(), [&](const TextFrame& f) {
         return (majorVersion == 2 ? f.oldId : f.id) == id;
     });
@@ -124,7 +134,7 @@ class FrameWalk {
         ByteCursor cursor(source_.view(at, 4));
         if (version_ == 4) return at + cursor.syncsafe().value_or(0);
         // Some writers set the flag and go on with a frame.
-        if (parseFrameHeader(source_.view(at, headerSize_), version_)) return at;
+        if (beginsFrame(at)) return at;
         return at + 4 + cursor.bigEndian(4).value_or(0);
     }
 
@@ -149,7 +159,12 @@ class FrameWalk {
         if (at == end_) return true;
         if (at > end_) return false;
         const Bytes next = source_.view(at, headerSize_);
-        return (!next.empty() && next[0] == 0) || parseFrameHeader(next, version_).has_value();
+        return (!next.empty() && next[0] == 0) || beginsFrame(at);
+    }
+
+    bool beginsFrame(std::uint64_t at) {
+        const auto header = parseFrameHeader(source_.view(at, headerSize_), version_);
+        return header && hasRegularId(*header);
     }
 
     bool interpret(const FrameHeader& header, std::uint64_t at) {
@@ -208,8 +223,9 @@ class FrameWalk {
         const Bytes description = takeTerminated(cursor, encoding);
         if (!decodeText(encoding, description, context_.ansi).empty()) return false;
         const std::string value = joinValues(takeText(cursor, encoding));
+        if (trimBlanks(value).empty()) return true;
         hasComment_ = true;
-        if (!trimBlanks(value).empty()) record_.SetComment(value);
+        record_.SetComment(value);
         return true;
     }
 
@@ -308,8 +324,7 @@ std::optional<GenreReference> takeReference(std::string_view& text) {
     if (!known && inner != "RX" && inner != "CR") return std::nullopt;
     text.remove_prefix(whole.size());
     if (!known) return GenreReference{noGenre, inner == "RX" ? "Remix" : "Cover"};
-    const std::string_view name = genreName(*number);
-    return GenreReference{static_cast<std::uint8_t>(*number), name.empty() ? whole : name};
+    return GenreReference{static_cast<std::uint8_t>(*number), genreName(*number)};
 }
 
 void appendValue(std::string& list, std::string_view value) {
@@ -322,7 +337,7 @@ void appendValue(std::string& list, std::string_view value) {
 GenreText parseOneGenre(std::string_view text) {
     text = trimBlanks(text);
     std::string_view rest = text;
-    if (const auto bare = parseInteger(text); bare && !genreName(*bare).empty()) {
+    if (const auto bare = parseInteger(text); bare && *bare >= 0 && *bare <= noGenre) {
         return {static_cast<std::uint8_t>(*bare), std::string(genreName(*bare))};
     }
     const auto first = takeReference(rest);
@@ -354,9 +369,10 @@ GenreText parseGenreText(std::string_view text) {
 }
 
 bool ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context) {
-    const auto header = parseTagHeader(file.view(0, TagHeader::size));
-    if (!header) return false;
+    if (textOf(file.view(0, tagMark.size())) != tagMark) return false;
     record.IsID3v2Present = true;
+    const auto header = parseTagHeader(file.view(0, TagHeader::size));
+    if (!header) return true;
     setHeader(record.ID3v2Ext, *header);
     if (!isReadable(record.ID3v2Ext)) return true;
     const std::uint64_t end =

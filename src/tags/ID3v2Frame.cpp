@@ -56,10 +56,14 @@ std::optional<FrameHeader> parseFrameHeader(Bytes bytes, int majorVersion) {
     const std::size_t idSize = majorVersion == 2 ? 3 : 4;
     FrameHeader header;
     header.id = textOf(*cursor.take(idSize));
-    if (!std::all_of(header.id.begin(), header.id.end(), isIdCharacter)) return std::nullopt;
+    if (header.id[0] == '\0') return std::nullopt;
     header.bodySize = majorVersion == 4 ? *cursor.syncsafe() : *cursor.bigEndian(idSize);
     if (majorVersion != 2) header.flags = static_cast<std::uint16_t>(*cursor.bigEndian(2));
     return header;
+}
+
+bool hasRegularId(const FrameHeader& header) {
+    return std::all_of(header.id.begin(), header.id.end(), isIdCharacter);
 }
 
 bool isPlainFrame(const FrameHeader& header, int majorVersion) {

@@ -19,13 +19,15 @@ std::optional<TagHeader> parseTagHeader(Bytes bytes);
 
 /// A frame's header: 6 bytes in version 2, 10 in 3 and 4.
 struct FrameHeader {
-    std::string id;              ///< 3 or 4 characters A..Z, 0..9
+    std::string id;              ///< 3 or 4 characters
     std::uint32_t bodySize = 0;  ///< bytes behind the header
     std::uint16_t flags = 0;
 };
 std::size_t frameHeaderSize(int majorVersion);
-/// Nothing where the bytes are padding or no header. Sizes of version 4 are read as syncsafe.
+/// Nothing where the bytes are padding or too few. Sizes of version 4 are read as syncsafe.
 std::optional<FrameHeader> parseFrameHeader(Bytes bytes, int majorVersion);
+/// Whether the identifier is made of A..Z and 0..9, as the format asks for.
+bool hasRegularId(const FrameHeader& header);
 
 /// Whether the frame's bytes are the text itself: no compression, unsynchronisation or prefix.
 bool isPlainFrame(const FrameHeader& header, int majorVersion);

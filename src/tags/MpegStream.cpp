@@ -139,26 +139,24 @@ bool isPrintable(char c) {
     return c >= 0x20 && c < 0x7F;
 }
 
-// The printable beginning of an encoder's name; what the encoder filled up with "U" goes.
+// The first printable piece of an encoder's name; what the encoder filled up with "U" goes.
 std::string cleanEncoder(std::string_view bytes) {
     std::string text;
     for (const char c : bytes) {
-        if (c == '\0') continue;
+        const bool leading = text.empty() && c == ' ';
+        if (c == '\0' || leading || (text.empty() && !isPrintable(c))) continue;
         if (!isPrintable(c)) break;
         text += c;
     }
-    const std::size_t filler = text.find("UU");
-    text.resize(std::min(filler, text.size()));
-    const std::size_t last = text.find_last_not_of(' ');
-    text.resize(last == std::string::npos ? 0 : last + 1);
-    text.erase(0, text.find_first_not_of(' '));
+    text.resize(std::min(text.find("UU"), text.size()));
+    text.erase(text.find_last_not_of(' ') + 1);
     return text;
 }
 
-// A "LAME" text somewhere in the bytes, up to its NUL.
-std::string findLame(std::string_view bytes) {
+// A "LAME" text that begins in the first `span` bytes, up to its NUL.
+std::string findLame(std::string_view bytes, std::size_t span) {
     const std::size_t at = bytes.find("LAME");
-    if (at == std::string_view::npos) return {};
+    if (at >= span) return {};  // npos as well
     const std::string_view text = bytes.substr(at, encoderSize);
     return cleanEncoder(text.substr(0, text.find('\0')));
 }
@@ -175,14 +173,19 @@ struct VbrHeader {
     std::string encoder;
 };
 
-VbrHeader readVbrHeader(const MPEGHeader& header, Bytes stream) {
+// Looks for a VBR header in the first `span` bytes from the first frame.
+VbrHeader readVbrHeader(File& file, const Frame& first, std::size_t span) {
     constexpr std::size_t vbriPlace = 36;
+    const Bytes stream = file.view(first.offset, span);
     const std::string_view text = textOf(stream);
-    const std::size_t at = findMarker(header, text);
+    const std::size_t at = findMarker(first.header, text);
     if (at != std::string_view::npos) {
-        const std::size_t encoder = std::min(at + encoderOffset, text.size());
-        return {parseXing(stream.subspan(at + markerSize), text.substr(at).starts_with("Xing")),
-                cleanEncoder(text.substr(encoder, encoderSize))};
+        const bool isVbr = text.substr(at).starts_with("Xing");
+        const Bytes marker = file.view(first.offset + at, encoderOffset + encoderSize);
+        const std::string_view encoder =
+            textOf(marker).substr(std::min(encoderOffset, marker.size()));
+        return {parseXing(marker.subspan(std::min(markerSize, marker.size())), isVbr),
+                cleanEncoder(encoder)};
     }
     if (text.size() > vbriPlace && text.substr(vbriPlace).starts_with("VBRI")) {
         return {parseVbri(stream.subspan(vbriPlace + markerSize)), {}};
@@ -190,9 +193,15 @@ VbrHeader readVbrHeader(const MPEGHeader& header, Bytes stream) {
     return {};
 }
 
+// A "LAME" text in the first frame or the 4096 bytes that follow it.
+std::string streamEncoder(File& file, const Frame& first) {
+    const std::size_t span = first.header.frameSize() + markerSpan;
+    return findLame(textOf(file.view(first.offset, span + encoderSize)), span);
+}
+
 std::string tailEncoder(File& file) {
     const std::uint64_t from = file.size() - std::min(file.size(), tailSpan);
-    return findLame(textOf(file.view(from, tailSize)));
+    return findLame(textOf(file.view(from, tailSize)), tailSize);
 }
 
 // Samples that a frame is taken to play: half and a third of them where the frame is shorter.
@@ -205,7 +214,7 @@ std::uint32_t estimateFrames(const MPEGHeader& header, std::uint64_t bytes) {
     if (header.Bitrate == 0) return 0;
     const double frameBytes =
         header.samplesPerFrame() / 8.0 * header.Bitrate * 1000 / header.SampleRate;
-    const double frames = static_cast<double>(bytes) / frameBytes;
+    const double frames = std::round(static_cast<double>(bytes) / frameBytes);
     return static_cast<std::uint32_t>(std::min(frames, 4294967295.0));
 }
 
@@ -233,15 +242,11 @@ void readMpegStream(File& file, ID3tag& record, std::uint64_t audioEnd) {
     record.Channels = record.ChannelMode == 3 ? 1 : 2;
     record.Bitrate = first->header.Bitrate;
     // The search for texts costs a read; it is left out where the marker says everything.
-    Bytes stream = file.view(first->offset, usualSpan);
-    VbrHeader vbr = readVbrHeader(first->header, stream);
-    if (vbr.encoder.empty()) {
-        stream = file.view(first->offset, markerSpan);
-        vbr = readVbrHeader(first->header, stream);
-    }
+    VbrHeader vbr = readVbrHeader(file, *first, usualSpan);
+    if (vbr.encoder.empty()) vbr = readVbrHeader(file, *first, markerSpan);
     fillLengths(record, *first, vbr.counts, audioEnd - std::min(audioEnd, first->offset));
     record.Encoder = std::move(vbr.encoder);
-    if (record.Encoder.empty()) record.Encoder = findLame(textOf(stream));
+    if (record.Encoder.empty()) record.Encoder = streamEncoder(file, *first);
     if (record.Encoder.empty()) record.Encoder = tailEncoder(file);
 }
 

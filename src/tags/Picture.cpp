@@ -17,16 +17,21 @@ struct PictureKind {
 };
 
 // The first row of a type is the MIME type that is written for it.
-constexpr std::array<PictureKind, 4> pictureKinds{{
+constexpr std::array<PictureKind, 5> pictureKinds{{
     {FileType::Jpeg, "jpg", "image/jpeg"},
     {FileType::Jpeg, "jpeg", "image/jpg"},
     {FileType::Png, "png", "image/png"},
     {FileType::Bmp, "bmp", "image/bmp"},
+    {FileType::None, "gif", "image/gif"},
 }};
 
-std::string_view mimeOfEnding(std::string_view ending) {
+// Of a file name, or of the format word alone.
+std::string_view mimeOfEnding(std::string_view name) {
     for (const PictureKind& kind : pictureKinds) {
-        if (equalsNoCase(kind.ending, ending)) return kind.mime;
+        const std::size_t size = kind.ending.size();
+        if (name.size() >= size && equalsNoCase(name.substr(name.size() - size), kind.ending)) {
+            return kind.mime;
+        }
     }
     return {};
 }

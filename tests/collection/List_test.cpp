@@ -172,6 +172,17 @@ TEST(ListJob, OneFileIsListedAlone) {
     EXPECT_NE(job.output.text.find("\"SubPath\":\"1.mp3\""), std::string::npos);
 }
 
+TEST(ListJob, SeveralFilesFoldersAndPlaylistsAreListedTogether) {
+    Job job;
+    job.options.paths = {job.folder.path("2.mp3"), job.folder.path("sub"),
+                         job.folder.write("a.m3u", "#EXTM3U\r\n1.mp3\r\n"),
+                         job.folder.path("no.txt"), job.folder.path("none.mp3")};
+    EXPECT_EQ(job.run(), 1);
+    EXPECT_EQ(job.lines(), 3);
+    EXPECT_NE(job.messages.text.find("no.txt"), std::string::npos);
+    EXPECT_NE(job.messages.text.find("none.mp3"), std::string::npos);
+}
+
 TEST(ListJob, MissingFolderIsToldAndEndsTheJob) {
     Job job;
     job.options.folder = job.folder.path("none");

@@ -182,6 +182,15 @@ TEST(cFilesCollection, CancelLeavesWhatWasGathered) {
     }
 }
 
+TEST(cFilesCollection, ACancelBeforeTheScanGathersNothing) {
+    const TempFolder folder;
+    folder.write("1.mp3", "x");
+    Collection c;
+    c.progress.cancel = true;
+    c.files.FillFromFolder(folder.path(), FileType::Mp3, true, true, false);
+    EXPECT_EQ(c.files.count(), 0U);
+}
+
 TEST(cFilesCollection, SizesAreAddedUp) {
     const TempFolder folder;
     Collection c({folder.write("a.mp3", std::string(1000, 'x')),

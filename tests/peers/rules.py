@@ -85,7 +85,7 @@ def short_genre_list(value, facts, ours):
     beyond = [*id3.TCON.GENRES[148:], "Unknown"]
     if value not in beyond:
         return value
-    return f"({148 + beyond.index(value)})" if facts.v2 else ""
+    return ""
 
 
 def genre_spelling(value, facts, ours):
@@ -198,7 +198,7 @@ SPELLINGS = {
     "Club-House": "Club House", "Hardcore Techno": "Hardcore", "Britpop": "BritPop",
     "Afro-Punk": "NegerPunk", "Worldbeat": "NegerPunk",
     "Christian Gangsta Rap": "Christian Gangsta", "Contemporary Christian": "Contemporary C",
-    "Jpop": "JPop", "Synthpop": "SynthPop",
+    "Jpop": "JPop", "Synthpop": "SynthPop", "RX": "Remix", "CR": "Cover",
 }
 NUMBERS = ("year", "track")
 BOTH, MUTAGEN, TAGLIB = "mutagen TagLib", "mutagen", "TagLib"

@@ -192,6 +192,25 @@ TEST(ID3v2, WalkEndsAtPaddingOrAFrameThatRunsPastTheBody) {
     EXPECT_EQ(recordOf(tag(3, artist) + title).GetTitle(), "");
 }
 
+TEST(ID3v2, FramesWithOddNamesAreKeptAndPassedOver) {
+    const std::string odd = frame(3, "xyzw", "\0keep"s) + frame(3, "TPE ", "\0not an artist"s);
+    const std::string body = odd + textFrame(3, "TALB", "Album");
+    EXPECT_EQ(recordOf(tag(3, body)).GetAlbum(), "Album");
+    EXPECT_EQ(recordOf(tag(3, body)).ID3v2Ext.UnknownFrames, odd);
+    // Names of version 2 in a tag of version 3, filled up.
+    EXPECT_EQ(recordOf(tag(3, textFrame(3, "TT2\0"s, "Title"))).GetTitle(), "Title");
+}
+
+TEST(ID3v2, ValuesThatMeanNothingHideNothing) {
+    const std::string v1 = Id3v1{"", "", "", "", "old", 0, 7, 17}.block();
+    const std::string body = textFrame(3, "TRCK", "0") + textFrame(3, "TCON", "(255)") +
+                             frame(3, "COMM", "\0eng\0"s) + frame(3, "COMM", "\0eng\0new"s);
+    const ID3tag record = readBytes(tag(3, body) + mpegFrames(4) + v1);
+    EXPECT_EQ(record.GetNumber(), "7");
+    EXPECT_EQ(record.GetGenre(), "Rock");
+    EXPECT_EQ(record.GetComment(), "new");
+}
+
 TEST(ID3v2, TagCutByTheFileEndGivesTheFramesThatAreThere) {
     const std::string whole =
         tag(3, textFrame(3, "TPE1", "Artist") + textFrame(3, "TIT2", "Title"));
