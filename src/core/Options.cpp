@@ -85,7 +85,7 @@ class OptionReader {
 
     void readBareWord(const std::string& word) {
         // "\\\\?\\" begins a long path of Windows.
-        const std::size_t from = word.starts_with("\\\\?\\") ? 4 : 0;
+        const std::size_t from = word.starts_with(R"(\\?\)") ? 4 : 0;
         if (word.find_first_of("*?", from) != std::string::npos) {
             setMask(word);
         } else if (!word.empty()) {
