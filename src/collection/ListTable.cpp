@@ -179,8 +179,6 @@ void appendTabLine(std::string& out, const ListRow& row) {
     out += '\n';
 }
 
-ListTable::ListTable() = default;
-
 void ListTable::add(const ListRow& row) {
     std::vector<std::string> cells;
     cells.reserve(columns.size());

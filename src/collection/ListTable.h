@@ -15,8 +15,6 @@ void appendTabLine(std::string& out, const ListRow& row);
 /// A list in aligned columns for a terminal of a given width.
 class ListTable {
  public:
-    ListTable();
-
     void add(const ListRow& row);
 
     /// Captions and rows; cells that do not fit are cut with "…", and a narrow terminal does

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "tags/ByteCursor.h"
+#include "tags/FieldSetters.h"
 #include "tags/Picture.h"
 #include "tags/TagText.h"
 
@@ -25,16 +26,8 @@ struct TextItem {
     void (*set)(ID3tag&, std::string_view);
 };
 
-template <std::string cID3v2ext::*field>
-void setField(ID3tag& record, std::string_view text) {
-    record.ID3v2Ext.*field = text;
-}
-
 constexpr std::array<TextItem, 10> textItems{{
-    {"Track",
-     [](ID3tag& r, std::string_view text) {
-         if (text != "0") r.SetNumber(text);
-     }},
+    {"Track", setTrack},
     {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); }},
     {"Title", [](ID3tag& r, std::string_view text) { r.SetTitleMix(text); }},
     {"Album", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); }},

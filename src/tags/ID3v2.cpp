@@ -8,6 +8,7 @@
 #include "core/TextCase.h"
 #include "platform/Utf8.h"
 #include "tags/ByteCursor.h"
+#include "tags/FieldSetters.h"
 #include "tags/ID3v2Frame.h"
 #include "tags/Picture.h"
 #include "tags/TagText.h"
@@ -44,10 +45,6 @@ void setYear(ID3tag& record, std::string_view text) {
     if (record.ID3v2Ext.RecordingTime.empty()) record.SetYear(text);
 }
 
-void setNumber(ID3tag& record, std::string_view text) {
-    if (text != "0") record.SetNumber(text);
-}
-
 void setDiskNumber(ID3tag& record, std::string_view text) {
     const std::size_t slash = text.find('/');
     record.DiskNumber = leadingNumber(text);
@@ -61,16 +58,11 @@ void setGenre(ID3tag& record, std::string_view text) {
     record.ID3v2Ext.Genre = std::move(genre.text);
 }
 
-template <std::string cID3v2ext::*field>
-void setField(ID3tag& record, std::string_view text) {
-    record.ID3v2Ext.*field = text;
-}
-
 constexpr std::array<TextFrame, 15> textFrames{{
     {"TIT2", "TT2", [](ID3tag& r, std::string_view text) { r.SetTitleMixV2(text); }},
     {"TPE1", "TP1", [](ID3tag& r, std::string_view text) { r.SetArtist(text); }},
     {"TALB", "TAL", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); }},
-    {"TRCK", "TRK", setNumber},
+    {"TRCK", "TRK", setTrack},
     {"TYER", "TYE", setYear},
     {"TDRC", "", setRecordingTime},
     {"TCON", "TCO", setGenre},
