@@ -1,6 +1,7 @@
 #include <array>
 #include <vector>
 
+#include "collection/ChangeJob.h"
 #include "collection/ListJob.h"
 #include "core/ConsoleProgress.h"
 #include "core/ConsoleSink.h"
@@ -34,7 +35,9 @@ int main(int argc, char** argv) {
                              isTerminal(Stream::Error) ? terminalColumns(Stream::Error) : 0);
     cancelOnInterrupt(cancel);
     // Without a window to show it in, the list is printed.
-    const std::vector<JobRow> jobs{{RunMode::MainWindow, printList}, {RunMode::Scan, printList}};
+    const std::vector<JobRow> jobs{{RunMode::MainWindow, printList},
+                                   {RunMode::Scan, printList},
+                                   {RunMode::Change, changeTags}};
     StartUp startUp({registry, output, progress, progress, cancel, TAVLO_VERSION}, jobs);
     return startUp.run(programCommandLine(argc, argv));
 }

@@ -2,36 +2,16 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
+#include "collection/JobFiles.h"
 #include "collection/ListJson.h"
 #include "collection/ListTable.h"
-#include "collection/cFilesCollection.h"
-#include "core/WildcardMask.h"
-#include "platform/FileSystem.h"
 #include "tags/AudioFile.h"
 
 namespace tavlo {
 
 namespace {
 constexpr std::size_t outputBlock = 1U << 16U;  // bytes written at once
-
-// What was asked for; without it a window shows what the settings name, a job works where it was
-// started.
-std::vector<std::string> wantedPaths(const Services& services) {
-    const JobOptions& options = services.options;
-    if (options.paths.size() > 1) return options.paths;
-    if (options.folder) return {*options.folder};
-    if (options.mode == RunMode::MainWindow) {
-        const Settings& settings = services.settings;
-        const bool hasStartup = settings.flag(Setting::StartupFolderEn);
-        for (const Setting kept : {Setting::StartupFolder, Setting::CurrentFolder}) {
-            const bool asked = kept != Setting::StartupFolder || hasStartup;
-            if (asked && folderExists(settings.text(kept))) return {settings.text(kept)};
-        }
-    }
-    return {options.startFolder};
-}
 
 class ListPrinter {
  public:
@@ -103,57 +83,6 @@ class ListPrinter {
     std::uint64_t files_ = 0, bytes_ = 0, seconds_ = 0;
 };
 
-// Adds a folder's files, a playlist's, or the one file that the path names; false when it cannot be
-// read.
-bool gatherPath(Services& services, const std::string& path, cFilesCollection& files) {
-    const auto info = fileInfo(path);
-    if (!info) {
-        services.errors.report(Text::FolderNotFound, path);
-        return false;
-    }
-    if (info->isFolder && !isReadableFolder(path)) {
-        services.errors.report(Text::FolderNotRead, path);
-        return false;
-    }
-    if (info->isFolder) {
-        return files.FillFromFolder(path, FileType::Audio, services.options.subfolders, false,
-                                    false);
-    }
-    const FileTypes type = GetFileType(path);
-    if (type == FileType::M3u) {
-        return files.FillFromPlaylist(path, FileType::Audio, CodePage(services.ansiCodePage));
-    }
-    if ((type & FileType::Audio) != 0) {
-        files.AddFile(path);
-    } else {
-        services.errors.report(Text::NoAudioFile, path);
-    }
-    return true;
-}
-
-// False when none of the paths that were asked for exists.
-bool gather(Services& services, cFilesCollection& files) {
-    bool found = false;
-    const std::vector<std::string> paths = wantedPaths(services);
-    for (const std::string& path : paths) {
-        found = gatherPath(services, absolutePath(path), files) || found;
-    }
-    const std::string first = absolutePath(paths.front());
-    if (paths.size() > 1) {
-        files.CheckBaseFolder();
-    } else {
-        files.BaseFolder =
-            folderExists(first) ? first : std::string(folderOf(first, nativePathStyle()));
-    }
-    const WildcardMask mask(services.options.mask);
-    if (!mask.takesAll()) {
-        files.keepIf([&](std::string_view path) {
-            return mask.matches(fileNameOf(path, nativePathStyle()));
-        });
-    }
-    return found;
-}
-
 // A type that is not read gives an empty record without being opened.
 bool isUnreadable(const ID3tag& record) {
     return record.FileType != FileType::None && !record.OK;
@@ -180,7 +109,7 @@ bool printAll(Services& services, const cFilesCollection& files, ListPrinter& pr
 
 int listFiles(Services& services, ListForm form, std::size_t terminalColumns) {
     cFilesCollection files(services.progress, services.cancel);
-    if (!gather(services, files)) return unusableCommandLine;
+    if (!gatherJobFiles(services, {}, files)) return unusableCommandLine;
     // What a cancelled scan gathered is still printed; the next cancel ends that as well.
     const bool wasCancelled = services.cancel.exchange(false);
     ListPrinter printer(services, form);

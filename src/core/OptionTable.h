@@ -141,6 +141,7 @@ inline constexpr auto optionTable = std::to_array<OptionRow>({
     {{"/lng"}, TakeSpecial::Language, Text::GroupProgram, Text::HelpLanguage},
     {{"/scan"}, SetMode{RunMode::Scan}, Text::GroupJobs, Text::HelpScan},
     {{"/json"}, SetMark{&JobOptions::json}, Text::GroupFiles, Text::HelpJson},
+    {{"/dryrun"}, SetMark{&JobOptions::dryRun}, Text::GroupFiles, Text::HelpDryRun},
     {{"/version"}, SetMode{RunMode::Version}, Text::GroupProgram, Text::HelpVersion},
 });
 

@@ -42,6 +42,7 @@ struct JobOptions {
     bool subfolders = false;
     bool agent = false;
     bool json = false;
+    bool dryRun = false;
 
     std::optional<bool> showExec;
     std::optional<PriorityClass> priority;

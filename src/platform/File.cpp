@@ -7,39 +7,39 @@ namespace tavlo {
 bool File::open(const std::string& path, Access access) {
     close();
     access_ = access;
-    return openHandle(path, access);
+    handle_ = calls_.open(path, access, status_);
+    return isOpen();
 }
 
 void File::openMemory(Bytes bytes) {
     close();
-    size_ = bytes.size();
+    status_.size = bytes.size();
     head_ = {0, bytes};
 }
 
 void File::close() {
-    if (isOpen()) closeHandle();
-    handle_ = noHandle;
-    size_ = 0;
-    readOnly_ = false;
-    head_ = tail_ = middle_ = {};
+    if (isOpen()) calls_.close(handle_);
+    handle_ = noFile;
+    status_ = {};
+    dropWindows();
 }
 
-void File::load(Window& window, std::uint8_t* buffer, std::uint64_t offset,
-                std::size_t count) const {
-    window = {offset, Bytes(buffer, readHandle(offset, buffer, count))};
+void File::load(Window& window, std::uint8_t* buffer, std::uint64_t offset, std::size_t count) {
+    window = {offset, Bytes(buffer, calls_.read(handle_, offset, buffer, count))};
 }
 
 Bytes File::view(std::uint64_t offset, std::size_t count) {
-    if (offset >= size_) return {};
-    count = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - offset));
+    if (offset >= status_.size) return {};
+    count = static_cast<std::size_t>(std::min<std::uint64_t>(count, status_.size - offset));
     const bool inHead = offset + count <= headSize;
     if (inHead && head_.bytes.empty() && isOpen()) {
         load(head_, headBuffer_.data(), 0,
-             static_cast<std::size_t>(std::min<std::uint64_t>(size_, headSize)));
+             static_cast<std::size_t>(std::min<std::uint64_t>(status_.size, headSize)));
     }
-    const bool inTail = !inHead && offset + tailSize >= size_;
+    const bool inTail = !inHead && offset + tailSize >= status_.size;
     if (inTail && tail_.bytes.empty() && isOpen()) {
-        load(tail_, tailBuffer_.data(), size_ - std::min<std::uint64_t>(size_, tailSize), tailSize);
+        load(tail_, tailBuffer_.data(),
+             status_.size - std::min<std::uint64_t>(status_.size, tailSize), tailSize);
     }
     for (const Window* window : {&head_, &tail_, &middle_}) {
         if (window->covers(offset, count)) {
@@ -48,7 +48,7 @@ Bytes File::view(std::uint64_t offset, std::size_t count) {
     }
     if (!isOpen()) return {};
     const auto most = static_cast<std::size_t>(
-        std::min<std::uint64_t>(std::max(count, windowSize), size_ - offset));
+        std::min<std::uint64_t>(std::max(count, windowSize), status_.size - offset));
     if (middleRoom_ < most) {
         middleBuffer_ = std::make_unique_for_overwrite<std::uint8_t[]>(most);
         middleRoom_ = most;
@@ -57,10 +57,18 @@ Bytes File::view(std::uint64_t offset, std::size_t count) {
     return middle_.bytes.first(std::min(count, middle_.bytes.size()));
 }
 
+bool File::write(std::uint64_t offset, Bytes bytes) {
+    if (!isWritable()) return false;
+    const std::size_t done = calls_.write(handle_, offset, bytes);
+    status_.size = std::max(status_.size, offset + done);
+    dropWindows();
+    return done == bytes.size();
+}
+
 bool File::truncate(std::uint64_t size) {
-    if (!isWritable() || !truncateHandle(size)) return false;
-    size_ = size;
-    head_ = tail_ = middle_ = {};
+    if (!isWritable() || !calls_.truncate(handle_, size)) return false;
+    status_.size = size;
+    dropWindows();
     return true;
 }
 

@@ -5,15 +5,11 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 
+#include "platform/FileCalls.h"
+
 namespace tavlo {
-
-/// Bytes of a file, valid until the next view of the same file.
-using Bytes = std::span<const std::uint8_t>;
-
-enum class Access { Read, ReadWrite };
 
 /// An open file, read through windows: one read covers its head, one its tail, and only what lies
 /// between them costs more. A file may also be bytes in memory.
@@ -27,7 +23,7 @@ class File {
     /// calling: most of a list's time goes into bytes that come out of the page cache.
     static constexpr std::size_t windowSize = 1024;
 
-    File() = default;
+    explicit File(FileCalls& calls = systemCalls()) : calls_(calls) {}
     File(const File&) = delete;
     File& operator=(const File&) = delete;
     ~File() { close(); }
@@ -38,15 +34,22 @@ class File {
     void openMemory(Bytes bytes);
     void close();
 
-    [[nodiscard]] std::uint64_t size() const { return size_; }
+    [[nodiscard]] std::uint64_t size() const { return status_.size; }
     /// Whether the file's attributes (elsewhere: its owner's rights) forbid writing.
-    [[nodiscard]] bool isReadOnly() const { return readOnly_; }
+    [[nodiscard]] bool isReadOnly() const { return status_.isReadOnly; }
+    /// The time of the last change before the file was opened.
+    [[nodiscard]] std::int64_t modified() const { return status_.modified; }
     [[nodiscard]] bool isWritable() const { return access_ == Access::ReadWrite && isOpen(); }
+    [[nodiscard]] FileHandle handle() const { return handle_; }
+    [[nodiscard]] FileCalls& calls() const { return calls_; }
 
-    /// The bytes from `offset`, fewer than `count` only where the file ends or cannot be read.
+    /// The bytes from `offset`, fewer than `count` only where the file ends or cannot be read. They
+    /// hold until the next view of this file or change to it.
     Bytes view(std::uint64_t offset, std::size_t count);
 
-    /// Cuts the file; false (and no change) on a handle opened for reading.
+    /// Writes all the bytes or tells that it failed; a part of them may then be written. Beyond the
+    /// end the file grows. Both change nothing on a handle opened for reading.
+    bool write(std::uint64_t offset, Bytes bytes);
     bool truncate(std::uint64_t size);
 
  private:
@@ -59,20 +62,14 @@ class File {
         }
     };
 
-    // The system's part: one call each.
-    bool openHandle(const std::string& path, Access access);
-    void closeHandle() const;
-    std::size_t readHandle(std::uint64_t offset, std::uint8_t* to, std::size_t count) const;
-    bool truncateHandle(std::uint64_t size) const;
+    [[nodiscard]] bool isOpen() const { return handle_ != noFile; }
+    void load(Window& window, std::uint8_t* buffer, std::uint64_t offset, std::size_t count);
+    void dropWindows() { head_ = tail_ = middle_ = {}; }
 
-    [[nodiscard]] bool isOpen() const { return handle_ != noHandle; }
-    void load(Window& window, std::uint8_t* buffer, std::uint64_t offset, std::size_t count) const;
-
-    static constexpr std::intptr_t noHandle = -1;
-    std::intptr_t handle_ = noHandle;
+    FileCalls& calls_;
+    FileHandle handle_ = noFile;
     Access access_ = Access::Read;
-    std::uint64_t size_ = 0;
-    bool readOnly_ = false;
+    FileStatus status_;
     Window head_, tail_, middle_;
     std::unique_ptr<std::uint8_t[]> middleBuffer_;  // not a vector: bytes to be read need no zeroes
     std::size_t middleRoom_ = 0;

@@ -47,6 +47,9 @@ std::optional<FolderId> folderId(const std::string& path);
 /// The path with every link resolved; empty when there is none.
 std::string canonicalPath(const std::string& path);
 
+/// Where a link leads to; any other path as it is.
+std::string withoutLinks(const std::string& path);
+
 /// The path from the root, without "." steps; links and ".." stay as they are where they matter.
 std::string absolutePath(const std::string& path);
 

@@ -96,6 +96,12 @@ std::string canonicalPath(const std::string& path) {
     return resolved ? std::string(resolved.get()) : std::string();
 }
 
+std::string withoutLinks(const std::string& path) {
+    struct stat status {};
+    const bool isLink = ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    return isLink ? canonicalPath(path) : path;
+}
+
 std::string absolutePath(const std::string& path) {
     std::string_view rest = path;
     std::string absolute = path.starts_with('/') ? std::string() : currentFolder();

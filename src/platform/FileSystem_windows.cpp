@@ -113,6 +113,11 @@ std::string canonicalPath(const std::string& path) {
     return narrow(text);
 }
 
+std::string withoutLinks(const std::string& path) {
+    const Search search(widePath(path));
+    return search.isOpen() && isLink(search.found()) ? canonicalPath(path) : path;
+}
+
 std::string absolutePath(const std::string& path) {
     const std::wstring wide = widePath(path);
     std::wstring text(::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');

@@ -3,41 +3,20 @@
 #include <algorithm>
 #include <array>
 
+#include "tags/APEv2Items.h"
 #include "tags/ByteCursor.h"
-#include "tags/FieldSetters.h"
+#include "tags/Lyrics3.h"
 #include "tags/Picture.h"
 #include "tags/TagText.h"
 
 namespace tavlo {
 
 namespace {
-constexpr std::string_view tagMark = "APETAGEX";
-constexpr std::size_t footerSize = 32;
+using namespace ape;
+
 constexpr std::size_t searchSpan = 256;
-constexpr std::uint32_t version1 = 1000, version2 = 2000;
-constexpr std::uint32_t hasHeader = 0x80000000, isHeader = 0x20000000;
-constexpr std::size_t itemHeadSize = 8, longestKey = 255;
 constexpr std::uint32_t largestText = 1U << 20U;
 constexpr std::uint32_t pictureHeadSize = 512;  // its file name
-constexpr std::string_view pictureKey = "Cover Art (front)";
-
-struct TextItem {
-    std::string_view key;
-    void (*set)(ID3tag&, std::string_view);
-};
-
-constexpr std::array<TextItem, 10> textItems{{
-    {"Track", setTrack},
-    {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); }},
-    {"Title", [](ID3tag& r, std::string_view text) { r.SetTitleMix(text); }},
-    {"Album", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); }},
-    {"Year", [](ID3tag& r, std::string_view text) { r.SetYear(text); }},
-    {"Genre", [](ID3tag& r, std::string_view text) { r.SetGenre(text); }},
-    {"Comment", [](ID3tag& r, std::string_view text) { r.SetComment(text); }},
-    {"Composer", setField<&cID3v2ext::Composer>},
-    {"Copyright", setField<&cID3v2ext::CopyRight>},
-    {"Encoded by", setField<&cID3v2ext::EncodedBy>},
-}};
 
 struct Footer {
     std::uint32_t version = 0;
@@ -66,12 +45,7 @@ struct Tag {
     std::uint64_t items = 0, itemsEnd = 0;
 };
 
-std::optional<Tag> locate(File& file) {
-    const std::uint64_t from = file.size() - std::min<std::uint64_t>(file.size(), searchSpan);
-    const std::string_view end = textOf(file.view(from, searchSpan));
-    if (end.find(tagMark) == std::string_view::npos) return std::nullopt;  // quicker than rfind
-    const std::size_t at = end.rfind(tagMark);
-    const std::uint64_t place = from + at;
+std::optional<Tag> tagAt(File& file, std::uint64_t place) {
     const auto footer = parseFooter(file.view(place, footerSize));
     if (!footer || (footer->flags & isHeader) != 0) return std::nullopt;
     if (footer->size - footerSize > place) return std::nullopt;
@@ -83,6 +57,16 @@ std::optional<Tag> locate(File& file) {
         if (textOf(file.view(tag.begin, tagMark.size())) != tagMark) return std::nullopt;
     }
     return tag;
+}
+
+// At the file's end; a Lyrics3 block, if there is one, may stand behind the tag.
+std::optional<Tag> locate(File& file, std::optional<std::uint64_t> lyricsBegin) {
+    const std::uint64_t from = file.size() - std::min<std::uint64_t>(file.size(), searchSpan);
+    const std::string_view end = textOf(file.view(from, searchSpan));
+    // Searching forwards is quicker where there is none.
+    if (end.find(tagMark) != std::string_view::npos) return tagAt(file, from + end.rfind(tagMark));
+    if (!lyricsBegin || *lyricsBegin < footerSize) return std::nullopt;
+    return tagAt(file, *lyricsBegin - footerSize);
 }
 
 class ItemWalk {
@@ -98,10 +82,11 @@ class ItemWalk {
         std::uint64_t at = tag_.items;
         for (std::uint32_t i = 0; i < tag_.footer.count; ++i) {
             const auto item = itemAt(at);
-            if (!item) return;
+            if (!item) break;
             if (!interpret(*item)) keep(at, *item);
             at = item->value + item->size;
         }
+        keepRest(at);
     }
 
  private:
@@ -129,15 +114,27 @@ class ItemWalk {
 
     bool interpret(const Item& item) {
         if (item.key == pictureKey) return readPicture(item);
-        const auto* row = std::find_if(textItems.begin(), textItems.end(),
-                                       [&](const TextItem& text) { return text.key == item.key; });
-        if (row == textItems.end() || item.size > largestText) return false;
-        const std::string_view bytes = textOf(file_.view(item.value, item.size));
-        const std::string text =
-            joinValues(tag_.footer.version == version1 ? context_.ansi.toUtf8(bytes)
-                                                       : utf8OrAnsi(bytes, context_.ansi));
-        if (!trimBlanks(text).empty()) row->set(record_, trimBlanks(text));
+        const FieldItem* row = findFieldItem(item.key);
+        if (row == nullptr || item.size > largestText) return false;
+        const std::string whole = decoded(textOf(file_.view(item.value, item.size)));
+        const std::string text = joinValues(whole);
+        if (trimBlanks(text).empty()) return true;
+        row->set(record_, trimBlanks(text));
+        if (context_.depth == ReadDepth::Full) keepWording(*row, whole);
         return true;
+    }
+
+    [[nodiscard]] std::string decoded(std::string_view bytes) const {
+        return tag_.footer.version == version1 ? context_.ansi.toUtf8(bytes)
+                                               : utf8OrAnsi(bytes, context_.ansi);
+    }
+
+    // Notes the text where it says more than the field that was made of it.
+    void keepWording(const FieldItem& row, const std::string& whole) {
+        const std::string field = row.get(record_);
+        if (field == whole) return;
+        const auto place = static_cast<std::size_t>(&row - fieldItems().data());
+        record_.ItemWordings.push_back({place, field, whole, false});
     }
 
     bool readPicture(const Item& item) {
@@ -162,7 +159,20 @@ class ItemWalk {
     void keep(std::uint64_t at, const Item& item) {
         if (context_.depth != ReadDepth::Full) return;
         const std::uint64_t length = item.value + item.size - at;
-        record_.UnknownItems += textOf(file_.view(at, static_cast<std::size_t>(length)));
+        const std::string_view raw = textOf(file_.view(at, static_cast<std::size_t>(length)));
+        if (tag_.footer.version == version1) {
+            const std::string value = decoded(raw.substr(raw.size() - item.size));
+            appendItem(record_.UnknownItems, {0, item.key, value});
+        } else {
+            record_.UnknownItems += raw;
+        }
+    }
+
+    // What stands behind the last item that could be read.
+    void keepRest(std::uint64_t at) {
+        if (context_.depth != ReadDepth::Full || at >= tag_.itemsEnd) return;
+        const auto rest = file_.view(at, static_cast<std::size_t>(tag_.itemsEnd - at));
+        appendItem(record_.UnknownItems, {binaryItem, "Unread items", textOf(rest)});
     }
 
     File& file_;
@@ -172,12 +182,12 @@ class ItemWalk {
 };
 }  // namespace
 
-std::optional<std::uint64_t> ReadAPETag(File& file, ID3tag& record, const ReadContext& context) {
-    const auto tag = locate(file);
+std::optional<TagSpan> ReadAPETag(File& file, ID3tag& record, const ReadContext& context) {
+    const auto tag = locate(file, lyricsBegin(file, record));
     if (!tag) return std::nullopt;
     record.IsAPE2Present = true;
     ItemWalk(file, *tag, record, context).run();
-    return tag->begin;
+    return TagSpan{tag->begin, tag->itemsEnd + footerSize};
 }
 
 }  // namespace tavlo

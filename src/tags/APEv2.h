@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "platform/File.h"
 #include "tags/ID3tag.h"
@@ -9,9 +10,13 @@
 
 namespace tavlo {
 
-/// Reads the APEv2 (or APEv1) tag whose footer lies in the file's last 256 bytes into the record.
-/// Returns the offset of the tag's first byte, nothing where there is no tag. With
-/// `ReadDepth::List` the picture is noted without its bytes and unknown items are passed over.
-std::optional<std::uint64_t> ReadAPETag(File& file, ID3tag& record, const ReadContext& context);
+/// Reads the APEv2 (or APEv1) tag whose footer lies in the file's last 256 bytes, or in front of
+/// the Lyrics3 block that the record already knows of, into the record. Says where the tag lies;
+/// nothing where there is none. With `ReadDepth::List` the picture is noted without its bytes and
+/// unknown items are passed over.
+std::optional<TagSpan> ReadAPETag(File& file, ID3tag& record, const ReadContext& context);
+
+/// The whole tag for the record's fields, header to footer; empty when it would have no items.
+std::string encodeAPETag(const ID3tag& record);
 
 }  // namespace tavlo

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "tags/APEv2.h"
+#include "tags/FieldEdits.h"
 #include "tags/ID3v1.h"
 #include "tags/ID3v2.h"
 #include "tags/Lyrics3.h"
@@ -12,15 +13,21 @@
 namespace tavlo {
 
 // A field that stands in several tags gets the last reader's value.
+TagLayout readTags(File& file, ID3tag& record, const ReadContext& context) {
+    TagLayout layout;
+    layout.id3v1 = ReadID3v1Tag(file, record, context);
+    layout.lyrics = ReadLyrics3Block(file, record, context);
+    layout.ape = ReadAPETag(file, record, context);
+    layout.id3v2 = ReadID3v2Tag(file, record, context);
+    return layout;
+}
+
 void readMp3(File& file, ID3tag& record, const ReadContext& context) {
+    const TagLayout layout = readTags(file, record, context);
     std::uint64_t audioEnd = file.size();
-    const auto endBefore = [&](std::optional<std::uint64_t> tag) {
-        if (tag) audioEnd = std::min(audioEnd, *tag);
-    };
-    endBefore(ReadID3v1Tag(file, record, context));
-    endBefore(ReadLyrics3Block(file, record, context));
-    endBefore(ReadAPETag(file, record, context));
-    ReadID3v2Tag(file, record, context);
+    for (const auto& tag : {layout.id3v1, layout.lyrics, layout.ape}) {
+        if (tag) audioEnd = std::min(audioEnd, tag->begin);
+    }
     readMpegStream(file, record, audioEnd);
 }
 
@@ -37,7 +44,12 @@ ID3tag ReadAudioFile(const std::string& path, const ReadContext& context) {
     record.ReadOnly = file.isReadOnly();
     record.AllowEdits = !record.ReadOnly && HasEditableTags(path);
     record.Lossless = (type & FileType::Lossless) != 0;
-    if (type == FileType::Mp3) readMp3(file, record, context);
+    if (type == FileType::Mp3) {
+        readMp3(file, record, context);
+    } else if ((type & FileType::Ape2Only) != 0) {
+        readTags(file, record, context);
+    }
+    markAsRead(record);
     return record;
 }
 
@@ -48,6 +60,7 @@ bool LoadDetails(ID3tag& record, const CodePage& ansi) {
     record.AlbumArtType = full.AlbumArtType;
     record.ID3v2Ext.UnknownFrames = std::move(full.ID3v2Ext.UnknownFrames);
     record.UnknownItems = std::move(full.UnknownItems);
+    markAsRead(record);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/File.h"
@@ -15,6 +16,14 @@ ID3tag ReadAudioFile(const std::string& path, const ReadContext& context);
 /// Loads what a list read passed over: the picture's bytes, unknown frames and items. Edited
 /// fields stay. False when the file cannot be read any more.
 bool LoadDetails(ID3tag& record, const CodePage& ansi);
+
+/// Where the tags of a file lie.
+struct TagLayout {
+    std::optional<TagSpan> id3v1, lyrics, ape, id3v2;
+};
+
+/// Reads every tag of an open file into the record, from the weakest to the strongest.
+TagLayout readTags(File& file, ID3tag& record, const ReadContext& context);
 
 /// The MP3 reader on an open file: tags from the weakest to the strongest, then the stream.
 void readMp3(File& file, ID3tag& record, const ReadContext& context);

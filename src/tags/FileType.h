@@ -29,6 +29,8 @@ inline constexpr FileTypes Bmp = 0x8000;
 
 /// Kinds whose tags can be edited.
 inline constexpr FileTypes Tagged = Mp3 | Ogg | Mpc | Wma | Mp4 | Flac | Wv | Ape;
+/// Kinds that keep an APEv2 tag and no other.
+inline constexpr FileTypes Ape2Only = Mpc | Wv | Ape;
 /// Kinds without loss.
 inline constexpr FileTypes Lossless = Flac | Wv | Ape;
 /// Everything that can be listened to.

@@ -164,17 +164,22 @@ void ID3tag::SetTitleMix(std::string_view text) {
 }
 
 void ID3tag::UpdateBasicFields(const BasicFields& fields) {
+    ClearReadOnlyFlag();
+    SetBasicFields(fields);
+}
+
+void ID3tag::SetBasicFields(const BasicFields& fields) {
     struct Row {
         std::string_view text;
         void (ID3tag::*set)(std::string_view);
     };
-    const std::array<Row, 6> basic{{{fields.artist, &ID3tag::SetArtist},
+    const std::array<Row, 7> basic{{{fields.artist, &ID3tag::SetArtist},
                                     {fields.album, &ID3tag::SetAlbum},
                                     {fields.year, &ID3tag::SetYear},
                                     {fields.title, &ID3tag::SetTitle},
                                     {fields.mix, &ID3tag::SetMix},
-                                    {fields.genre, &ID3tag::SetGenre}}};
-    ClearReadOnlyFlag();
+                                    {fields.genre, &ID3tag::SetGenre},
+                                    {fields.number, &ID3tag::SetNumber}}};
     for (const Row& row : basic) {
         if (!row.text.empty()) (this->*row.set)(row.text);
     }
@@ -212,18 +217,29 @@ void ID3tag::FillFromID3(const ID3tag& other) {
     fillFormatItems();
 }
 
-// Formats whose only tag is APEv2 keep the counts as items of their own.
 void ID3tag::fillFormatItems() {
-    cFormatExt* ext = IsMPCFile()   ? &MPCExt
-                      : IsWVFile()  ? &WavPackExt
-                      : IsAPEFile() ? &MonkeyExt
-                                    : nullptr;
-    if (ext == nullptr) return;
-    ext->Items.clear();
+    cFormatExt ID3tag::*const own = formatItems(FileType);
+    if (own == nullptr) return;
+    auto& items = (this->*own).Items;
+    items.clear();
     const std::array<std::pair<std::string_view, int>, 3> counts{
         {{"TracksCount", TracksCount}, {"DiskNumber", DiskNumber}, {"DisksCount", DisksCount}}};
     for (const auto& [name, number] : counts) {
-        if (number > 0) ext->Items.emplace_back(name, std::to_string(number));
+        if (number > 0) items.emplace_back(name, std::to_string(number));
+    }
+}
+
+// Formats whose only tag is APEv2 keep the counts as items of their own.
+cFormatExt ID3tag::*formatItems(FileTypes type) {
+    switch (type) {
+        case FileType::Mpc:
+            return &ID3tag::MPCExt;
+        case FileType::Wv:
+            return &ID3tag::WavPackExt;
+        case FileType::Ape:
+            return &ID3tag::MonkeyExt;
+        default:
+            return nullptr;
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,6 +12,15 @@
 #include "tags/Genre.h"
 
 namespace tavlo {
+
+/// What a tag says where that is more than the field that was made of it: several values, outer
+/// blanks, "(17)" for a genre. A writer puts it back as long as the field stays the same.
+struct TagWording {
+    std::size_t row = 0;  ///< of `fieldFrames` or `fieldItems`
+    std::string field;    ///< the field's text when it was read
+    std::string text;     ///< the frame's or item's text
+    bool isBody = false;  ///< `text` is the frame's whole body, which holds bytes that are no text
+};
 
 /// Long-form text fields and header data of an ID3v2 tag (ID3v2.3.0 and 2.4.0).
 struct cID3v2ext {
@@ -25,6 +36,12 @@ struct cID3v2ext {
     std::string CopyRight, EncodedBy, URL, TrackNumber, Genre, Mix, EncoderInfo;
     std::string RecordingTime;  ///< the whole TDRC text where it says more than the year
     std::string UnknownFrames;  ///< raw frames, header and body, in file order
+
+    bool bDamaged = false;             ///< not all of the tag could be taken apart
+    std::string UnreadRest;            ///< bytes behind the last whole frame that are no padding
+    std::string CommentLanguage;       ///< ISO 639-2
+    std::string URLDescription;        ///< of WXXX
+    std::vector<TagWording> Wordings;  ///< these four only where the whole tag was read
 };
 
 /// Fields of a Lyrics3 v2.00 block.
@@ -49,8 +66,23 @@ struct cAlbumArt {
 
 /// What a batch change sets; an empty text leaves its field as it is.
 struct BasicFields {
-    std::string_view artist, album, year, title, mix, genre, composer, copyright, url;
+    std::string_view artist, album, year, title, mix, genre, composer, copyright, url, number;
 };
+
+/// Why a writer left a file, or a part of it, as it was.
+enum class Refusal : std::uint8_t {
+    None,
+    NoWriter,    ///< tags of this format are not written
+    NotOpened,   ///< the file could not be opened for writing
+    NoID3v2Tag,  ///< there is none, and the settings do not let one be made
+    NoID3v1Tag,  ///< the same of the ID3v1 block; the other tags were written
+    Damaged,     ///< the tag could not be taken apart, so it cannot be put together again
+    TooLarge,    ///< for an ID3v2 tag's 28-bit size
+    NotCreated,  ///< the temporary file beside it
+    NotWritten   ///< the disk took no more; the file is as it was
+};
+
+inline constexpr std::size_t editableFieldCount = 20;
 
 /// Everything the program keeps of one audio file. Text is UTF-8; getters give the long form
 /// and, where that is empty, the short field, both without outer blanks.
@@ -59,6 +91,7 @@ class ID3tag {
     std::string Path;
     FileTypes FileType = FileType::None;
     bool OK = false;  ///< the file was opened, and no writer has refused it
+    Refusal Refused = Refusal::None;
     bool ReadOnly = false;
     bool AllowEdits = true;
 
@@ -90,7 +123,11 @@ class ID3tag {
     cID3v2ext ID3v2Ext;
     cLyricsExt LyricsExt;
     cFormatExt WMAExt, OGGExt, MPCExt, MP4Ext, FLACExt, WavPackExt, MonkeyExt;
-    std::string UnknownItems;  ///< raw APEv2 items that the program does not interpret
+    std::string UnknownItems;              ///< raw APEv2 items that the program does not interpret
+    std::vector<TagWording> ItemWordings;  ///< of APEv2 items, where the whole tag was read
+
+    /// Fingerprints of the fields when they were read, so that a writer knows which were edited.
+    std::array<std::uint32_t, editableFieldCount> MarksAsRead{};
 
     [[nodiscard]] bool IsMP3File() const { return FileType == FileType::Mp3; }
     [[nodiscard]] bool IsMP4File() const { return FileType == FileType::Mp4; }
@@ -138,6 +175,11 @@ class ID3tag {
     void SetTitleMixV1(std::string_view text);  ///< knows round brackets only
     void SetTitleMixV2(std::string_view text);  ///< knows both kinds
 
+    /// Takes a mix that stands in the title out of it, as it will be when the tag is read again.
+    void SplitTitle() { SetTitleMixV2(GetTitleMixV2()); }
+
+    /// Sets the fields that are given.
+    void SetBasicFields(const BasicFields& fields);
     /// Makes the file writable and sets the fields that are given.
     void UpdateBasicFields(const BasicFields& fields);
     /// Makes the file writable; nothing happens without a path. False when it could not be done.
@@ -152,5 +194,9 @@ class ID3tag {
 
     bool squareBrackets_ = false;
 };
+
+/// Where a record keeps the items that a format has beyond the common fields; null where it has
+/// none.
+cFormatExt ID3tag::*formatItems(FileTypes type);
 
 }  // namespace tavlo

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/Utf8.h"
 #include "tags/ByteCursor.h"
 #include "tags/TagText.h"
 
@@ -12,6 +13,7 @@ constexpr std::string_view blockMark = "TAG";
 constexpr std::uint64_t blockSize = 128;
 constexpr std::size_t displacedSpan = 160;  // the file's end in which a block may begin
 constexpr std::uint64_t leastBehindMark = 120;
+constexpr std::size_t apeFooterSize = 32;  // an item in front of it may say "TAG" as well
 constexpr std::size_t textSize = 30, yearSize = 4, commentSize = 30, shortCommentSize = 28;
 
 std::string_view fileEnd(File& file, std::size_t count) {
@@ -22,7 +24,9 @@ std::string_view fileEnd(File& file, std::size_t count) {
 // Where the block begins.
 std::optional<std::uint64_t> locate(File& file) {
     if (file.size() < blockSize) return std::nullopt;
-    if (fileEnd(file, blockSize).starts_with(blockMark)) return file.size() - blockSize;
+    const std::string_view last = fileEnd(file, blockSize);
+    const bool isFooter = last.substr(blockSize - apeFooterSize).starts_with("APETAGEX");
+    if (last.starts_with(blockMark) && !isFooter) return file.size() - blockSize;
     const std::string_view end = fileEnd(file, displacedSpan);
     if (end.find("APETAG") != std::string_view::npos) return std::nullopt;
     const std::size_t at = end.find(blockMark);
@@ -53,9 +57,33 @@ void readFields(Bytes block, ID3tag& record, const CodePage& ansi) {
     readComment(*cursor.take(commentSize), record, ansi);
     record.SetGenreID(cursor.u8().value_or(noGenre));
 }
+
+// As many characters from the front as have room in `width` bytes.
+std::string wholeCharacters(std::string_view text, std::size_t width, const CodePage& ansi) {
+    std::string bytes;
+    while (!text.empty()) {
+        const std::size_t length = firstCodePoint(text).length;
+        const std::string next = ansi.fromUtf8(text.substr(0, length)).bytes;
+        if (bytes.size() + next.size() > width) break;
+        bytes += next;
+        text.remove_prefix(length);
+    }
+    return bytes;
+}
+
+// Whether a field that is there may stay: it holds bytes that were no text, or the title with the
+// mix that the record keeps apart.
+bool saysTheSame(std::string_view field, std::string_view text, std::string_view longer,
+                 const CodePage& ansi) {
+    if (field.empty()) return false;
+    const std::string said = fixedWidthText(bytesOfText(field), ansi);
+    if (hasUndecoded(said)) return said == trimBlanks(text);
+    return !said.empty() && !longer.empty() && longer != text &&
+           FixedWidthText(longer, field.size(), ansi) == FixedWidthText(said, field.size(), ansi);
+}
 }  // namespace
 
-std::optional<std::uint64_t> ReadID3v1Tag(File& file, ID3tag& record, const ReadContext& context) {
+std::optional<TagSpan> ReadID3v1Tag(File& file, ID3tag& record, const ReadContext& context) {
     const auto block = locate(file);
     if (!block) return std::nullopt;
     // A displaced block may lack its last bytes: genre and track number then count as none.
@@ -66,7 +94,36 @@ std::optional<std::uint64_t> ReadID3v1Tag(File& file, ID3tag& record, const Read
     std::copy(found.begin(), found.end(), fields.begin());
     record.IsID3v1Present = true;
     readFields(fields, record, context.ansi);
-    file.truncate(std::min(file.size(), *block + blockSize));
+    return TagSpan{*block, std::min(file.size(), *block + blockSize)};
+}
+
+std::string FixedWidthText(std::string_view text, std::size_t width, const CodePage& ansi) {
+    text = trimBlanks(text);
+    std::string bytes = ansi.fromUtf8(text).bytes;
+    if (bytes.size() > width) bytes = wholeCharacters(text, width, ansi);
+    bytes.resize(width, '\0');
+    return bytes;
+}
+
+std::string encodeID3v1Block(const ID3tag& record, std::string_view old, const CodePage& ansi) {
+    std::string block(blockMark);
+    const auto add = [&](std::string_view text, std::size_t width, std::string_view longer = {}) {
+        const std::string_view before =
+            old.size() == blockSize ? old.substr(block.size(), width) : std::string_view();
+        if (saysTheSame(before, text, longer, ansi)) {
+            block += before;
+        } else {
+            block += FixedWidthText(text, width, ansi);
+        }
+    };
+    add(record.Title, textSize, record.GetTitleMixV2());
+    add(record.Artist, textSize);
+    add(record.Album, textSize);
+    add(record.Year, yearSize);
+    add(record.Comment, shortCommentSize);
+    block += '\0';
+    block += static_cast<char>(record.TrackNumber & 0xFFU);
+    block += static_cast<char>(record.Genre);
     return block;
 }
 

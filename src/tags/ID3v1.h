@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "platform/File.h"
 #include "tags/ID3tag.h"
@@ -10,8 +12,15 @@
 namespace tavlo {
 
 /// Finds the ID3v1 block at the file's end, or up to 32 bytes in front of it, and reads it into
-/// the record (ID3v1 and ID3v1.1). Returns the block's offset in the file, nothing where there is
-/// none. On a file open for writing, bytes behind the block are cut off.
-std::optional<std::uint64_t> ReadID3v1Tag(File& file, ID3tag& record, const ReadContext& context);
+/// the record (ID3v1 and ID3v1.1). Says where it lies; nothing where there is none.
+std::optional<TagSpan> ReadID3v1Tag(File& file, ID3tag& record, const ReadContext& context);
+
+/// The text in `width` bytes of the code page: without outer blanks, cut between two characters,
+/// filled up with NUL. What the page cannot hold is "?".
+std::string FixedWidthText(std::string_view text, std::size_t width, const CodePage& ansi);
+
+/// The 128 bytes for the record's short fields, in the form of ID3v1.1. `old` is the block that
+/// they replace, empty where there was none.
+std::string encodeID3v1Block(const ID3tag& record, std::string_view old, const CodePage& ansi);
 
 }  // namespace tavlo

@@ -4,11 +4,8 @@
 #include <array>
 #include <bitset>
 
-#include "core/Numbers.h"
-#include "core/TextCase.h"
-#include "platform/Utf8.h"
 #include "tags/ByteCursor.h"
-#include "tags/FieldSetters.h"
+#include "tags/ID3v2Fields.h"
 #include "tags/ID3v2Frame.h"
 #include "tags/Picture.h"
 #include "tags/TagText.h"
@@ -24,75 +21,15 @@ constexpr std::uint32_t largestTextFrame = 1U << 20U;
 constexpr std::uint32_t largestPackedFrame = 16U << 20U;
 constexpr std::size_t largestUnpackedTotal = 32U << 20U;  // of one tag
 constexpr std::uint32_t pictureHeadSize = 1024;  // MIME type and description of a usual picture
-constexpr std::size_t yearDigits = 4;
 
-// --- Text frames ---------------------------------------------------------------------------------
-
-using SetText = void (*)(ID3tag&, std::string_view);
-
-struct TextFrame {
-    std::string_view id;     // versions 3 and 4
-    std::string_view oldId;  // version 2; empty where that version's frame is not interpreted
-    SetText set;
-};
-
-void setRecordingTime(ID3tag& record, std::string_view text) {
-    record.SetYear(utf8Head(text, yearDigits));
-    if (text.size() > yearDigits) record.ID3v2Ext.RecordingTime = text;
-}
-
-void setYear(ID3tag& record, std::string_view text) {
-    if (record.ID3v2Ext.RecordingTime.empty()) record.SetYear(text);
-}
-
-void setDiskNumber(ID3tag& record, std::string_view text) {
-    const std::size_t slash = text.find('/');
-    record.DiskNumber = leadingNumber(text);
-    if (slash != std::string_view::npos) record.DisksCount = leadingNumber(text.substr(slash + 1));
-}
-
-void setGenre(ID3tag& record, std::string_view text) {
-    GenreText genre = parseGenreText(text);
-    if (genre.number == noGenre && genre.text.empty()) return;
-    record.Genre = genre.number;
-    record.ID3v2Ext.Genre = std::move(genre.text);
-}
-
-constexpr std::array<TextFrame, 15> textFrames{{
-    {"TIT2", "TT2", [](ID3tag& r, std::string_view text) { r.SetTitleMixV2(text); }},
-    {"TPE1", "TP1", [](ID3tag& r, std::string_view text) { r.SetArtist(text); }},
-    {"TALB", "TAL", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); }},
-    {"TRCK", "TRK", setTrack},
-    {"TYER", "TYE", setYear},
-    {"TDRC", "", setRecordingTime},
-    {"TCON", "TCO", setGenre},
-    {"TCOM", "TCM", setField<&cID3v2ext::Composer>},
-    {"TOPE", "", setField<&cID3v2ext::OriginalArtist>},
-    {"TCOP", "", setField<&cID3v2ext::CopyRight>},
-    {"TENC", "TEN", setField<&cID3v2ext::EncodedBy>},
-    {"TSSE", "", setField<&cID3v2ext::EncoderInfo>},
-    {"TCMP", "",
-     [](ID3tag& r, std::string_view text) { r.IsPartOfCompilation = leadingNumber(text) != 0; }},
-    {"TPOS", "TPA", setDiskNumber},
-    {"TBPM", "TBP", [](ID3tag& r, std::string_view text) { r.BPM = leadingNumber(text); }},
-}};
-
-const TextFrame* findTextFrame(std::string_view id, int majorVersion) {
-    if (id[0] != 'T' || (id == "TDRC" && majorVersion != 4)) return nullptr;
-    // Some writers of version 3 fill the names of version 2 up.
-    if (majorVersion == 3 && (id[3] == '\0' || id[3] == ' ')) {
-        return findTextFrame(id.substr(0, 3), 2);
-    }
-    const auto* row = std::find_if(textFrames.begin(), textFrames.end(), [&](const TextFrame& f) {
-        return (majorVersion == 2 ? f.oldId : f.id) == id;
-    });
-    return row == textFrames.end() ? nullptr : row;
+std::string withoutLastNuls(std::string text) {
+    while (text.ends_with('\0')) text.pop_back();
+    return text;
 }
 
 // Version 4 allows several values; before it, whatever follows the first NUL is no text.
-std::string usedText(std::string text, int majorVersion) {
-    if (majorVersion < 4) text.resize(std::min(text.find('\0'), text.size()));
-    return text;
+std::string_view usedText(std::string_view text, int majorVersion) {
+    return majorVersion < 4 ? text.substr(0, text.find('\0')) : text;
 }
 
 std::optional<TextEncoding> takeEncoding(ByteCursor& cursor) {
@@ -112,11 +49,12 @@ class FrameWalk {
         end_ = end;
         at = behindExtendedHeader(at);
         while (const auto header = headerAt(at)) {
-            at += headerSize_;
-            if (header->bodySize > end_ - at) break;
-            if (!interpret(*header, at)) keep(*header, at);
-            at += header->bodySize;
+            const std::uint64_t body = at + headerSize_;
+            if (header->bodySize > end_ - body) break;
+            if (!interpret(*header, body)) keep(*header, body);
+            at = body + header->bodySize;
         }
+        keepRest(at);
         finish();
     }
 
@@ -160,21 +98,20 @@ class FrameWalk {
     }
 
     bool interpret(const FrameHeader& header, std::uint64_t at) {
-        const bool old = version_ == 2;
-        if (header.id == (old ? "PIC" : "APIC")) return interpretPicture(header, at);
-        const TextFrame* textFrame = findTextFrame(header.id, version_);
-        const bool isComment = header.id == (old ? "COM" : "COMM");
-        const bool isUrl = !old && header.id == "WXXX";
-        if (textFrame == nullptr && !isComment && !isUrl) return false;
+        const FieldFrame* frame = findFieldFrame(header.id, version_);
+        if (frame == nullptr) return false;
+        if (frame->kind == FrameKind::Picture) return interpretPicture(header, at);
         if (header.bodySize > largestTextFrame) return false;
         const auto body = bodyOf(header, at, header.bodySize);
         if (!body) return false;
         ByteCursor cursor(*body);
         const auto encoding = takeEncoding(cursor);
         if (!encoding) return false;
-        if (isComment) return readComment(cursor, *encoding);
-        if (isUrl) return readUrl(cursor, *encoding);
-        return readText(*textFrame, cursor, *encoding);
+        const auto row = static_cast<std::size_t>(frame - fieldFrames().data());
+        if (seen_[row]) return false;
+        if (frame->kind == FrameKind::Comment && !takeCommentHead(cursor, *encoding)) return false;
+        if (frame->kind == FrameKind::Url) return readUrl(cursor, *encoding);
+        return readText(row, cursor, *encoding, *body);
     }
 
     // The first `most` bytes of the frame's content. The bytes hold until the next call.
@@ -193,37 +130,49 @@ class FrameWalk {
         return Bytes(decoded_);
     }
 
-    std::string takeText(ByteCursor& cursor, TextEncoding encoding) const {
-        return usedText(decodeText(encoding, *cursor.take(cursor.left()), context_.ansi), version_);
-    }
-
-    bool readText(const TextFrame& frame, ByteCursor& cursor, TextEncoding encoding) {
-        const auto row = static_cast<std::size_t>(&frame - textFrames.data());
-        if (seen_[row]) return false;
-        std::string value = takeText(cursor, encoding);
-        if (frame.set != setGenre) value = joinValues(std::move(value));  // a genre joins its own
+    bool readText(std::size_t row, ByteCursor& cursor, TextEncoding encoding, Bytes body) {
+        const FieldFrame& frame = fieldFrames()[row];
+        const std::string whole =
+            withoutLastNuls(decodeText(encoding, *cursor.take(cursor.left()), context_.ansi));
+        std::string value(usedText(whole, version_));
+        if (frame.kind != FrameKind::Genre) value = joinValues(std::move(value));
         const std::string_view trimmed = trimBlanks(value);
-        if (trimmed.empty()) return true;
+        if (trimmed.empty()) return trimBlanks(whole).empty();
         seen_.set(row);
         frame.set(record_, trimmed);
+        if (context_.depth == ReadDepth::Full) keepWording(row, whole, body);
         return true;
     }
 
-    bool readComment(ByteCursor& cursor, TextEncoding encoding) {
+    // Notes the text where it says more than the field that was made of it.
+    void keepWording(std::size_t row, const std::string& whole, Bytes body) {
+        const FieldFrame& frame = fieldFrames()[row];
+        const std::string field = frame.get(record_, version_);
+        if (field == whole || field.empty()) return;
+        const bool isBody = hasUndecoded(whole);
+        record_.ID3v2Ext.Wordings.push_back(
+            {row, field, isBody ? std::string(textOf(body)) : whole, isBody});
+    }
+
+    // Takes language and description; a comment that has a description is another one.
+    bool takeCommentHead(ByteCursor& cursor, TextEncoding encoding) {
         constexpr std::size_t languageSize = 3;
-        if (hasComment_ || !cursor.take(languageSize)) return false;
+        const auto language = cursor.take(languageSize);
+        if (!language) return false;
         const Bytes description = takeTerminated(cursor, encoding);
         if (!decodeText(encoding, description, context_.ansi).empty()) return false;
-        const std::string value = joinValues(takeText(cursor, encoding));
-        if (trimBlanks(value).empty()) return true;
-        hasComment_ = true;
-        record_.SetComment(value);
+        if (context_.depth == ReadDepth::Full) {
+            record_.ID3v2Ext.CommentLanguage = textOf(*language);
+        }
         return true;
     }
 
     bool readUrl(ByteCursor& cursor, TextEncoding encoding) {
         if (!record_.ID3v2Ext.URL.empty()) return false;
-        takeTerminated(cursor, encoding);
+        const Bytes description = takeTerminated(cursor, encoding);
+        if (context_.depth == ReadDepth::Full) {
+            record_.ID3v2Ext.URLDescription = decodeText(encoding, description, context_.ansi);
+        }
         const std::string url = context_.ansi.toUtf8(textOf(cursor.takeUntil(0)));
         record_.ID3v2Ext.URL = trimBlanks(url);
         return true;
@@ -261,7 +210,18 @@ class FrameWalk {
 
     void keep(const FrameHeader& header, std::uint64_t at) {
         if (context_.depth != ReadDepth::Full) return;
-        kept_.emplace_back(textOf(source_.view(at - headerSize_, headerSize_ + header.bodySize)));
+        std::string& kept = kept_.emplace_back();
+        appendFrameHeader(kept, header, version_);
+        kept += textOf(source_.view(at, header.bodySize));
+    }
+
+    // What stands behind the last whole frame and is no padding.
+    void keepRest(std::uint64_t at) {
+        if (context_.depth != ReadDepth::Full || at >= end_) return;
+        std::string rest(textOf(source_.view(at, static_cast<std::size_t>(end_ - at))));
+        if (rest.empty() || rest.front() == '\0') return;
+        rest.resize(rest.find_last_not_of('\0') + 1);
+        record_.ID3v2Ext.UnreadRest = std::move(rest);
     }
 
     void finish() {
@@ -278,8 +238,8 @@ class FrameWalk {
     std::uint64_t end_ = 0;
     std::vector<std::uint8_t> decoded_;
     std::size_t unpacked_ = 0;
-    std::bitset<textFrames.size()> seen_;
-    bool hasComment_ = false, hasPicture_ = false;
+    std::bitset<fieldFrameCount> seen_;
+    bool hasPicture_ = false;
     std::vector<std::string> kept_;  // raw frames in file order
     std::size_t chosenPicture_ = 0;  // 1-based place in kept_; 0 = none
 };
@@ -300,78 +260,30 @@ bool isReadable(const cID3v2ext& ext) {
            (ext.MajorVersion == 2 && !ext.bExtendedHeader);
 }
 
-struct GenreReference {
-    std::uint8_t number;
-    std::string_view name;
-};
-
-// Takes "(17)", "(RX)" or "(CR)" off the front.
-std::optional<GenreReference> takeReference(std::string_view& text) {
-    const std::size_t end = text.find(')');
-    if (!text.starts_with('(') || end == std::string_view::npos) return std::nullopt;
-    const std::string_view inner = text.substr(1, end - 1);
-    const std::string_view whole = text.substr(0, end + 1);
-    const auto number = parseInteger(inner);
-    const bool known = number && *number >= 0 && *number <= noGenre;
-    if (!known && inner != "RX" && inner != "CR") return std::nullopt;
-    text.remove_prefix(whole.size());
-    if (!known) return GenreReference{noGenre, inner == "RX" ? "Remix" : "Cover"};
-    return GenreReference{static_cast<std::uint8_t>(*number), genreName(*number)};
-}
-
-void appendValue(std::string& list, std::string_view value) {
-    if (value.empty()) return;
-    if (!list.empty()) list += "; ";
-    list += value;
-}
-
-// A text behind a single reference refines it and stands for it.
-GenreText parseOneGenre(std::string_view text) {
-    text = trimBlanks(text);
-    std::string_view rest = text;
-    if (const auto bare = parseInteger(text); bare && *bare >= 0 && *bare <= noGenre) {
-        return {static_cast<std::uint8_t>(*bare), std::string(genreName(*bare))};
-    }
-    const auto first = takeReference(rest);
-    if (!first) return {genreNumber(text), std::string(text)};
-    GenreText genre{first->number, std::string(first->name)};
-    std::string_view last = first->name;
-    while (const auto next = takeReference(rest)) {
-        appendValue(genre.text, next->name);
-        last = next->name;
-    }
-    rest = trimBlanks(rest);
-    if (rest.empty() || equalsNoCase(rest, last)) return genre;
-    if (last.data() == first->name.data()) genre.text.clear();
-    appendValue(genre.text, rest);
-    return genre;
+// The footer counts only where it really is: what else stands there is sound.
+std::uint64_t tagEnd(File& file, const TagHeader& header) {
+    constexpr std::string_view footerMark = "3DI";
+    const std::uint64_t end = TagHeader::size + std::uint64_t{header.bodySize};
+    const bool hasFooter = (header.flags & footerPresent) != 0 &&
+                           textOf(file.view(end, footerMark.size())) == footerMark;
+    return std::min(hasFooter ? end + TagHeader::size : end, file.size());
 }
 }  // namespace
 
-GenreText parseGenreText(std::string_view text) {
-    GenreText all;
-    for (bool first = true; !text.empty(); first = false) {
-        const std::size_t end = std::min(text.find('\0'), text.size());
-        const GenreText one = parseOneGenre(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (first) all.number = one.number;
-        appendValue(all.text, one.text);
-    }
-    return all;
-}
-
-bool ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context) {
-    if (textOf(file.view(0, tagMark.size())) != tagMark) return false;
+std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context) {
+    if (textOf(file.view(0, tagMark.size())) != tagMark) return std::nullopt;
     record.IsID3v2Present = true;
+    cID3v2ext& ext = record.ID3v2Ext;
     const auto header = parseTagHeader(file.view(0, TagHeader::size));
-    if (!header) return true;
-    setHeader(record.ID3v2Ext, *header);
-    if (!isReadable(record.ID3v2Ext)) return true;
-    const std::uint64_t end =
-        std::min<std::uint64_t>(TagHeader::size + header->bodySize, file.size());
+    ext.bDamaged = true;  // until everything is seen to be whole
+    if (!header) return TagSpan{0, file.size()};
+    setHeader(ext, *header);
+    const TagSpan span{0, tagEnd(file, *header)};
+    if (!isReadable(ext)) return span;
+    const std::uint64_t end = std::min<std::uint64_t>(TagHeader::size + header->bodySize, span.end);
     // Version 4 marks every unsynchronised frame by itself; before it the body is one piece.
-    if (record.ID3v2Ext.bUnsynchronisation && header->majorVersion < 4) {
-        if (header->bodySize > largestUnsynchronisedBody) return true;
+    if (ext.bUnsynchronisation && header->majorVersion < 4) {
+        if (header->bodySize > largestUnsynchronisedBody) return span;
         const auto body = undoUnsynchronisation(
             file.view(TagHeader::size, static_cast<std::size_t>(end) - TagHeader::size));
         File plain;
@@ -380,7 +292,8 @@ bool ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context) {
     } else {
         FrameWalk(file, record, context).run(TagHeader::size, end);
     }
-    return true;
+    ext.bDamaged = TagHeader::size + std::uint64_t{header->bodySize} > file.size();
+    return span;
 }
 
 }  // namespace tavlo

@@ -3,21 +3,14 @@
 #include <algorithm>
 
 #include "tags/ByteCursor.h"
+#include "tags/ByteWriting.h"
 #include "tags/Inflate.h"
 
 namespace tavlo {
 
 namespace {
-// Where versions 3 and 4 keep the same flags of a frame.
-struct FrameFlags {
-    std::uint16_t grouped, compressed, encrypted, unsynchronised, hasLength;
-};
-constexpr FrameFlags version3Flags{0x20, 0x80, 0x40, 0, 0};
-constexpr FrameFlags version4Flags{0x40, 0x08, 0x04, 0x02, 0x01};
-
-const FrameFlags& flagsOf(int majorVersion) {
-    return majorVersion == 4 ? version4Flags : version3Flags;
-}
+constexpr FrameFlags version3Flags{0x20, 0x80, 0x40, 0, 0, 0xE000};
+constexpr FrameFlags version4Flags{0x40, 0x08, 0x04, 0x02, 0x01, 0x7000};
 
 bool isIdCharacter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
@@ -26,7 +19,7 @@ bool isIdCharacter(char c) {
 // Takes the prefix off that the flags announce and returns the length of the plain content.
 std::optional<std::uint32_t> takePrefix(ByteCursor& cursor, const FrameHeader& header,
                                         int majorVersion) {
-    const FrameFlags& flags = flagsOf(majorVersion);
+    const FrameFlags& flags = frameFlags(majorVersion);
     std::optional<std::uint32_t> length;
     if (majorVersion == 3 && (header.flags & flags.compressed) != 0) length = cursor.bigEndian(4);
     if ((header.flags & flags.grouped) != 0) cursor.u8();
@@ -62,19 +55,33 @@ std::optional<FrameHeader> parseFrameHeader(Bytes bytes, int majorVersion) {
     return header;
 }
 
+void appendFrameHeader(std::string& out, const FrameHeader& header, int majorVersion) {
+    out += header.id;
+    if (majorVersion == 4) {
+        appendSyncsafe(out, header.bodySize);
+    } else {
+        appendBigEndian(out, header.bodySize, majorVersion == 2 ? 3 : 4);
+    }
+    if (majorVersion != 2) appendBigEndian(out, header.flags, 2);
+}
+
 bool hasRegularId(const FrameHeader& header) {
     return std::all_of(header.id.begin(), header.id.end(), isIdCharacter);
 }
 
+const FrameFlags& frameFlags(int majorVersion) {
+    return majorVersion == 4 ? version4Flags : version3Flags;
+}
+
 bool isPlainFrame(const FrameHeader& header, int majorVersion) {
-    const FrameFlags& flags = flagsOf(majorVersion);
+    const FrameFlags& flags = frameFlags(majorVersion);
     return (header.flags & (flags.grouped | flags.compressed | flags.encrypted |
                             flags.unsynchronised | flags.hasLength)) == 0;
 }
 
 std::optional<std::vector<std::uint8_t>> decodeFrameBody(const FrameHeader& header,
                                                          int majorVersion, Bytes body) {
-    const FrameFlags& flags = flagsOf(majorVersion);
+    const FrameFlags& flags = frameFlags(majorVersion);
     if ((header.flags & flags.encrypted) != 0) return std::nullopt;
     ByteCursor cursor(body);
     const auto length = takePrefix(cursor, header, majorVersion);

@@ -26,8 +26,17 @@ struct FrameHeader {
 std::size_t frameHeaderSize(int majorVersion);
 /// Nothing where the bytes are padding or too few. Sizes of version 4 are read as syncsafe.
 std::optional<FrameHeader> parseFrameHeader(Bytes bytes, int majorVersion);
+/// Puts a frame's header behind `out`; version 2 has no room for flags.
+void appendFrameHeader(std::string& out, const FrameHeader& header, int majorVersion);
 /// Whether the identifier is made of A..Z and 0..9, as the format asks for.
 bool hasRegularId(const FrameHeader& header);
+
+/// Where versions 3 and 4 keep the same flags of a frame.
+struct FrameFlags {
+    std::uint16_t grouped, compressed, encrypted, unsynchronised, hasLength;
+    std::uint16_t status;  ///< the three that say what may be done with the frame
+};
+const FrameFlags& frameFlags(int majorVersion);
 
 /// Whether the frame's bytes are the text itself: no compression, unsynchronisation or prefix.
 bool isPlainFrame(const FrameHeader& header, int majorVersion);

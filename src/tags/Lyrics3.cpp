@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view beginMark = "LYRICSBEGIN";
 constexpr std::string_view endMark = "LYRICS";  // its first letters; the version follows
 constexpr std::uint64_t searchSpan = 300;
-constexpr std::size_t sizeDigits = 6, idSize = 3, lengthDigits = 5;
+constexpr std::size_t sizeDigits = 6, endMarkSize = 9, idSize = 3, lengthDigits = 5;
 
 std::optional<std::uint32_t> decimal(std::string_view digits) {
     std::uint32_t value = 0;
@@ -79,19 +79,25 @@ void readFields(File& file, const Block& block, ID3tag& record, const CodePage& 
         at += *length;
     }
 }
+
+// The distance counts from behind the begin marker's first bytes, as other programs keep it.
+constexpr std::int32_t endOffsetLess = 22;
 }  // namespace
 
-std::optional<std::uint64_t> ReadLyrics3Block(File& file, ID3tag& record,
-                                              const ReadContext& context) {
+std::optional<TagSpan> ReadLyrics3Block(File& file, ID3tag& record, const ReadContext& context) {
     const auto block = locate(file);
     if (!block) return std::nullopt;
     record.IsLyricsPresent = true;
-    // The distance counts from behind the begin marker's first bytes, as other programs keep it.
-    constexpr std::int32_t endOffsetLess = 22;
     record.LyricsExt.EndOffset =
         static_cast<std::int32_t>(file.size() - block->begin) - endOffsetLess;
     readFields(file, *block, record, context.ansi);
-    return block->begin;
+    const std::uint64_t end = block->begin + block->size + sizeDigits + endMarkSize;
+    return TagSpan{block->begin, std::min(end, file.size())};
+}
+
+std::optional<std::uint64_t> lyricsBegin(const File& file, const ID3tag& record) {
+    if (!record.IsLyricsPresent) return std::nullopt;
+    return file.size() - static_cast<std::uint64_t>(record.LyricsExt.EndOffset + endOffsetLess);
 }
 
 }  // namespace tavlo

@@ -83,6 +83,15 @@ std::optional<ParsedPicture> parsePictureItem(Bytes head, std::size_t contentSiz
     return picture.art.Size == 0 ? std::nullopt : std::optional(std::move(picture));
 }
 
+std::string pictureItemName(const cAlbumArt& art) {
+    const auto* kind =
+        std::find_if(pictureKinds.begin(), pictureKinds.end(),
+                     [&](const PictureKind& row) { return equalsNoCase(row.mime, art.MIME); });
+    if (kind == pictureKinds.end()) return art.Description;
+    if (mimeOfEnding(art.Description) == kind->mime) return art.Description;
+    return "Cover Art (front)." + std::string(kind->ending);
+}
+
 FileTypes pictureType(std::string_view mime) {
     for (const PictureKind& kind : pictureKinds) {
         if (equalsNoCase(kind.mime, mime)) return kind.type;

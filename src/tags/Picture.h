@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "platform/CodePage.h"
 #include "platform/File.h"
@@ -25,6 +26,9 @@ std::optional<ParsedPicture> parsePictureFrame(Bytes head, std::size_t contentSi
 /// An APEv2 cover: a file name, NUL, and the picture.
 std::optional<ParsedPicture> parsePictureItem(Bytes head, std::size_t contentSize,
                                               const CodePage& ansi);
+
+/// The file name that an APEv2 cover begins with; its ending tells the picture's kind.
+std::string pictureItemName(const cAlbumArt& art);
 
 /// Jpeg, Png or Bmp by the MIME type; None for any other.
 FileTypes pictureType(std::string_view mime);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "platform/CodePage.h"
 
 namespace tavlo {
@@ -13,6 +15,12 @@ enum class ReadDepth {
 struct ReadContext {
     const CodePage& ansi;  ///< for 8-bit text
     ReadDepth depth = ReadDepth::List;
+};
+
+/// Where a tag lies in its file: the offset of its first byte and that behind its last.
+struct TagSpan {
+    std::uint64_t begin = 0, end = 0;
+    bool operator==(const TagSpan&) const = default;
 };
 
 }  // namespace tavlo

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <charconv>
 
+#include "platform/Utf16.h"
 #include "platform/Utf8.h"
+#include "tags/ByteWriting.h"
 
 namespace tavlo {
 
@@ -90,6 +92,26 @@ std::string decodeText(TextEncoding encoding, Bytes text, const CodePage& ansi) 
     out.reserve(text.size());
     Utf16Reader(text, encoding == TextEncoding::Utf16BigEndian).appendTo(out);
     return out;
+}
+
+bool hasUndecoded(std::string_view text) {
+    constexpr std::string_view replaced = "\xEF\xBF\xBD";
+    return text.find(replaced) != std::string_view::npos;
+}
+
+void appendText(std::string& out, std::string_view text, TextEncoding encoding,
+                const CodePage& ansi) {
+    if (encoding != TextEncoding::Utf16) {
+        out += ansi.fromUtf8(text).bytes;
+        return;
+    }
+    const std::u16string units = utf16FromUtf8(text);
+    out.reserve(out.size() + 2 * units.size() + 2);
+    appendLittleEndian(out, byteOrderMark, 2);
+    for (const char16_t unit : units) {
+        appendLittleEndian(out, unit, 2);
+        if (unit == 0) appendLittleEndian(out, byteOrderMark, 2);
+    }
 }
 
 Bytes takeTerminated(ByteCursor& cursor, TextEncoding encoding) {

@@ -28,6 +28,7 @@ const Field<bool> markFields[] = {
     {"subfolders", &JobOptions::subfolders},
     {"agent", &JobOptions::agent},
     {"json", &JobOptions::json},
+    {"dryrun", &JobOptions::dryRun},
     {"nolanguage", &JobOptions::noLanguageFile},
     {"compilation", &JobOptions::compilation},
     {"notags", &JobOptions::noTags},
@@ -112,7 +113,7 @@ const std::vector<Case> optionCases{
     {"/end 4", "end=4"}, {"/template \" %A - %T\"", "template=' %A - %T'"},
     {"/idle", "priority=64"}, {"/normal", "priority=32"}, {"/high", "priority=128"},
     {"/s", "subfolders=on"}, {"/lng my.lng", "language='my.lng'"}, {"/scan", "mode=18"},
-    {"/json", "json=on"}, {"/version", "mode=100"},
+    {"/json", "json=on"}, {"/dryrun", "dryrun=on"}, {"/version", "mode=100"},
 };
 // clang-format on
 

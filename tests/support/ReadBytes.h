@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "platform/CodePage.h"
@@ -21,22 +22,20 @@ inline ID3tag readBytes(std::string_view bytes, int codePage = 1252,
     return record;
 }
 
-template <typename Found>
 struct ReadTag {
-    Found found;
+    std::optional<std::uint64_t> found;  ///< where the tag begins
     ID3tag record;
 };
 
 /// What one tag reader makes of a file with these bytes.
-template <typename Found>
-ReadTag<Found> readTagWith(Found (*read)(File&, ID3tag&, const ReadContext&),
+inline ReadTag readTagWith(std::optional<TagSpan> (*read)(File&, ID3tag&, const ReadContext&),
                            std::string_view bytes, ReadDepth depth, int codePage) {
     const CodePage ansi(codePage);
     File file;
     file.openMemory(bytesOf(bytes));
     ID3tag record;
-    Found found = read(file, record, {ansi, depth});
-    return {std::move(found), std::move(record)};
+    const auto span = read(file, record, {ansi, depth});
+    return {span ? std::optional(span->begin) : std::nullopt, std::move(record)};
 }
 
 }  // namespace tavlo::test

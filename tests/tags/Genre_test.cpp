@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tags/ID3v2.h"
+#include "tags/GenreText.h"
+#include "tags/ID3tag.h"
 
 namespace tavlo {
 namespace {

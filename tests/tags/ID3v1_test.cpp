@@ -127,22 +127,5 @@ TEST(ID3v1, GenreByteIsStoredAsItIs) {
     }
 }
 
-TEST(ID3v1, BytesBehindTheBlockAreCutOnlyOnAWritableFile) {
-    const TempFolder folder;
-    const std::string whole = std::string(300, 'x') + usual.block() + "0123456789";
-    const std::string path = folder.write("a.mp3", whole);
-    const CodePage ansi(1252);
-    for (const Access access : {Access::Read, Access::ReadWrite}) {
-        File file;
-        ASSERT_TRUE(file.open(path, access));
-        ID3tag record;
-        EXPECT_EQ(ReadID3v1Tag(file, record, {ansi}), 300U);
-        EXPECT_EQ(record.Title, "Seven Bells");
-        file.close();
-        const bool cut = access == Access::ReadWrite;
-        EXPECT_EQ(folder.read("a.mp3"), whole.substr(0, cut ? 428 : 438));
-    }
-}
-
 }  // namespace
 }  // namespace tavlo::test

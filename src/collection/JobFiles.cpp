@@ -1,0 +1,81 @@
+#include "collection/JobFiles.h"
+
+#include <string>
+#include <vector>
+
+#include "core/WildcardMask.h"
+#include "platform/FileSystem.h"
+
+namespace tavlo {
+
+namespace {
+// What was asked for; without it a window shows what the settings name, a job works where it was
+// started.
+std::vector<std::string> wantedPaths(const Services& services) {
+    const JobOptions& options = services.options;
+    if (options.paths.size() > 1) return options.paths;
+    if (options.folder) return {*options.folder};
+    if (options.mode == RunMode::MainWindow) {
+        const Settings& settings = services.settings;
+        const bool hasStartup = settings.flag(Setting::StartupFolderEn);
+        for (const Setting kept : {Setting::StartupFolder, Setting::CurrentFolder}) {
+            const bool asked = kept != Setting::StartupFolder || hasStartup;
+            if (asked && folderExists(settings.text(kept))) return {settings.text(kept)};
+        }
+    }
+    return {options.startFolder};
+}
+
+// Adds a folder's files, a playlist's, or the one file that the path names; false when it cannot be
+// read.
+bool gatherPath(Services& services, const JobFiles& wanted, const std::string& path,
+                cFilesCollection& files) {
+    const auto info = fileInfo(path);
+    if (!info) {
+        services.errors.report(Text::FolderNotFound, path);
+        return false;
+    }
+    if (info->isFolder && !isReadableFolder(path)) {
+        services.errors.report(Text::FolderNotRead, path);
+        return false;
+    }
+    if (info->isFolder) {
+        return files.FillFromFolder(path, wanted.types, services.options.subfolders, false, false);
+    }
+    const FileTypes type = GetFileType(path);
+    if (type == FileType::M3u) {
+        return files.FillFromPlaylist(path, wanted.types, CodePage(services.ansiCodePage));
+    }
+    if ((type & wanted.types) != 0) {
+        files.AddFile(path);
+    } else {
+        services.errors.report(wanted.otherType, path);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection& files) {
+    bool found = false;
+    const std::vector<std::string> paths = wantedPaths(services);
+    for (const std::string& path : paths) {
+        found = gatherPath(services, wanted, absolutePath(path), files) || found;
+    }
+    const std::string first = absolutePath(paths.front());
+    if (paths.size() > 1) {
+        files.CheckBaseFolder();
+    } else {
+        files.BaseFolder =
+            folderExists(first) ? first : std::string(folderOf(first, nativePathStyle()));
+    }
+    const WildcardMask mask(services.options.mask);
+    if (!mask.takesAll()) {
+        files.keepIf([&](std::string_view path) {
+            return mask.matches(fileNameOf(path, nativePathStyle()));
+        });
+    }
+    return found;
+}
+
+}  // namespace tavlo

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace tavlo {
+
+/// Bytes of a file.
+using Bytes = std::span<const std::uint8_t>;
+
+enum class Access { Read, ReadWrite };
+
+using FileHandle = std::intptr_t;
+inline constexpr FileHandle noFile = -1;
+
+struct FileStatus {
+    std::uint64_t size = 0;     ///< bytes
+    std::int64_t modified = 0;  ///< in the system's own ticks, to be compared or put back
+    bool isReadOnly = false;    ///< attribute; elsewhere: the owner may not write
+};
+
+/// The system's calls that opening, changing and replacing a file are made of. Whatever touches a
+/// file that exists goes through here, so that a test can let every single call fail.
+class FileCalls {
+ public:
+    FileCalls() = default;
+    FileCalls(const FileCalls&) = delete;
+    FileCalls& operator=(const FileCalls&) = delete;
+    virtual ~FileCalls() = default;
+
+    /// Opens a regular file; `noFile` when there is none, it is a folder or the rights are missing.
+    virtual FileHandle open(const std::string& path, Access access, FileStatus& status) = 0;
+    /// Makes a file that is not there yet, to be written by this process only.
+    virtual FileHandle create(const std::string& path) = 0;
+    /// Whether no other process is writing the file; holds until it is closed.
+    virtual bool lock(FileHandle file) = 0;
+    virtual void close(FileHandle file) = 0;
+
+    /// Both give the number of bytes done; fewer than asked for only at the end or on failure.
+    virtual std::size_t read(FileHandle file, std::uint64_t offset, std::uint8_t* to,
+                             std::size_t count) = 0;
+    virtual std::size_t write(FileHandle file, std::uint64_t offset, Bytes bytes) = 0;
+    /// Copies bytes between files, inside the system where it can.
+    virtual bool copy(FileHandle from, std::uint64_t fromOffset, FileHandle to,
+                      std::uint64_t toOffset, std::uint64_t count) = 0;
+    virtual bool truncate(FileHandle file, std::uint64_t size) = 0;
+    /// Brings what was written onto the disk.
+    virtual bool flush(FileHandle file) = 0;
+    virtual bool setModified(FileHandle file, std::int64_t modified) = 0;
+    /// Gives a file the permissions, the owner and the further attributes of another, as far as the
+    /// system and the user's rights have them.
+    virtual void carryAttributes(FileHandle from, FileHandle to) = 0;
+
+    /// Puts a closed file in another's place in one step.
+    virtual bool replace(const std::string& temporary, const std::string& path) = 0;
+    virtual bool remove(const std::string& path) = 0;
+    /// Makes a file writable for its owner; other attributes stay. False when it could not be done.
+    virtual bool clearReadOnly(const std::string& path) = 0;
+
+ protected:
+    bool copyThroughMemory(FileHandle from, std::uint64_t fromOffset, FileHandle to,
+                           std::uint64_t toOffset, std::uint64_t count);
+};
+
+/// The running system's.
+FileCalls& systemCalls();
+
+}  // namespace tavlo

@@ -1,0 +1,158 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+
+#include "platform/FileCalls.h"
+#include "platform/FileSystem.h"
+
+namespace tavlo {
+
+namespace {
+constexpr std::int64_t nanoseconds = 1'000'000'000;
+
+int descriptor(FileHandle file) {
+    return static_cast<int>(file);
+}
+
+// Repeats a call that does a part of the work until all is done, nothing more comes or it fails.
+template <typename Call>
+std::size_t repeat(std::size_t count, Call call) {
+    std::size_t done = 0;
+    while (done < count) {
+        const ssize_t step = call(done);
+        if (step < 0 && errno == EINTR) continue;
+        if (step <= 0) break;
+        done += static_cast<std::size_t>(step);
+    }
+    return done;
+}
+
+// Access lists are extended attributes as well.
+void carryExtendedAttributes(int from, int to) {
+    const ssize_t size = ::flistxattr(from, nullptr, 0);
+    if (size <= 0) return;
+    std::string names(static_cast<std::size_t>(size), '\0');
+    const ssize_t listed = ::flistxattr(from, names.data(), names.size());
+    names.resize(static_cast<std::size_t>(std::max<ssize_t>(listed, 0)));
+    std::string value;
+    for (std::size_t at = 0; at < names.size();) {
+        const char* name = names.c_str() + at;
+        at += std::string_view(name).size() + 1;
+        const ssize_t length = ::fgetxattr(from, name, nullptr, 0);
+        if (length < 0) continue;
+        value.resize(static_cast<std::size_t>(length));
+        const ssize_t got = ::fgetxattr(from, name, value.data(), value.size());
+        if (got >= 0) ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(got), 0);
+    }
+}
+
+class SystemCalls final : public FileCalls {
+ public:
+    FileHandle open(const std::string& path, Access access, FileStatus& status) override {
+        // O_NONBLOCK: opening a pipe that bears a music file's name must not wait for a writer.
+        const int flags =
+            (access == Access::ReadWrite ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK;
+        const int opened = ::open(path.c_str(), flags);
+        if (opened < 0) return noFile;
+        struct stat found {};
+        if (::fstat(opened, &found) != 0 || !S_ISREG(found.st_mode)) {
+            ::close(opened);
+            return noFile;
+        }
+        status.size = static_cast<std::uint64_t>(found.st_size);
+        status.modified = found.st_mtim.tv_sec * nanoseconds + found.st_mtim.tv_nsec;
+        status.isReadOnly = (found.st_mode & S_IWUSR) == 0;
+        return opened;
+    }
+
+    FileHandle create(const std::string& path) override {
+        // For the owner alone until it has the permissions of the file that it is to replace.
+        return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    }
+
+    bool lock(FileHandle file) override {
+        // Some network disks have no locks; there the name alone has to do.
+        return ::flock(descriptor(file), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    }
+
+    void close(FileHandle file) override { ::close(descriptor(file)); }
+
+    std::size_t read(FileHandle file, std::uint64_t offset, std::uint8_t* to,
+                     std::size_t count) override {
+        return repeat(count, [&](std::size_t done) {
+            return ::pread(descriptor(file), to + done, count - done,
+                           static_cast<off_t>(offset + done));
+        });
+    }
+
+    std::size_t write(FileHandle file, std::uint64_t offset, Bytes bytes) override {
+        return repeat(bytes.size(), [&](std::size_t done) {
+            return ::pwrite(descriptor(file), bytes.data() + done, bytes.size() - done,
+                            static_cast<off_t>(offset + done));
+        });
+    }
+
+    bool copy(FileHandle from, std::uint64_t fromOffset, FileHandle to, std::uint64_t toOffset,
+              std::uint64_t count) override {
+        auto source = static_cast<off_t>(fromOffset);
+        auto target = static_cast<off_t>(toOffset);
+        const std::size_t done = repeat(count, [&](std::size_t at) {
+            return ::copy_file_range(descriptor(from), &source, descriptor(to), &target, count - at,
+                                     0);
+        });
+        return done == count ||
+               copyThroughMemory(from, fromOffset + done, to, toOffset + done, count - done);
+    }
+
+    bool truncate(FileHandle file, std::uint64_t size) override {
+        return ::ftruncate(descriptor(file), static_cast<off_t>(size)) == 0;
+    }
+
+    bool flush(FileHandle file) override { return ::fsync(descriptor(file)) == 0; }
+
+    bool setModified(FileHandle file, std::int64_t modified) override {
+        std::int64_t seconds = modified / nanoseconds;
+        if (modified % nanoseconds < 0) --seconds;
+        const struct timespec times[2] = {{0, UTIME_OMIT},
+                                          {seconds, modified - seconds * nanoseconds}};
+        return ::futimens(descriptor(file), times) == 0;
+    }
+
+    void carryAttributes(FileHandle from, FileHandle to) override {
+        struct stat source {};
+        struct stat target {};
+        if (::fstat(descriptor(from), &source) != 0) return;
+        if (::fstat(descriptor(to), &target) != 0) return;
+        const bool foreign = source.st_uid != target.st_uid || source.st_gid != target.st_gid;
+        if (foreign && ::fchown(descriptor(to), source.st_uid, source.st_gid) != 0) {
+            // Who may not give the file away may still keep its group.
+            [[maybe_unused]] const int done =
+                ::fchown(descriptor(to), target.st_uid, source.st_gid);
+        }
+        constexpr mode_t permissions = 07777;
+        ::fchmod(descriptor(to), source.st_mode & permissions);
+        carryExtendedAttributes(descriptor(from), descriptor(to));
+    }
+
+    bool replace(const std::string& temporary, const std::string& path) override {
+        return ::rename(temporary.c_str(), path.c_str()) == 0;
+    }
+
+    bool remove(const std::string& path) override { return ::unlink(path.c_str()) == 0; }
+
+    bool clearReadOnly(const std::string& path) override { return tavlo::clearReadOnly(path); }
+};
+}  // namespace
+
+FileCalls& systemCalls() {
+    static SystemCalls calls;
+    return calls;
+}
+
+}  // namespace tavlo

@@ -1,0 +1,163 @@
+#include <aclapi.h>
+#include <windows.h>
+
+#include <algorithm>
+
+#include "platform/FileCalls.h"
+#include "platform/FileSystem.h"
+#include "platform/WidePath.h"
+
+namespace tavlo {
+
+namespace {
+// One ReadFile or WriteFile call takes a 32-bit count.
+constexpr std::size_t mostAtOnce = std::size_t{1} << 30;
+
+HANDLE native(FileHandle file) {
+    return reinterpret_cast<HANDLE>(file);
+}
+
+std::int64_t ticksOf(const FILETIME& time) {
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(time.dwHighDateTime) << 32U |
+                                     time.dwLowDateTime);
+}
+
+OVERLAPPED placeAt(std::uint64_t offset) {
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(offset & 0xFFFFFFFFU);
+    place.OffsetHigh = static_cast<DWORD>(offset >> 32U);
+    return place;
+}
+
+// Repeats `call`, which takes offset, place in the buffer and a count, and gives the bytes done.
+template <typename Call>
+std::size_t repeat(std::uint64_t offset, std::size_t count, Call call) {
+    std::size_t done = 0;
+    while (done < count) {
+        OVERLAPPED place = placeAt(offset + done);
+        const DWORD step =
+            call(done, static_cast<DWORD>(std::min(count - done, mostAtOnce)), place);
+        if (step == 0) break;
+        done += step;
+    }
+    return done;
+}
+
+void carryAccessList(HANDLE from, HANDLE to) {
+    PACL list = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (::GetSecurityInfo(from, SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
+                          nullptr, &descriptor) != ERROR_SUCCESS) {
+        return;
+    }
+    ::SetSecurityInfo(to, SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, list,
+                      nullptr);
+    ::LocalFree(descriptor);
+}
+
+class SystemCalls final : public FileCalls {
+ public:
+    FileHandle open(const std::string& path, Access access, FileStatus& status) override {
+        const bool writes = access == Access::ReadWrite;
+        const DWORD rights = writes ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ;
+        const DWORD share =
+            writes ? FILE_SHARE_READ : FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+        HANDLE opened = ::CreateFileW(widePath(path).c_str(), rights, share, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (opened == INVALID_HANDLE_VALUE) return noFile;
+        BY_HANDLE_FILE_INFORMATION info{};
+        if (::GetFileType(opened) != FILE_TYPE_DISK ||
+            !::GetFileInformationByHandle(opened, &info)) {
+            ::CloseHandle(opened);
+            return noFile;
+        }
+        status.size = static_cast<std::uint64_t>(info.nFileSizeHigh) << 32U | info.nFileSizeLow;
+        status.modified = ticksOf(info.ftLastWriteTime);
+        status.isReadOnly = (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+        return reinterpret_cast<FileHandle>(opened);
+    }
+
+    FileHandle create(const std::string& path) override {
+        // WRITE_DAC: the access list of the file that it is to replace is set on it.
+        HANDLE created =
+            ::CreateFileW(widePath(path).c_str(), GENERIC_READ | GENERIC_WRITE | WRITE_DAC, 0,
+                          nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+        return created == INVALID_HANDLE_VALUE ? noFile : reinterpret_cast<FileHandle>(created);
+    }
+
+    // Nobody else can open what this process opened for writing.
+    bool lock(FileHandle) override { return true; }
+
+    void close(FileHandle file) override { ::CloseHandle(native(file)); }
+
+    std::size_t read(FileHandle file, std::uint64_t offset, std::uint8_t* to,
+                     std::size_t count) override {
+        return repeat(offset, count, [&](std::size_t at, DWORD wanted, OVERLAPPED& place) {
+            DWORD got = 0;
+            return ::ReadFile(native(file), to + at, wanted, &got, &place) ? got : 0;
+        });
+    }
+
+    std::size_t write(FileHandle file, std::uint64_t offset, Bytes bytes) override {
+        return repeat(offset, bytes.size(), [&](std::size_t at, DWORD wanted, OVERLAPPED& place) {
+            DWORD put = 0;
+            return ::WriteFile(native(file), bytes.data() + at, wanted, &put, &place) ? put : 0;
+        });
+    }
+
+    bool copy(FileHandle from, std::uint64_t fromOffset, FileHandle to, std::uint64_t toOffset,
+              std::uint64_t count) override {
+        return copyThroughMemory(from, fromOffset, to, toOffset, count);
+    }
+
+    bool truncate(FileHandle file, std::uint64_t size) override {
+        LARGE_INTEGER place{};
+        place.QuadPart = static_cast<LONGLONG>(size);
+        return ::SetFilePointerEx(native(file), place, nullptr, FILE_BEGIN) &&
+               ::SetEndOfFile(native(file));
+    }
+
+    bool flush(FileHandle file) override { return ::FlushFileBuffers(native(file)) != 0; }
+
+    bool setModified(FileHandle file, std::int64_t modified) override {
+        const FILETIME time{static_cast<DWORD>(modified & 0xFFFFFFFF),
+                            static_cast<DWORD>(modified >> 32)};
+        return ::SetFileTime(native(file), nullptr, nullptr, &time) != 0;
+    }
+
+    void carryAttributes(FileHandle from, FileHandle to) override {
+        FILE_BASIC_INFO source{};
+        if (::GetFileInformationByHandleEx(native(from), FileBasicInfo, &source, sizeof source)) {
+            FILE_BASIC_INFO target{};  // a time of 0 stays as it is
+            target.CreationTime = source.CreationTime;
+            target.FileAttributes = source.FileAttributes;
+            ::SetFileInformationByHandle(native(to), FileBasicInfo, &target, sizeof target);
+        }
+        carryAccessList(native(from), native(to));
+    }
+
+    bool replace(const std::string& temporary, const std::string& path) override {
+        const std::wstring from = widePath(temporary), to = widePath(path);
+        // It keeps the named streams too, but not every disk has it.
+        if (::ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
+                           nullptr, nullptr)) {
+            return true;
+        }
+        return ::MoveFileExW(from.c_str(), to.c_str(),
+                             MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    }
+
+    bool remove(const std::string& path) override {
+        return ::DeleteFileW(widePath(path).c_str()) != 0;
+    }
+
+    bool clearReadOnly(const std::string& path) override { return tavlo::clearReadOnly(path); }
+};
+}  // namespace
+
+FileCalls& systemCalls() {
+    static SystemCalls calls;
+    return calls;
+}
+
+}  // namespace tavlo

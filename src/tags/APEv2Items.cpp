@@ -1,0 +1,72 @@
+#include "tags/APEv2Items.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/PlainText.h"
+#include "tags/ByteWriting.h"
+#include "tags/FieldSetters.h"
+
+namespace tavlo {
+
+namespace {
+template <auto getter>
+std::string gotten(const ID3tag& record) {
+    return std::string((record.*getter)());
+}
+
+template <std::string cID3v2ext::*field>
+std::string longText(const ID3tag& record) {
+    return std::string(trimBlanks(record.ID3v2Ext.*field));
+}
+
+// clang-format off
+constexpr std::array<FieldItem, 10> rows{{
+    {"Track", setTrack, gotten<&ID3tag::GetNumber>},
+    {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); },
+     gotten<&ID3tag::GetArtist>},
+    {"Title", [](ID3tag& r, std::string_view text) { r.SetTitleMix(text); },
+     gotten<&ID3tag::GetTitleMix>},
+    {"Album", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); },
+     gotten<&ID3tag::GetAlbum>},
+    {"Year", [](ID3tag& r, std::string_view text) { r.SetYear(text); }, gotten<&ID3tag::GetYear>},
+    {"Genre", [](ID3tag& r, std::string_view text) { r.SetGenre(text); },
+     gotten<&ID3tag::GetGenre>},
+    {"Comment", [](ID3tag& r, std::string_view text) { r.SetComment(text); },
+     gotten<&ID3tag::GetComment>},
+    {"Composer", setField<&cID3v2ext::Composer>, longText<&cID3v2ext::Composer>},
+    {"Copyright", setField<&cID3v2ext::CopyRight>, longText<&cID3v2ext::CopyRight>},
+    {"Encoded by", setField<&cID3v2ext::EncodedBy>, longText<&cID3v2ext::EncodedBy>},
+}};
+// clang-format on
+}  // namespace
+
+std::span<const FieldItem> fieldItems() {
+    return rows;
+}
+
+const FieldItem* findFieldItem(std::string_view key) {
+    const auto* row = std::find_if(rows.begin(), rows.end(),
+                                   [&](const FieldItem& item) { return item.key == key; });
+    return row == rows.end() ? nullptr : row;
+}
+
+std::optional<APEItem> takeItem(ByteCursor& cursor) {
+    const auto size = cursor.littleEndian(4);
+    const auto flags = cursor.littleEndian(4);
+    if (!size || !flags) return std::nullopt;
+    const std::string_view key = textOf(cursor.takeUntil(0));
+    const auto value = cursor.take(*size);
+    if (!value) return std::nullopt;
+    return APEItem{*flags, key, textOf(*value)};
+}
+
+void appendItem(std::string& out, const APEItem& item) {
+    appendLittleEndian(out, static_cast<std::uint32_t>(item.value.size()), 4);
+    appendLittleEndian(out, item.flags, 4);
+    out += item.key;
+    out += '\0';
+    out += item.value;
+}
+
+}  // namespace tavlo

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tags/ID3tag.h"
+
+namespace tavlo {
+
+/// Remembers the fields as they are: what differs from now on is an edit. A record that was never
+/// read counts every field that is not empty as edited.
+void markAsRead(ID3tag& record);
+
+/// Copies the edited fields of one record into another one of the same file.
+void takeEdits(ID3tag& target, const ID3tag& edited);
+
+}  // namespace tavlo

@@ -1,0 +1,193 @@
+#include "tags/FileRewriter.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "core/PathText.h"
+#include "platform/FileSystem.h"
+#include "tags/ByteCursor.h"
+#include "tags/ID3v2Frame.h"
+
+namespace tavlo {
+
+namespace {
+constexpr std::string_view temporaryEnding = ".tmp";
+
+std::string bytesAt(File& file, std::uint64_t begin, std::uint64_t end) {
+    return std::string(textOf(file.view(begin, static_cast<std::size_t>(end - begin))));
+}
+
+std::uint64_t audioBegin(File& file) {
+    const auto header = parseTagHeader(file.view(0, TagHeader::size));
+    return header ? TagHeader::size + std::uint64_t{header->bodySize} : 0;
+}
+
+// A killed run leaves a file that goes on with the same sound behind its tag. Anything else that
+// bears the name belongs to somebody.
+bool isLeftover(File& found, File& original) {
+    constexpr std::size_t compared = 4096;
+    const std::uint64_t begin = audioBegin(found);
+    if (found.size() == 0) return true;
+    if (begin >= found.size()) return false;
+    const std::string sound = bytesAt(found, begin, std::min(begin + compared, found.size()));
+    return sound == textOf(original.view(audioBegin(original), sound.size()));
+}
+
+// A file beside the one it is to replace. Unless `moveTo` succeeds it goes away again.
+class TemporaryFile {
+ public:
+    explicit TemporaryFile(File& original) : original_(original), calls_(original.calls()) {}
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        close();
+        if (!path_.empty()) calls_.remove(path_);
+    }
+
+    // The plain name may belong to somebody else's file, or be too long.
+    bool createBeside(const std::string& path) {
+        constexpr int mostNames = 9;
+        if (create(path + std::string(temporaryEnding))) return true;
+        const std::string_view folder = folderOf(path, nativePathStyle());
+        for (int i = 1; i <= mostNames; ++i) {
+            const std::string name = "tavlo-" + std::to_string(i) + std::string(temporaryEnding);
+            if (create(joinPath(folder, name, nativePathStyle()))) return true;
+        }
+        return false;
+    }
+
+    bool append(std::string_view bytes) {
+        const bool done = calls_.write(handle_, size_, bytesOfText(bytes)) == bytes.size();
+        size_ += bytes.size();
+        return done;
+    }
+
+    bool appendFromOriginal(std::uint64_t begin, std::uint64_t end) {
+        const bool done = calls_.copy(original_.handle(), begin, handle_, size_, end - begin);
+        size_ += end - begin;
+        return done;
+    }
+
+    bool complete(std::optional<std::int64_t> modified) {
+        calls_.carryAttributes(original_.handle(), handle_);
+        if (modified) calls_.setModified(handle_, *modified);
+        return calls_.flush(handle_);
+    }
+
+    bool moveTo(const std::string& path) {
+        close();
+        if (!calls_.replace(path_, path)) return false;
+        path_.clear();
+        return true;
+    }
+
+ private:
+    bool create(const std::string& path) {
+        handle_ = calls_.create(path);
+        if (handle_ == noFile && removeLeftover(path)) handle_ = calls_.create(path);
+        if (handle_ == noFile) return false;
+        path_ = path;
+        if (calls_.lock(handle_)) return true;
+        close();  // another run has just taken it for a leftover
+        path_.clear();
+        return false;
+    }
+
+    bool removeLeftover(const std::string& path) {
+        File found(calls_);
+        if (!found.open(path, Access::ReadWrite)) return false;
+        if (!calls_.lock(found.handle()) || !isLeftover(found, original_)) return false;
+        found.close();
+        return calls_.remove(path);
+    }
+
+    void close() {
+        if (handle_ != noFile) calls_.close(handle_);
+        handle_ = noFile;
+    }
+
+    File& original_;
+    FileCalls& calls_;
+    std::string path_;
+    FileHandle handle_ = noFile;
+    std::uint64_t size_ = 0;
+};
+
+class Rewriter {
+ public:
+    Rewriter(File& file, const NewEnds& ends, bool keepTime)
+        : file_(file),
+          ends_(ends),
+          keepTime_(keepTime),
+          oldSize_(file.size()),
+          oldHead_(bytesAt(file, 0, ends.headEnd)),
+          oldTail_(bytesAt(file, ends.tailBegin, file.size())) {}
+
+    Rewrite run(const std::string& path) {
+        // What cannot be read cannot be put back.
+        if (oldHead_.size() != ends_.headEnd || oldTail_.size() != oldSize_ - ends_.tailBegin) {
+            return Rewrite::NotWritten;
+        }
+        const bool newHead = ends_.head != oldHead_, newTail = ends_.tail != oldTail_;
+        if (!newHead && !newTail) return Rewrite::Unchanged;
+        const bool headFits = ends_.head.size() == oldHead_.size();
+        const bool tailFits =
+            ends_.tail.size() >= oldTail_.size() || oldTail_.starts_with(ends_.tail);
+        if (!headFits || !tailFits) return throughTemporary(path);
+        // The tail first: it may need room on the disk, the head never does.
+        const bool done = (!newTail || writeTail()) && (!newHead || writeHead());
+        if (done && keepTime_) file_.calls().setModified(file_.handle(), file_.modified());
+        return done ? Rewrite::Done : Rewrite::NotWritten;
+    }
+
+ private:
+    bool writeTail() {
+        tailTouched_ = true;
+        if (ends_.tail.size() < oldTail_.size()) {
+            return file_.truncate(ends_.tailBegin + ends_.tail.size());
+        }
+        return file_.write(ends_.tailBegin, bytesOfText(ends_.tail)) || takeBack();
+    }
+
+    bool writeHead() {
+        if (file_.write(0, bytesOfText(ends_.head))) return true;
+        file_.write(0, bytesOfText(oldHead_));
+        return takeBack();
+    }
+
+    // Always false.
+    bool takeBack() {
+        if (tailTouched_) file_.write(ends_.tailBegin, bytesOfText(oldTail_));
+        if (file_.size() > oldSize_) file_.truncate(oldSize_);
+        return false;
+    }
+
+    Rewrite throughTemporary(const std::string& linkedPath) {
+        const std::string path = withoutLinks(linkedPath);
+        TemporaryFile temporary(file_);
+        if (!temporary.createBeside(path)) return Rewrite::NotCreated;
+        const std::optional<std::int64_t> time =
+            keepTime_ ? std::optional(file_.modified()) : std::nullopt;
+        const bool complete = temporary.append(ends_.head) &&
+                              temporary.appendFromOriginal(ends_.headEnd, ends_.tailBegin) &&
+                              (ends_.tail.empty() || temporary.append(ends_.tail)) &&
+                              temporary.complete(time);
+        if (!complete) return Rewrite::NotWritten;
+        file_.close();
+        return temporary.moveTo(path) ? Rewrite::Done : Rewrite::NotWritten;
+    }
+
+    File& file_;
+    const NewEnds& ends_;
+    const bool keepTime_;
+    const std::uint64_t oldSize_;
+    const std::string oldHead_, oldTail_;
+    bool tailTouched_ = false;
+};
+}  // namespace
+
+Rewrite rewriteEnds(File& file, const std::string& path, const NewEnds& ends, bool keepTime) {
+    return Rewriter(file, ends, keepTime).run(path);
+}
+
+}  // namespace tavlo

@@ -1,0 +1,172 @@
+#include "tags/ID3v2Writer.h"
+
+#include <algorithm>
+
+#include "tags/ByteWriting.h"
+#include "tags/ID3v2Fields.h"
+#include "tags/ID3v2Frame.h"
+#include "tags/ID3v2Kept.h"
+#include "tags/TagText.h"
+
+namespace tavlo {
+
+namespace {
+constexpr std::uint64_t leastTagSize = 512;
+
+int writtenVersion(const TagSettings& settings) {
+    return settings.id3v24 ? 4 : 3;
+}
+
+// A URL is 8-bit text whatever happens; what that does not hold goes in as its UTF-8 bytes.
+std::string urlBytes(std::string_view url, const CodePage& ansi) {
+    auto encoded = ansi.fromUtf8(url);
+    if (!encoded.lossy) return encoded.bytes;
+    constexpr std::string_view hexDigits = "0123456789ABCDEF";
+    std::string escaped;
+    for (const char c : url) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            escaped += c;
+        } else {
+            escaped += '%';
+            escaped += hexDigits[byte >> 4U];
+            escaped += hexDigits[byte & 15U];
+        }
+    }
+    return escaped;
+}
+
+class FramesWriter {
+ public:
+    FramesWriter(const ID3tag& record, const WriteContext& context)
+        : record_(record),
+          context_(context),
+          version_(writtenVersion(context.settings)),
+          isSameVersion_(record.ID3v2Ext.MajorVersion == version_) {}
+
+    std::string run() {
+        for (std::size_t row = 0; row < fieldFrameCount; ++row) {
+            const FieldFrame& frame = fieldFrames()[row];
+            if (frame.kind == FrameKind::Picture) {
+                addPicture();
+                continue;
+            }
+            const std::string field = frame.get(record_, version_);
+            if (!field.empty()) addField(row, field);
+        }
+        const cID3v2ext& ext = record_.ID3v2Ext;
+        out_ += convertFrames(ext.UnknownFrames, ext.MajorVersion, version_, context_.ansi);
+        if (!ext.UnreadRest.empty()) out_ += privateFrame("ID3v2", ext.UnreadRest, version_);
+        return std::move(out_);
+    }
+
+ private:
+    void addField(std::size_t row, const std::string& field) {
+        const FieldFrame& frame = fieldFrames()[row];
+        const TagWording* wording = wordingOf(row, field);
+        if (wording != nullptr && wording->isBody) {
+            add(frame.id, wording->text);
+        } else if (frame.kind == FrameKind::Url) {
+            addUrl(field);
+        } else {
+            addText(frame, wording != nullptr ? wording->text : field);
+        }
+    }
+
+    // What the tag said, where the field still is what was made of it.
+    const TagWording* wordingOf(std::size_t row, std::string_view field) const {
+        for (const TagWording& wording : record_.ID3v2Ext.Wordings) {
+            if (wording.row != row || wording.field != field) continue;
+            const bool isLatin = wording.text.starts_with('\0');
+            if (isSameVersion_ || (wording.isBody && isLatin)) return &wording;
+        }
+        return nullptr;
+    }
+
+    void addText(const FieldFrame& frame, std::string_view text) {
+        const TextEncoding encoding = encodingFor(text);
+        std::string body(1, static_cast<char>(encoding));
+        if (frame.kind == FrameKind::Comment) {
+            const std::string& language = record_.ID3v2Ext.CommentLanguage;
+            body += language.empty() ? "eng" : language;
+            addTerminated(body, {}, encoding);
+        }
+        appendText(body, text, encoding, context_.ansi);
+        add(frame.id, body);
+    }
+
+    void addUrl(std::string_view url) {
+        const std::string& description = record_.ID3v2Ext.URLDescription;
+        const TextEncoding encoding = encodingFor(description);
+        std::string body(1, static_cast<char>(encoding));
+        addTerminated(body, description, encoding);
+        body += urlBytes(url, context_.ansi);
+        add("WXXX", body);
+    }
+
+    void addPicture() {
+        const cAlbumArt& art = record_.AlbumArt;
+        if (art.Data.empty()) return;
+        const TextEncoding encoding = encodingFor(art.Description);
+        std::string body(1, static_cast<char>(encoding));
+        body.reserve(art.Data.size() + art.Description.size() * 2 + art.MIME.size() + 16);
+        body += art.MIME.empty() ? "image/" : context_.ansi.fromUtf8(art.MIME).bytes;
+        body += '\0';
+        body += static_cast<char>(art.PictureType);
+        addTerminated(body, art.Description, encoding);
+        body += textOf(art.Data);
+        add("APIC", body);
+    }
+
+    void add(std::string_view id, std::string_view body) {
+        appendFrameHeader(out_, {std::string(id), static_cast<std::uint32_t>(body.size()), 0},
+                          version_);
+        out_ += body;
+    }
+
+    void addTerminated(std::string& body, std::string_view text, TextEncoding encoding) const {
+        appendText(body, text, encoding, context_.ansi);
+        body.append(unitSize(encoding), '\0');
+    }
+
+    // One frame that the code page cannot hold is UTF-16 whatever the settings say.
+    TextEncoding encodingFor(std::string_view text) const {
+        const bool wide = context_.settings.id3v2Unicode || context_.ansi.fromUtf8(text).lossy;
+        return wide ? TextEncoding::Utf16 : TextEncoding::Latin1;
+    }
+
+    const ID3tag& record_;
+    const WriteContext& context_;
+    const int version_;
+    const bool isSameVersion_;
+    std::string out_;
+};
+}  // namespace
+
+std::string encodeID3v2Frames(const ID3tag& record, const WriteContext& context) {
+    return FramesWriter(record, context).run();
+}
+
+std::uint32_t GetTagSize(const ID3tag& record, const WriteContext& context) {
+    return static_cast<std::uint32_t>(encodeID3v2Frames(record, context).size());
+}
+
+std::uint64_t roomyTagSize(std::size_t framesSize) {
+    const std::uint64_t needed = framesSize;
+    const std::uint64_t roomy = std::max(leastTagSize, needed + (needed + 9) / 10);
+    return std::max(needed, std::min(roomy, largestTagSize));
+}
+
+std::string encodeID3v2Tag(std::string_view frames, std::uint64_t bodySize,
+                           const TagSettings& settings) {
+    std::string tag = "ID3";
+    tag.reserve(TagHeader::size + static_cast<std::size_t>(bodySize));
+    tag += static_cast<char>(writtenVersion(settings));
+    tag.append(2, '\0');  // minor version and flags
+    appendSyncsafe(tag, static_cast<std::uint32_t>(bodySize));
+    tag += frames;
+    tag.resize(TagHeader::size + static_cast<std::size_t>(bodySize), '\0');
+    return tag;
+}
+
+}  // namespace tavlo

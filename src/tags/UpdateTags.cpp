@@ -1,0 +1,283 @@
+#include "tags/UpdateTags.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "tags/APEv2.h"
+#include "tags/AudioFile.h"
+#include "tags/ByteCursor.h"
+#include "tags/FieldEdits.h"
+#include "tags/FileRewriter.h"
+#include "tags/ID3v1.h"
+#include "tags/ID3v2.h"
+#include "tags/ID3v2Frame.h"
+#include "tags/ID3v2Writer.h"
+
+namespace tavlo {
+
+namespace {
+std::string bytesOf(File& file, std::uint64_t begin, std::uint64_t end) {
+    if (begin >= end) return {};
+    return std::string(textOf(file.view(begin, static_cast<std::size_t>(end - begin))));
+}
+
+bool hasWriter(FileTypes type) {
+    return (type & (FileType::Mp3 | FileType::Ape2Only)) != 0;
+}
+
+// --- Opening -------------------------------------------------------------------------------------
+
+bool openWritable(File& file, const std::string& path) {
+    const bool opened = file.open(path, Access::ReadWrite) ||
+                        (file.calls().clearReadOnly(path) && file.open(path, Access::ReadWrite));
+    if (opened && file.isReadOnly()) file.calls().clearReadOnly(path);
+    return opened;
+}
+
+// A player or a virus scanner may hold the file for a moment.
+bool openPatiently(File& file, const std::string& path, Progress& progress) {
+    constexpr std::chrono::milliseconds patience{500};
+    if (openWritable(file, path)) return true;
+    progress.pumpMessages();
+    std::this_thread::sleep_for(patience);
+    progress.pumpMessages();
+    return openWritable(file, path);
+}
+
+// --- What is to be written -----------------------------------------------------------------------
+
+// A file's tags as they are, and as they are to become.
+class TagPlan {
+ public:
+    TagPlan(File& file, ID3tag& record, const TagLayout& layout, const WriteContext& context)
+        : file_(file), record_(record), layout_(layout), context_(context) {
+        // A block that begins inside another tag is none.
+        for (const auto& other : {layout.ape, layout.lyrics}) {
+            if (other && layout_.id3v1 && layout_.id3v1->begin < other->end) layout_.id3v1.reset();
+        }
+        ends_.tailBegin = file.size();
+    }
+
+    Refusal make() {
+        refusal_ = expectedRefusal(record_, context_.settings);
+        if (refusal_ == Refusal::NoWriter || refusal_ == Refusal::Damaged) return refusal_;
+        if ((record_.FileType & FileType::Ape2Only) != 0) {
+            if (layout_.id3v2) ends_.headEnd = layout_.id3v2->end;
+            planTail(true, {});
+            return refusal_;
+        }
+        if (refusal_ != Refusal::NoID3v2Tag && !planHead()) return Refusal::TooLarge;
+        planTail(context_.settings.ape2, blockBytes());
+        return refusal_;
+    }
+
+    [[nodiscard]] const NewEnds& ends() const { return ends_; }
+
+    // What the file carries once the plan is carried out.
+    void noteTags(ID3tag& record) const {
+        const bool isMp3 = record.FileType == FileType::Mp3;
+        record.IsID3v2Present = isMp3 && (layout_.id3v2 || refusal_ != Refusal::NoID3v2Tag);
+        record.IsID3v1Present = isMp3 && (layout_.id3v1 || refusal_ == Refusal::None);
+        record.IsAPE2Present = layout_.ape || !isMp3 || context_.settings.ape2;
+        record.Length = ends_.head.size() + (ends_.tailBegin - ends_.headEnd) + ends_.tail.size();
+    }
+
+ private:
+    // The space that a tag has stays as it is, so that the sound does not move.
+    bool planHead() {
+        const std::string frames = encodeID3v2Frames(record_, context_);
+        if (frames.size() > largestTagSize) return false;
+        const std::uint64_t space =
+            layout_.id3v2 ? std::min(layout_.id3v2->end - TagHeader::size, largestTagSize) : 0;
+        const bool fits = layout_.id3v2 && frames.size() <= space;
+        ends_.headEnd = layout_.id3v2 ? layout_.id3v2->end : 0;
+        ends_.head =
+            encodeID3v2Tag(frames, fits ? space : roomyTagSize(frames.size()), context_.settings);
+        return true;
+    }
+
+    // The ID3v1 block and nothing behind it; a block that is not written stays as it is.
+    std::string blockBytes() {
+        const auto& span = layout_.id3v1;
+        if (refusal_ == Refusal::NoID3v2Tag) {
+            return span ? bytesOf(file_, span->begin, file_.size()) : std::string();
+        }
+        if (refusal_ == Refusal::NoID3v1Tag) return {};
+        const std::string old = span ? bytesOf(file_, span->begin, span->end) : std::string();
+        return encodeID3v1Block(record_, old, context_.ansi);
+    }
+
+    void planTail(bool withApe, std::string block) {
+        const std::uint64_t end = layout_.id3v1 ? layout_.id3v1->begin : file_.size();
+        ends_.tailBegin = end;
+        if (withApe) {
+            // A Lyrics3 block has to stand right in front of the ID3v1 block.
+            if (layout_.lyrics) ends_.tailBegin = std::min(end, layout_.lyrics->begin);
+            std::uint64_t keepBegin = ends_.tailBegin, keepEnd = end;
+            if (layout_.ape) {
+                ends_.tailBegin = layout_.ape->begin;
+                keepBegin = layout_.ape->end;
+                // Without a block behind it, only a Lyrics3 block belongs behind the tag.
+                if (!layout_.id3v1) keepEnd = layout_.lyrics ? layout_.lyrics->end : keepBegin;
+            }
+            ends_.tail = encodeAPETag(record_) + bytesOf(file_, keepBegin, keepEnd);
+        }
+        ends_.tail += block;
+    }
+
+    File& file_;
+    ID3tag& record_;
+    TagLayout layout_;
+    const WriteContext& context_;
+    Refusal refusal_ = Refusal::None;
+    NewEnds ends_;
+};
+
+// --- Carrying it out -----------------------------------------------------------------------------
+
+Refusal refusalOf(Rewrite result) {
+    switch (result) {
+        case Rewrite::NotCreated:
+            return Refusal::NotCreated;
+        case Rewrite::NotWritten:
+            return Refusal::NotWritten;
+        default:
+            return Refusal::None;
+    }
+}
+
+void report(Refusal refusal, const std::string& path, ErrorReport& errors) {
+    const auto text = refusalText(refusal);
+    if (text) errors.report(*text, refusal == Refusal::NotCreated ? path + ".tmp" : path);
+}
+
+TagUpdate refuse(ID3tag& record, Refusal refusal, const WriteContext& context) {
+    report(refusal, record.Path, context.errors);
+    record.Refused = refusal;
+    record.OK = false;
+    record.Path.clear();
+    return TagUpdate::Refused;
+}
+
+// Opens the record's file and changes its ends as `plan` says, which is given the open file.
+template <typename Plan>
+bool removeFrom(const ID3tag& record, const WriteContext& context, Plan plan) {
+    File file(context.calls);
+    if (!openWritable(file, record.Path)) return false;
+    NewEnds ends;
+    ends.tailBegin = file.size();
+    plan(file, ends);
+    const Rewrite result = rewriteEnds(file, record.Path, ends, context.settings.keepTime);
+    return refusalOf(result) == Refusal::None;
+}
+}  // namespace
+
+TagSettings tagSettings(const Settings& settings) {
+    return {settings.flag(Setting::EnableID3v1Tags), settings.flag(Setting::EnableID3v2Tags),
+            settings.flag(Setting::EnableID3v24),    settings.flag(Setting::EnableID3v2Unicode),
+            settings.flag(Setting::EnableAPE2Tags),  settings.flag(Setting::PreserveFileTimes)};
+}
+
+std::optional<Text> refusalText(Refusal refusal) {
+    struct Row {
+        Refusal refusal;
+        Text text;
+    };
+    constexpr std::array<Row, 7> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
+                                       {Refusal::NotOpened, Text::FileNotOpenedForWriting},
+                                       {Refusal::NoID3v2Tag, Text::TagNotMade},
+                                       {Refusal::Damaged, Text::TagDamaged},
+                                       {Refusal::TooLarge, Text::TagTooLarge},
+                                       {Refusal::NotCreated, Text::FileNotCreated},
+                                       {Refusal::NotWritten, Text::FileNotWritten}}};
+    const auto* row =
+        std::find_if(rows.begin(), rows.end(), [&](const Row& r) { return r.refusal == refusal; });
+    return row == rows.end() ? std::nullopt : std::optional(row->text);
+}
+
+Refusal expectedRefusal(const ID3tag& record, const TagSettings& settings) {
+    if (!hasWriter(record.FileType)) return Refusal::NoWriter;
+    const bool isMp3 = record.FileType == FileType::Mp3;
+    if (record.ID3v2Ext.bDamaged) return Refusal::Damaged;
+    if (!isMp3) return Refusal::None;
+    if (!record.IsID3v2Present && !settings.id3v2) return Refusal::NoID3v2Tag;
+    if (!record.IsID3v1Present && !settings.id3v1) return Refusal::NoID3v1Tag;
+    return Refusal::None;
+}
+
+TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before) {
+    if (!record.OK || !HasEditableTags(record.Path)) return TagUpdate::Refused;
+    const std::string path = record.Path;
+    if (!hasWriter(record.FileType)) return refuse(record, Refusal::NoWriter, context);
+    File file(context.calls);
+    if (!openPatiently(file, path, context.progress)) {
+        return refuse(record, Refusal::NotOpened, context);
+    }
+    // The file may have changed since the record was read: what it says now is what stays.
+    ID3tag current;
+    current.FileType = record.FileType;
+    const TagLayout layout = readTags(file, current, {context.ansi, ReadDepth::Full});
+    if (before != nullptr) *before = current;
+    takeEdits(current, record);
+    current.SplitTitle();
+    for (ID3tag* each : {&record, &current}) {
+        if (each->Comment == "#") each->Comment.clear();
+    }
+    TagPlan plan(file, current, layout, context);
+    const Refusal planned = plan.make();
+    const Rewrite result = rewriteEnds(file, path, plan.ends(), context.settings.keepTime);
+    const Refusal failed = refusalOf(result);
+    if (failed != Refusal::None) return refuse(record, failed, context);
+    plan.noteTags(record);
+    record.ReadOnly = false;
+    markAsRead(record);
+    if (planned != Refusal::None) refuse(record, planned, context);
+    if (planned != Refusal::None && planned != Refusal::NoID3v1Tag) return TagUpdate::Refused;
+    return result == Rewrite::Unchanged ? TagUpdate::Unchanged : TagUpdate::Written;
+}
+
+bool RemoveID3v1Tag(ID3tag& record, const WriteContext& context) {
+    constexpr std::uint64_t blockSize = 128, searchSpan = 256;
+    constexpr std::string_view mark = "TAG";
+    const bool done = removeFrom(record, context, [&](File& file, NewEnds& ends) {
+        const std::uint64_t size = file.size();
+        const std::uint64_t block = size - std::min(size, blockSize);
+        const std::uint64_t from = size - std::min(size, searchSpan);
+        const std::string end = bytesOf(file, from, size);
+        const std::size_t at = end.find(mark);
+        if (std::string_view(end).substr(block - from).starts_with(mark)) {
+            ends.tailBegin = block;
+        } else if (at != std::string::npos) {
+            ends.tailBegin = from + at;
+        }
+    });
+    if (done) record.IsID3v1Present = false;
+    return done;
+}
+
+bool RemoveID3v2Tag(ID3tag& record, const WriteContext& context) {
+    bool damaged = false;
+    const bool done = removeFrom(record, context, [&](File& file, NewEnds& ends) {
+        ID3tag found;
+        const auto span = ReadID3v2Tag(file, found, {context.ansi});
+        damaged = found.ID3v2Ext.TagSize >= file.size();
+        if (span && !damaged) ends.headEnd = span->end;
+    });
+    if (done && !damaged) record.IsID3v2Present = false;
+    return done && !damaged;
+}
+
+bool RemoveAPETag(ID3tag& record, const WriteContext& context) {
+    const bool done = removeFrom(record, context, [&](File& file, NewEnds& ends) {
+        ID3tag found;
+        const TagLayout layout = readTags(file, found, {context.ansi});
+        if (!layout.ape) return;
+        ends.tailBegin = layout.ape->begin;
+        ends.tail = bytesOf(file, layout.ape->end, file.size());
+    });
+    if (done) record.IsAPE2Present = false;
+    return done;
+}
+
+}  // namespace tavlo
