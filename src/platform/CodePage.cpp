@@ -110,12 +110,13 @@ CodePage::Encoded CodePage::fromUtf8(std::string_view text) const {
     Encoded result;
     const std::u16string units = utf16FromUtf8(text);
     for (std::size_t i = 0; i < units.size(); ++i) {
-        const auto* const found =
-            std::ranges::lower_bound(reverse_, units[i], {}, &Reverse::character);
         if (units[i] < 0x80) {
             result.bytes.push_back(static_cast<char>(units[i]));
-        } else if (units[i] != replacement && found != reverse_.end() &&
-                   found->character == units[i]) {
+            continue;
+        }
+        const auto* const found =
+            std::ranges::lower_bound(reverse_, units[i], {}, &Reverse::character);
+        if (units[i] != replacement && found != reverse_.end() && found->character == units[i]) {
             result.bytes.push_back(found->byte);
         } else {
             result.bytes.push_back('?');

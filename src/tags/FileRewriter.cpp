@@ -1,7 +1,6 @@
 #include "tags/FileRewriter.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "core/PathText.h"
 #include "platform/FileSystem.h"
@@ -68,9 +67,9 @@ class TemporaryFile {
         return done;
     }
 
-    bool complete(std::optional<std::int64_t> modified) {
+    bool complete(bool keepTime) {
         calls_.carryAttributes(original_.handle(), handle_);
-        if (modified) calls_.setModified(handle_, *modified);
+        if (keepTime) calls_.setModified(handle_, original_.modified());
         return calls_.flush(handle_);
     }
 
@@ -166,12 +165,10 @@ class Rewriter {
         const std::string path = withoutLinks(linkedPath);
         TemporaryFile temporary(file_);
         if (!temporary.createBeside(path)) return Rewrite::NotCreated;
-        const std::optional<std::int64_t> time =
-            keepTime_ ? std::optional(file_.modified()) : std::nullopt;
         const bool complete = temporary.append(ends_.head) &&
                               temporary.appendFromOriginal(ends_.headEnd, ends_.tailBegin) &&
                               (ends_.tail.empty() || temporary.append(ends_.tail)) &&
-                              temporary.complete(time);
+                              temporary.complete(keepTime_);
         if (!complete) return Rewrite::NotWritten;
         file_.close();
         return temporary.moveTo(path) ? Rewrite::Done : Rewrite::NotWritten;

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/TextCase.h"
+#include "platform/PlainText.h"
 #include "tags/TagText.h"
 
 namespace tavlo {
@@ -39,7 +39,7 @@ constexpr std::array<std::string_view, lastGenre + 1> genres{
 std::uint8_t genreNumber(std::string_view name) {
     name = trimBlanks(name);
     for (std::size_t i = 0; i < genres.size(); ++i) {
-        if (equalsNoCase(genres[i], name)) return static_cast<std::uint8_t>(i);
+        if (sameAscii(genres[i], name)) return static_cast<std::uint8_t>(i);
     }
     return noGenre;
 }

@@ -72,9 +72,11 @@ GenreText parseGenreText(std::string_view text) {
 }
 
 std::string formatGenreText(std::uint8_t number, std::string_view text) {
-    const GenreText wanted{number, std::string(text)};
     const std::string reference = "(" + std::to_string(number) + ")";
+    const GenreText wanted{number, std::string(text)};
     if (text.empty()) return number == noGenre ? std::string() : reference;
+    // The usual case: a name and its number.
+    if (number != noGenre && text == genreName(number)) return wanted.text;
     for (const std::string& form : {wanted.text, reference + wanted.text, "(" + wanted.text}) {
         if (parseGenreText(form) == wanted) return form;
     }

@@ -129,7 +129,7 @@ void recodeText(Frame& frame, const CodePage& ansi) {
     if (encoding == TextEncoding::Utf8 && decoded != textOf(text)) return;
     frame.body.resize(skipped);
     frame.body[0] = static_cast<char>(TextEncoding::Utf16);
-    appendText(frame.body, decoded, TextEncoding::Utf16, ansi);
+    frame.body += utf16Text(decoded);
 }
 
 std::optional<Frame> fromVersion4(const FrameHeader& header, std::string_view body,

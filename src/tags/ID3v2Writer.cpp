@@ -84,22 +84,21 @@ class FramesWriter {
     }
 
     void addText(const FieldFrame& frame, std::string_view text) {
-        const TextEncoding encoding = encodingFor(text);
-        std::string body(1, static_cast<char>(encoding));
+        const Encoded encoded = encode(text);
+        std::string body = encodingByte(encoded);
         if (frame.kind == FrameKind::Comment) {
             const std::string& language = record_.ID3v2Ext.CommentLanguage;
             body += language.empty() ? "eng" : language;
-            addTerminated(body, {}, encoding);
+            addTerminated(body, {{}, encoded.encoding});
         }
-        appendText(body, text, encoding, context_.ansi);
+        body += encoded.bytes;
         add(frame.id, body);
     }
 
     void addUrl(std::string_view url) {
-        const std::string& description = record_.ID3v2Ext.URLDescription;
-        const TextEncoding encoding = encodingFor(description);
-        std::string body(1, static_cast<char>(encoding));
-        addTerminated(body, description, encoding);
+        const Encoded description = encode(record_.ID3v2Ext.URLDescription);
+        std::string body = encodingByte(description);
+        addTerminated(body, description);
         body += urlBytes(url, context_.ansi);
         add("WXXX", body);
     }
@@ -107,32 +106,45 @@ class FramesWriter {
     void addPicture() {
         const cAlbumArt& art = record_.AlbumArt;
         if (art.Data.empty()) return;
-        const TextEncoding encoding = encodingFor(art.Description);
-        std::string body(1, static_cast<char>(encoding));
-        body.reserve(art.Data.size() + art.Description.size() * 2 + art.MIME.size() + 16);
+        const Encoded description = encode(art.Description);
+        std::string body = encodingByte(description);
+        body.reserve(art.Data.size() + description.bytes.size() + art.MIME.size() + 16);
         body += art.MIME.empty() ? "image/" : context_.ansi.fromUtf8(art.MIME).bytes;
         body += '\0';
         body += static_cast<char>(art.PictureType);
-        addTerminated(body, art.Description, encoding);
+        addTerminated(body, description);
         body += textOf(art.Data);
         add("APIC", body);
+    }
+
+    struct Encoded {
+        std::string bytes;
+        TextEncoding encoding;
+    };
+
+    // A frame that the code page cannot hold is UTF-16 whatever the settings say.
+    [[nodiscard]] Encoded encode(std::string_view text) const {
+        if (!context_.settings.id3v2Unicode) {
+            auto narrow = context_.ansi.fromUtf8(text);
+            if (!narrow.lossy) return {std::move(narrow.bytes), TextEncoding::Latin1};
+        }
+        return {utf16Text(text), TextEncoding::Utf16};
+    }
+
+    static std::string encodingByte(const Encoded& text) {
+        return std::string(1, static_cast<char>(text.encoding));
+    }
+
+    static void addTerminated(std::string& body, const Encoded& text) {
+        if (text.bytes.empty() && text.encoding == TextEncoding::Utf16) body += utf16Text({});
+        body += text.bytes;
+        body.append(unitSize(text.encoding), '\0');
     }
 
     void add(std::string_view id, std::string_view body) {
         appendFrameHeader(out_, {std::string(id), static_cast<std::uint32_t>(body.size()), 0},
                           version_);
         out_ += body;
-    }
-
-    void addTerminated(std::string& body, std::string_view text, TextEncoding encoding) const {
-        appendText(body, text, encoding, context_.ansi);
-        body.append(unitSize(encoding), '\0');
-    }
-
-    // One frame that the code page cannot hold is UTF-16 whatever the settings say.
-    TextEncoding encodingFor(std::string_view text) const {
-        const bool wide = context_.settings.id3v2Unicode || context_.ansi.fromUtf8(text).lossy;
-        return wide ? TextEncoding::Utf16 : TextEncoding::Latin1;
     }
 
     const ID3tag& record_;

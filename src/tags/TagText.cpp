@@ -99,19 +99,16 @@ bool hasUndecoded(std::string_view text) {
     return text.find(replaced) != std::string_view::npos;
 }
 
-void appendText(std::string& out, std::string_view text, TextEncoding encoding,
-                const CodePage& ansi) {
-    if (encoding != TextEncoding::Utf16) {
-        out += ansi.fromUtf8(text).bytes;
-        return;
-    }
+std::string utf16Text(std::string_view text) {
     const std::u16string units = utf16FromUtf8(text);
-    out.reserve(out.size() + 2 * units.size() + 2);
+    std::string out;
+    out.reserve(2 * units.size() + 2);
     appendLittleEndian(out, byteOrderMark, 2);
     for (const char16_t unit : units) {
         appendLittleEndian(out, unit, 2);
         if (unit == 0) appendLittleEndian(out, byteOrderMark, 2);
     }
+    return out;
 }
 
 Bytes takeTerminated(ByteCursor& cursor, TextEncoding encoding) {

@@ -36,10 +36,8 @@ std::string decodeText(TextEncoding encoding, Bytes text, const CodePage& ansi);
 /// Whether something in a decoded text was no text (U+FFFD).
 bool hasUndecoded(std::string_view text);
 
-/// The way back: 8-bit text through the code page ("?" for what it does not hold), or UTF-16,
-/// little-endian, with a mark in front of each of the values that NULs separate.
-void appendText(std::string& out, std::string_view text, TextEncoding encoding,
-                const CodePage& ansi);
+/// Little-endian UTF-16 with a mark in front of it and of each further value behind a NUL.
+std::string utf16Text(std::string_view text);
 
 /// Takes the text up to its NUL (an aligned one in UTF-16) and the NUL itself.
 Bytes takeTerminated(ByteCursor& cursor, TextEncoding encoding);
