@@ -116,7 +116,8 @@ std::string encodeID3v1Block(const ID3tag& record, std::string_view old, const C
             block += FixedWidthText(text, width, ansi);
         }
     };
-    add(record.Title, textSize, record.GetTitleMixV2());
+    const std::string whole = record.GetTitleMixV2();
+    add(record.Title.empty() ? whole : record.Title, textSize, whole);
     add(record.Artist, textSize);
     add(record.Album, textSize);
     add(record.Year, yearSize);

@@ -61,15 +61,16 @@ class TagPlan {
 
     Refusal make() {
         refusal_ = expectedRefusal(record_, context_.settings);
-        if (refusal_ == Refusal::NoWriter || refusal_ == Refusal::Damaged) return refusal_;
-        if ((record_.FileType & FileType::Ape2Only) != 0) {
+        if (refusal_ == Refusal::Damaged) return refusal_;
+        if (record_.FileType == FileType::Mp3) {
+            if (refusal_ != Refusal::NoID3v2Tag && !planHead()) return Refusal::TooLarge;
+            planTail(context_.settings.ape2, blockBytes());
+        } else {
             if (layout_.id3v2) ends_.headEnd = layout_.id3v2->end;
             planTail(true, {});
-            return refusal_;
         }
-        if (refusal_ != Refusal::NoID3v2Tag && !planHead()) return Refusal::TooLarge;
-        planTail(context_.settings.ape2, blockBytes());
-        return refusal_;
+        // Of tags that overlap one is not what it seems.
+        return ends_.headEnd > ends_.tailBegin ? Refusal::Damaged : refusal_;
     }
 
     [[nodiscard]] const NewEnds& ends() const { return ends_; }
@@ -226,6 +227,9 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     }
     TagPlan plan(file, current, layout, context);
     const Refusal planned = plan.make();
+    if (planned == Refusal::Damaged || planned == Refusal::TooLarge) {
+        return refuse(record, planned, context);
+    }
     const Rewrite result = rewriteEnds(file, path, plan.ends(), context.settings.keepTime);
     const Refusal failed = refusalOf(result);
     if (failed != Refusal::None) return refuse(record, failed, context);
