@@ -54,7 +54,9 @@ class TagPlan {
         : file_(file), record_(record), layout_(layout), context_(context) {
         // A block that begins inside another tag is none.
         for (const auto& other : {layout.ape, layout.lyrics}) {
-            if (other && layout_.id3v1 && layout_.id3v1->begin < other->end) layout_.id3v1.reset();
+            if (!other || !layout_.id3v1 || layout_.id3v1->begin >= other->end) continue;
+            layout_.id3v1.reset();
+            record_.IsID3v1Present = false;
         }
         ends_.tailBegin = file.size();
     }
