@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "platform/Utf8.h"
+#include "support/EditFile.h"
 #include "support/ReadBytes.h"
 
 namespace tavlo::test {
@@ -175,6 +176,88 @@ TEST(APEv2, CoverKindComesFromItsName) {
         EXPECT_TRUE(listed.AlbumArt.Data.empty());
         EXPECT_EQ(listed.GetArtist(), "Glass Metro");
     }
+}
+
+TEST(APEv2, WrittenTagHasItsItemsInOrder) {
+    ID3tag record;
+    EXPECT_EQ(encodeAPETag(record), ApeTag{}.bytes());
+    record.SetNumber("3/12");
+    record.SetArtist("Глас");
+    record.SetTitle("Song");
+    record.SetMix("Live");
+    record.SetAlbum("Tin Parade");
+    record.SetYear("2004");
+    record.SetGenre("Sea Shanty");
+    record.SetComment("loud");
+    record.ID3v2Ext.Composer = "A. Writer";
+    record.ID3v2Ext.CopyRight = "2004 Label";
+    record.ID3v2Ext.EncodedBy = "A Person";
+    record.AlbumArt = {4, "image/png", "front.png", 3, {'d', 0, 'a', 't'}};
+    record.AlbumArtType = FileType::Png;
+    const std::string note = apeItem("Note", "\x01\xFF\0x"s, 2), gain = apeItem("GAIN", "-1", 1);
+    record.UnknownItems = apeItem("ARTIST", "other") + note + apeItem("encoded By", "other") + gain;
+    const std::vector<std::string> items{
+        apeItem("Track", "3/12"),
+        apeItem("Artist", "Глас"),
+        apeItem("Title", "Song (Live)"),
+        album,
+        apeItem("Year", "2004"),
+        apeItem("Genre", "Sea Shanty"),
+        apeItem("Comment", "loud"),
+        apeItem("Composer", "A. Writer"),
+        apeItem("Copyright", "2004 Label"),
+        apeItem("Encoded by", "A Person"),
+        apeItem("Cover Art (front)", "front.png\0d\0at"s, 2),
+        note,
+        gain,
+    };
+    EXPECT_EQ(encodeAPETag(record), ApeTag{items}.bytes());
+
+    ID3tag few;
+    few.SetGenre("rock & roll");
+    few.UnknownItems = artist.substr(0, 8) + "artist" + artist.substr(14);
+    EXPECT_EQ(encodeAPETag(few),
+              (ApeTag{{apeItem("Genre", "rock & roll"), few.UnknownItems}}.bytes()));
+}
+
+TEST(APEv2, TagOfAFileIsReplacedAndKeepsWhatWasNotEdited) {
+    struct Case {
+        std::string_view name;
+        ApeTag old;
+        std::vector<std::string> items;
+    };
+    const std::string two = apeItem("Artist", "One\0Two"s), note = apeItem("Note", "n");
+    const std::string picture = apeItem("Cover Art (front)", "a.jpg\0data"s, 2);
+    const Case cases[] = {
+        {"no tag", {}, {album}},
+        {"grows", {{artist}}, {artist, album}},
+        {"shrinks", {{apeItem("Album", std::string(500, 'a')), note}}, {album, note}},
+        {"two values", {{note, two, picture}}, {two, album, picture, note}},
+        {"lower case", {{apeItem("album", "old"), artist}}, {artist, album}},
+        {"8-bit text",
+         {{apeItem("Artist", "Caf\xE9"), apeItem("Note", "\xC3\xA9")}, 1000, false},
+         {apeItem("Artist", "Café"), album, apeItem("Note", "Ã©")}},
+    };
+    for (const Case& c : cases) {
+        const std::string old = c.old.items.empty() ? "" : c.old.bytes();
+        const std::string expected = audio + ApeTag{c.items}.bytes();
+        const Edit setAlbum = [](ID3tag& r) { r.SetAlbum("Tin Parade"); };
+        EXPECT_EQ(editFile(audio + old, setAlbum, {}, 1252, "a.mpc"), expected) << c.name;
+    }
+}
+
+TEST(APEv2, TagInFrontOfALyricsBlockIsFoundAgain) {
+    const std::string lyrics = lyrics3(lyricsField("LYR", std::string(400, 'l')));
+    TagSettings settings;
+    settings.ape2 = true;
+    const std::string before =
+        audio + ApeTag{{artist, apeItem("Album", "Old")}}.bytes() + lyrics + Id3v1{}.block();
+    std::string written = editFile(
+        before, [](ID3tag& r) { r.SetAlbum("Tin Parade"); }, settings);
+    written.erase(0, written.find(audio));
+    const Id3v1 block{"", "Glass Metro", "Tin Parade", "", ""};
+    const ApeTag expected{{artist, album}};
+    EXPECT_EQ(written, audio + expected.bytes() + lyrics + block.block());
 }
 
 }  // namespace

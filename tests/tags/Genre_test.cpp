@@ -80,5 +80,23 @@ TEST(Genre, NumbersInFrameTextsAreBytes) {
     for (const auto& [text, number] : cases) EXPECT_EQ(parseGenreText(text).number, number) << text;
 }
 
+TEST(Genre, WrittenTextsMeanWhatTheyWereMadeOf) {
+    // clang-format off
+    std::vector<GenreText> genres{
+        {4, "Eurodisco"}, {17, "Hard and loud"}, {17, "17"}, {17, "rock"}, {4, "Rock"},
+        {4, "(Live)"}, {51, "Techno-Industrial; Noise"}, {200, "Unheard Of"},
+        {noGenre, "Sea Shanty"}, {noGenre, "17"}, {noGenre, "(17)"}, {noGenre, "(17)Rock"},
+        {noGenre, "(RX)"}, {noGenre, "Remix"}, {noGenre, "(Live)"}, {noGenre, "((Live"},
+    };
+    // clang-format on
+    for (int number = 0; number <= noGenre; ++number) {
+        genres.push_back({static_cast<std::uint8_t>(number), std::string(genreName(number))});
+    }
+    for (const GenreText& genre : genres) {
+        const std::string text = formatGenreText(genre.number, genre.text);
+        EXPECT_EQ(parseGenreText(text), genre) << text << ' ' << genre.text;
+    }
+}
+
 }  // namespace
 }  // namespace tavlo

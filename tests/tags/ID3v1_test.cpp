@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/Utf8.h"
+#include "support/EditFile.h"
 #include "support/ReadBytes.h"
-#include "support/TempFolder.h"
 
 namespace tavlo::test {
 namespace {
@@ -125,6 +125,92 @@ TEST(ID3v1, GenreByteIsStoredAsItIs) {
         EXPECT_EQ(record.Genre, genre);
         EXPECT_EQ(record.GetGenre(), genreName(genre)) << genre;
     }
+}
+
+TEST(ID3v1, WrittenBlockHasEveryFieldInItsPlace) {
+    const std::string ten = "0123456789";
+    ID3tag record;
+    record.SetTitle("  Seven Bells ");
+    record.SetArtist(ten + ten + ten + "wxyz!");
+    record.SetAlbum(ten + ten + ten);
+    record.SetYear("1998");
+    record.SetComment(ten + ten + ten);
+    record.SetNumber("7/12");
+    record.SetGenre("rock");
+    Id3v1 expected{
+        "Seven Bells", ten + ten + ten, ten + ten + ten, "1998", ten + ten + "01234567", 0, 7, 17};
+    const CodePage ansi(1252);
+    EXPECT_EQ(encodeID3v1Block(record, "", ansi), expected.block());
+    record.SetGenre("Sea Shanty");
+    record.SetNumberL(300);
+    record.SetYear("98");
+    record.SetComment("short");
+    expected = {"Seven Bells", ten + ten + ten, ten + ten + ten, "98", "short", 0, 44, 255};
+    EXPECT_EQ(encodeID3v1Block(record, "", ansi), expected.block());
+    EXPECT_EQ(encodeID3v1Block({}, "", ansi), Id3v1{}.block());
+}
+
+TEST(ID3v1, WrittenTextIsInTheCodePageAndEndsBetweenCharacters) {
+    struct Case {
+        int codePage;
+        std::string_view text;
+        std::size_t width;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {1251, "Песня", 7, "\xCF\xE5\xF1\xED\xFF\0\0"s},
+        {1251, "Песня", 4, "\xCF\xE5\xF1\xED"},
+        {1252, "Песня", 5, "?????"},
+        {1252, "Café €", 6, "Caf\xE9 \x80"},
+        {1251, "Café №", 6, "Caf? \xB9"},
+        {1252, " a b ", 3, "a b"},
+        {1252, "a   b", 3, "a  "},
+        {932, "a日本", 5, "a\x93\xFA\x96\x7B"},
+        {932, "a日本", 4, "a\x93\xFA\0"s},
+        {932, "日本", 1, "\0"s},
+        {932, "ﾊｿｱ", 2, "\xCA\xBF"},
+        {932, "é日", 3, "?\x93\xFA"},
+    };
+    for (const Case& c : cases) {
+        const CodePage ansi(c.codePage);
+        if (ansi.number() != c.codePage) continue;
+        EXPECT_EQ(FixedWidthText(c.text, c.width, ansi), c.expected) << c.text << ' ' << c.width;
+    }
+}
+
+TEST(ID3v1, WrittenBlockEndsTheFile) {
+    Id3v1 old{"Seven Bells", "Marble Choir", "Towers", "1998", std::string(28, 'c'), 'c', 'c', 17};
+    const std::string head = tag(3, textFrame(3, "TALB", "Towers") + std::string(100, '\0'));
+    Id3v1 changed = old;
+    changed.artist = "Tin Parade";
+    changed.zero = changed.track = 0;
+    Id3v1 emptied = usual;
+    emptied.comment = "";
+    struct Case {
+        std::string_view name;
+        std::string bytes;
+        Edit edit;
+        std::string expected;
+    };
+    const Edit setArtist = [](ID3tag& r) { r.SetArtist("Tin Parade"); };
+    const Case cases[] = {
+        {"at the end", head + audio + old.block(), setArtist, audio + changed.block()},
+        {"10 bytes behind", head + audio + old.block() + std::string(10, 'y'), setArtist,
+         audio + changed.block()},
+        {"comment #", head + audio + usual.block(), [](ID3tag& r) { r.SetComment("#"); },
+         audio + emptied.block()},
+        {"none before", head + audio, setArtist,
+         audio + Id3v1{"", "Tin Parade", "Towers", "", ""}.block()},
+    };
+    for (const Case& c : cases) {
+        const std::string written = editFile(c.bytes, c.edit);
+        EXPECT_EQ(written.substr(std::min(written.size(), written.find(audio))), c.expected)
+            << c.name;
+    }
+    TagSettings none;
+    none.id3v1 = false;
+    const std::string written = editFile(head + audio, setArtist, none);
+    EXPECT_EQ(written.size(), head.size() + audio.size());
 }
 
 }  // namespace

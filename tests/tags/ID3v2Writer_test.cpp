@@ -1,0 +1,251 @@
+#include "tags/ID3v2Writer.h"
+
+#include <gtest/gtest.h>
+
+#include "support/EditFile.h"
+#include "support/TagBytes.h"
+
+namespace tavlo::test {
+namespace {
+
+const std::string audio(3000, 'x');
+
+std::string marked(std::u16string_view text) {
+    return "\xFF\xFE" + utf16le(text);
+}
+
+TagSettings settingsOf(int version, bool unicode = false) {
+    TagSettings settings;
+    settings.id3v1 = false;
+    settings.id3v24 = version == 4;
+    settings.id3v2Unicode = unicode;
+    return settings;
+}
+
+std::string framesOf(const ID3tag& record, const TagSettings& settings, int codePage = 1252) {
+    const Writing writing(settings, codePage);
+    return encodeID3v2Frames(record, writing.context);
+}
+
+ID3tag fullRecord(int version) {
+    ID3tag record;
+    cID3v2ext& ext = record.ID3v2Ext;
+    record.SetTitle("Song");
+    record.SetMix("Live");
+    record.SetArtist("Café");
+    record.SetAlbum("Orbit");
+    record.SetComment(std::string(200, 'c'));
+    record.SetGenre("Sea Shanty");
+    record.SetNumber("3");
+    record.TracksCount = 12;
+    record.SetYear("2004");
+    record.IsPartOfCompilation = true;
+    record.DiskNumber = 1;
+    record.DisksCount = 2;
+    record.BPM = 128;
+    record.AlbumArt = {4, "image/png", "front", 3, {'d', 0, 'a', 't'}};
+    record.AlbumArtType = FileType::Png;
+    ext.Composer = "A. Writer";
+    ext.OriginalArtist = "First One";
+    ext.CopyRight = "2004 Label";
+    ext.EncodedBy = "A Person";
+    ext.URL = "http://x.example/";
+    ext.EncoderInfo = "-V2";
+    ext.MajorVersion = static_cast<std::uint8_t>(version);
+    ext.UnknownFrames = frame(version, "PCNT", "\0\0\0\x07"s, 0x2000);
+    return record;
+}
+
+TEST(ID3v2Writer, EveryFieldHasItsFrameInOrder) {
+    struct Row {
+        std::string_view id;
+        std::string latin;
+        std::u16string wide;
+    };
+    for (const auto& [version, unicode] : {std::pair{3, false}, {3, true}, {4, false}, {4, true}}) {
+        const Row rows[] = {
+            {"TIT2", "Song (Live)", u"Song (Live)"},
+            {"TPE1", "Caf\xE9", u"Café"},
+            {"TALB", "Orbit", u"Orbit"},
+            {"COMM", std::string(200, 'c'), std::u16string(200, u'c')},
+            {"TCOM", "A. Writer", u"A. Writer"},
+            {"TCON", "Sea Shanty", u"Sea Shanty"},
+            {"TOPE", "First One", u"First One"},
+            {"TCOP", "2004 Label", u"2004 Label"},
+            {"TENC", "A Person", u"A Person"},
+            {"TRCK", "3/12", u"3/12"},
+            {version == 4 ? "TDRC" : "TYER", "2004", u"2004"},
+            {"WXXX", "http://x.example/", u""},
+            {"TSSE", "-V2", u"-V2"},
+            {"TCMP", "1", u"1"},
+            {"TPOS", "1/2", u"1/2"},
+            {"TBPM", "128", u"128"},
+            {"APIC", "front", u"front"},
+        };
+        std::string expected;
+        const std::string encoding = unicode ? "\1" : "\0"s;
+        const std::string empty = unicode ? "\xFF\xFE\0\0"s : "\0"s;
+        for (const Row& row : rows) {
+            const std::string text = unicode ? marked(row.wide) : row.latin;
+            std::string body = encoding + text;
+            if (row.id == "COMM") body = encoding + "eng" + empty + text;
+            if (row.id == "WXXX") body = encoding + empty + row.latin;
+            if (row.id == "APIC") {
+                body = encoding + "image/png\0\3"s + text + (unicode ? "\0\0"s : "\0"s) + "d\0at"s;
+            }
+            expected += frame(version, row.id, body);
+        }
+        const ID3tag record = fullRecord(version);
+        expected += record.ID3v2Ext.UnknownFrames;
+        const TagSettings settings = settingsOf(version, unicode);
+        EXPECT_EQ(framesOf(record, settings), expected) << version << unicode;
+        EXPECT_EQ(encodeID3v2Tag(expected, expected.size() + 3, settings),
+                  tag(version, expected + "\0\0\0"s));
+    }
+    EXPECT_EQ(framesOf({}, settingsOf(3)), "");
+}
+
+TEST(ID3v2Writer, OnlyAFrameThatThePageCannotHoldIsUtf16) {
+    ID3tag record;
+    record.SetTitle("Song");
+    record.SetArtist("Снег");
+    record.SetComment("Снег");
+    record.ID3v2Ext.URL = "http://x.example/";
+    record.ID3v2Ext.URLDescription = "Снег";
+    const std::string snow = "\xD1\xED\xE5\xE3";
+    for (const int version : {3, 4}) {
+        const std::string title = textFrame(version, "TIT2", "Song");
+        EXPECT_EQ(framesOf(record, settingsOf(version), 1252),
+                  title + textFrame(version, "TPE1", marked(u"Снег"), 1) +
+                      frame(version, "COMM", "\1eng\xFF\xFE\0\0"s + marked(u"Снег")) +
+                      frame(version, "WXXX", "\1" + marked(u"Снег") + "\0\0http://x.example/"s));
+        EXPECT_EQ(framesOf(record, settingsOf(version), 1251),
+                  title + textFrame(version, "TPE1", snow) +
+                      frame(version, "COMM", "\0eng\0"s + snow) +
+                      frame(version, "WXXX", "\0"s + snow + "\0http://x.example/"s));
+    }
+}
+
+TEST(ID3v2Writer, GenresAreNumbersAndNames) {
+    struct Case {
+        std::uint8_t number;
+        std::string_view name, text;
+    };
+    constexpr Case cases[] = {
+        {200, "", "(200)"}, {255, "Sea Shanty", "Sea Shanty"}, {4, "Eurodisco", "(4)Eurodisco"}};
+    for (const auto& [number, name, text] : cases) {
+        ID3tag record;
+        record.Genre = number;
+        record.ID3v2Ext.Genre = name;
+        EXPECT_EQ(framesOf(record, settingsOf(3)), textFrame(3, "TCON", text));
+    }
+}
+
+TEST(ID3v2Writer, ATenthMoreThanTheFramesNeedAndNeverLessThan512) {
+    constexpr std::pair<std::size_t, std::uint64_t> cases[] = {
+        {0, 512},   {465, 512},   {466, 513},   {470, 517},
+        {480, 528}, {1000, 1100}, {1001, 1102}, {largestTagSize, largestTagSize},
+    };
+    for (const auto& [frames, space] : cases) EXPECT_EQ(roomyTagSize(frames), space) << frames;
+}
+
+TEST(ID3v2Writer, TagIsPutInPlaceWhereItFits) {
+    struct Case {
+        std::size_t before;  ///< bytes of the frame in the file; 0 = no tag
+        std::size_t padding, after, space;
+        bool footer;
+    };
+    constexpr Case cases[] = {
+        {0, 0, 465, 512, false},   {0, 0, 466, 513, false},    {100, 0, 100, 100, false},
+        {100, 0, 101, 512, false}, {100, 20, 120, 120, false}, {100, 20, 121, 512, false},
+        {600, 0, 12, 600, false},  {600, 0, 601, 662, false},  {600, 0, 610, 610, true},
+        {600, 0, 611, 673, true},  {600, 0, 600, 610, true},
+    };
+    for (const Case& c : cases) {
+        const auto artist = [](std::size_t frameSize, char c) {
+            return textFrame(4, "TPE1", std::string(frameSize - 11, c));
+        };
+        std::string old;
+        if (c.before > 0) {
+            const std::string body = artist(c.before, 'a') + std::string(c.padding, '\0');
+            old = tag(4, body, c.footer ? 0x10 : 0) + (c.footer ? tagFooter(body, 0x10) : "");
+        }
+        const Edit edit = [&](ID3tag& r) { r.SetArtist(std::string(c.after - 11, 'b')); };
+        const std::string body = artist(c.after, 'b') + std::string(c.space - c.after, '\0');
+        EXPECT_EQ(editFile(old + audio, edit, settingsOf(4)), tag(4, body) + audio)
+            << c.before << ' ' << c.after;
+    }
+}
+
+TEST(ID3v2Writer, TextsThatWereNotEditedComeBackAsTheyWere) {
+    const std::string album = textFrame(4, "TALB", "New");
+    struct Case {
+        std::string_view name;
+        std::string frames, expected;
+    };
+    const auto text = [](std::string_view id, std::string_view value, int encoding = 0) {
+        return textFrame(4, id, value, encoding);
+    };
+    const std::string comment = frame(4, "COMM", "\0rus\0loud"s);
+    const std::string url = frame(4, "WXXX", "\0home\0http://x.example/"s);
+    const std::string date = text("TDRC", "2004-05-06");
+    const Case cases[] = {
+        {"two values", text("TPE1", "One\0Two"s), text("TPE1", "One\0Two"s) + album},
+        {"genre number", text("TCON", "(17)"), album + text("TCON", "(17)")},
+        {"two genres", text("TCON", "17\0Eurodisco"s), album + text("TCON", "17\0Eurodisco"s)},
+        {"square brackets", text("TIT2", "Song [Live]"), text("TIT2", "Song [Live]") + album},
+        {"language", comment, album + comment},
+        {"description", url, album + url},
+        {"whole date", date, album + date},
+        {"second comment", comment + frame(4, "COMM", "\0eng\0more"s),
+         album + comment + frame(4, "COMM", "\0eng\0more"s)},
+    };
+    for (const Case& c : cases) {
+        const std::string body = c.frames + std::string(100, '\0');
+        const std::string written = editFile(
+            tag(4, body) + audio, [](ID3tag& r) { r.SetAlbum("New"); }, settingsOf(4));
+        const std::string padding(body.size() - c.expected.size(), '\0');
+        EXPECT_EQ(written, tag(4, c.expected + padding) + audio) << c.name;
+    }
+}
+
+TEST(ID3v2Writer, TagOfAnotherVersionIsWrittenAnew) {
+    const std::string counter = "\0\0\0\x07"s, sync = "\xFF\xE0\xFF\0"s;
+    struct Case {
+        std::string_view name;
+        int to;
+        std::string old, expected;
+    };
+    const Case cases[] = {
+        {"2 to 3", 3,
+         tag(2,
+             textFrame(2, "TT2", "Song") + frame(2, "CNT", counter) + textFrame(2, "TYE", "2004")),
+         textFrame(3, "TIT2", "Song") + textFrame(3, "TALB", "New") + textFrame(3, "TYER", "2004") +
+             frame(3, "PCNT", counter)},
+        {"3 to 4", 4, tag(3, textFrame(3, "TYER", "2004") + frame(3, "MCDI", counter, 0x8000)),
+         textFrame(4, "TALB", "New") + textFrame(4, "TDRC", "2004") +
+             frame(4, "MCDI", counter, 0x4000)},
+        {"4 to 3", 3,
+         tag(4, textFrame(4, "TDRC", "2004") + textFrame(4, "TPE1", "Снег", 3) +
+                    textFrame(4, "TPE2", "Снег", 3)),
+         textFrame(3, "TPE1", marked(u"Снег"), 1) + textFrame(3, "TALB", "New") +
+             textFrame(3, "TYER", "2004") + textFrame(3, "TPE2", marked(u"Снег"), 1)},
+        {"unsynchronised 3 to 3", 3, tag(3, unsynchronised(frame(3, "MCDI", sync)), 0x80),
+         textFrame(3, "TALB", "New") + frame(3, "MCDI", sync)},
+        {"unsynchronised 4 to 3", 3, tag(4, frame(4, "MCDI", unsynchronised(sync), 0x02), 0x80),
+         textFrame(3, "TALB", "New") + frame(3, "MCDI", sync)},
+        {"extended header", 3, tag(3, "\0\0\0\6\0\0\0\0\0\0"s + frame(3, "MCDI", sync), 0x40),
+         textFrame(3, "TALB", "New") + frame(3, "MCDI", sync)},
+    };
+    for (const Case& c : cases) {
+        const std::string written = editFile(
+            c.old + audio, [](ID3tag& r) { r.SetAlbum("New"); }, settingsOf(c.to));
+        const std::size_t space = written.size() - audio.size() - 10;
+        ASSERT_GE(space, c.expected.size()) << c.name;
+        const std::string padding(space - c.expected.size(), '\0');
+        EXPECT_EQ(written, tag(c.to, c.expected + padding) + audio) << c.name;
+    }
+}
+
+}  // namespace
+}  // namespace tavlo::test
