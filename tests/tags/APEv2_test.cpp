@@ -246,18 +246,19 @@ TEST(APEv2, TagOfAFileIsReplacedAndKeepsWhatWasNotEdited) {
     }
 }
 
-TEST(APEv2, TagInFrontOfALyricsBlockIsFoundAgain) {
+TEST(APEv2, TagStandsInFrontOfALyricsBlock) {
     const std::string lyrics = lyrics3(lyricsField("LYR", std::string(400, 'l')));
+    const ApeTag old{{artist, apeItem("Album", "Old")}}, both{{artist, album}}, one{{album}};
     TagSettings settings;
     settings.ape2 = true;
-    const std::string before =
-        audio + ApeTag{{artist, apeItem("Album", "Old")}}.bytes() + lyrics + Id3v1{}.block();
-    std::string written = editFile(
-        before, [](ID3tag& r) { r.SetAlbum("Tin Parade"); }, settings);
-    written.erase(0, written.find(audio));
-    const Id3v1 block{"", "Glass Metro", "Tin Parade", "", ""};
-    const ApeTag expected{{artist, album}};
-    EXPECT_EQ(written, audio + expected.bytes() + lyrics + block.block());
+    for (const bool isThere : {true, false}) {
+        const std::string before = audio + (isThere ? old.bytes() : "") + lyrics + Id3v1{}.block();
+        std::string written = editFile(
+            before, [](ID3tag& r) { r.SetAlbum("Tin Parade"); }, settings);
+        written.erase(0, written.find(audio));
+        const Id3v1 block{"", isThere ? "Glass Metro" : "", "Tin Parade", "", ""};
+        EXPECT_EQ(written, audio + (isThere ? both : one).bytes() + lyrics + block.block());
+    }
 }
 
 }  // namespace
