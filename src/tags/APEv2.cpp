@@ -120,21 +120,19 @@ class ItemWalk {
         const std::string text = joinValues(whole);
         if (trimBlanks(text).empty()) return true;
         row->set(record_, trimBlanks(text));
-        if (context_.depth == ReadDepth::Full) keepWording(*row, whole);
+        const std::string field = row->get(record_);
+        if (field.empty()) return false;  // this kind of file does not write it
+        if (context_.depth == ReadDepth::Full && field != whole) {
+            // The text says more than the field that was made of it.
+            const auto place = static_cast<std::size_t>(row - fieldItems().data());
+            record_.ItemWordings.push_back({place, field, whole, false});
+        }
         return true;
     }
 
     [[nodiscard]] std::string decoded(std::string_view bytes) const {
         return tag_.footer.version == version1 ? context_.ansi.toUtf8(bytes)
                                                : utf8OrAnsi(bytes, context_.ansi);
-    }
-
-    // Notes the text where it says more than the field that was made of it.
-    void keepWording(const FieldItem& row, const std::string& whole) {
-        const std::string field = row.get(record_);
-        if (field == whole) return;
-        const auto place = static_cast<std::size_t>(&row - fieldItems().data());
-        record_.ItemWordings.push_back({place, field, whole, false});
     }
 
     bool readPicture(const Item& item) {

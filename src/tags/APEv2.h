@@ -16,7 +16,7 @@ namespace tavlo {
 /// unknown items are passed over.
 std::optional<TagSpan> ReadAPETag(File& file, ID3tag& record, const ReadContext& context);
 
-/// The whole tag for the record's fields, header to footer; empty when it would have no items.
+/// The whole tag for the record's fields, header to footer, be there items or not.
 std::string encodeAPETag(const ID3tag& record);
 
 }  // namespace tavlo

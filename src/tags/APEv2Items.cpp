@@ -6,6 +6,7 @@
 #include "platform/PlainText.h"
 #include "tags/ByteWriting.h"
 #include "tags/FieldSetters.h"
+#include "tags/TagText.h"
 
 namespace tavlo {
 
@@ -20,8 +21,22 @@ std::string longText(const ID3tag& record) {
     return std::string(trimBlanks(record.ID3v2Ext.*field));
 }
 
+// Musepack and its kind have no other tag for the counts. "3/12" tells one already.
+template <int ID3tag::*count>
+std::string countText(const ID3tag& record) {
+    const bool isOwn = (record.FileType & FileType::Ape2Only) != 0 && record.*count > 0;
+    const bool isTold =
+        count == &ID3tag::TracksCount && record.ID3v2Ext.TrackNumber.find('/') != std::string::npos;
+    return isOwn && !isTold ? std::to_string(record.*count) : std::string();
+}
+
+template <int ID3tag::*count>
+void setCount(ID3tag& record, std::string_view text) {
+    record.*count = leadingNumber(text);
+}
+
 // clang-format off
-constexpr std::array<FieldItem, 10> rows{{
+constexpr std::array<FieldItem, 13> rows{{
     {"Track", setTrack, gotten<&ID3tag::GetNumber>},
     {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); },
      gotten<&ID3tag::GetArtist>},
@@ -37,6 +52,9 @@ constexpr std::array<FieldItem, 10> rows{{
     {"Composer", setField<&cID3v2ext::Composer>, longText<&cID3v2ext::Composer>},
     {"Copyright", setField<&cID3v2ext::CopyRight>, longText<&cID3v2ext::CopyRight>},
     {"Encoded by", setField<&cID3v2ext::EncodedBy>, longText<&cID3v2ext::EncodedBy>},
+    {"TracksCount", setCount<&ID3tag::TracksCount>, countText<&ID3tag::TracksCount>},
+    {"DiskNumber", setCount<&ID3tag::DiskNumber>, countText<&ID3tag::DiskNumber>},
+    {"DisksCount", setCount<&ID3tag::DisksCount>, countText<&ID3tag::DisksCount>},
 }};
 // clang-format on
 }  // namespace

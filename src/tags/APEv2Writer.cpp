@@ -17,7 +17,9 @@ class ItemsWriter {
     void run() {
         for (std::size_t row = 0; row < fieldItems().size(); ++row) addField(row);
         if (cFormatExt ID3tag::*const own = formatItems(record_.FileType)) {
-            for (const auto& [name, value] : (record_.*own).Items) add({0, name, value});
+            for (const auto& [name, value] : (record_.*own).Items) {
+                if (!isAmong(keys_, name)) add({0, name, value});
+            }
         }
         addPicture();
         addKept();
@@ -48,13 +50,16 @@ class ItemsWriter {
 
     // Two keys of one tag may not differ in case only.
     void addKept() {
+        const std::vector<std::string> written = keys_;
         ByteCursor cursor(bytesOfText(record_.UnknownItems));
         while (const auto item = takeItem(cursor)) {
-            const auto isWritten = [&](const std::string& key) {
-                return equalsNoCase(key, item->key);
-            };
-            if (std::none_of(keys_.begin(), keys_.end(), isWritten)) add(*item);
+            if (!isAmong(written, item->key)) add(*item);
         }
+    }
+
+    static bool isAmong(const std::vector<std::string>& keys, std::string_view wanted) {
+        return std::any_of(keys.begin(), keys.end(),
+                           [&](const std::string& key) { return equalsNoCase(key, wanted); });
     }
 
     void add(const APEItem& item) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -22,6 +23,9 @@ struct TagWording {
     bool isBody = false;  ///< `text` is the frame's whole body, which holds bytes that are no text
 };
 
+/// Kinds of ID3v2 frames that feed a field.
+inline constexpr std::size_t interpretedFrameCount = 18;
+
 /// Long-form text fields and header data of an ID3v2 tag (ID3v2.3.0 and 2.4.0).
 struct cID3v2ext {
     std::uint8_t MajorVersion = 0;  ///< 2, 3 or 4; 0 when no tag was read
@@ -37,7 +41,8 @@ struct cID3v2ext {
     std::string RecordingTime;  ///< the whole TDRC text where it says more than the year
     std::string UnknownFrames;  ///< raw frames, header and body, in file order
 
-    bool bDamaged = false;             ///< not all of the tag could be taken apart
+    std::bitset<interpretedFrameCount> RowsRead;  ///< of `fieldFrames`: which were there
+    bool bDamaged = false;                        ///< not all of the tag could be taken apart
     std::string UnreadRest;            ///< bytes behind the last whole frame that are no padding
     std::string CommentLanguage;       ///< ISO 639-2
     std::string URLDescription;        ///< of WXXX

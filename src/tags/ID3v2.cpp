@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bitset>
 
 #include "tags/ByteCursor.h"
 #include "tags/ID3v2Fields.h"
@@ -108,7 +107,7 @@ class FrameWalk {
         const auto encoding = takeEncoding(cursor);
         if (!encoding) return false;
         const auto row = static_cast<std::size_t>(frame - fieldFrames().data());
-        if (seen_[row]) return false;
+        if (record_.ID3v2Ext.RowsRead[row]) return false;
         if (frame->kind == FrameKind::Comment && !takeCommentHead(cursor, *encoding)) return false;
         if (frame->kind == FrameKind::Url) return readUrl(cursor, *encoding);
         return readText(row, cursor, *encoding, *body);
@@ -138,7 +137,7 @@ class FrameWalk {
         if (frame.kind != FrameKind::Genre) value = joinValues(std::move(value));
         const std::string_view trimmed = trimBlanks(value);
         if (trimmed.empty()) return trimBlanks(whole).empty();
-        seen_.set(row);
+        record_.ID3v2Ext.RowsRead.set(row);
         frame.set(record_, trimmed);
         if (context_.depth == ReadDepth::Full) keepWording(row, whole, body);
         return true;
@@ -238,7 +237,6 @@ class FrameWalk {
     std::uint64_t end_ = 0;
     std::vector<std::uint8_t> decoded_;
     std::size_t unpacked_ = 0;
-    std::bitset<fieldFrameCount> seen_;
     bool hasPicture_ = false;
     std::vector<std::string> kept_;  // raw frames in file order
     std::size_t chosenPicture_ = 0;  // 1-based place in kept_; 0 = none

@@ -21,7 +21,7 @@ struct FieldFrame {
     std::string (*get)(const ID3tag&, int majorVersion);
 };
 
-inline constexpr std::size_t fieldFrameCount = 18;
+inline constexpr std::size_t fieldFrameCount = interpretedFrameCount;
 
 /// In the order in which they are written.
 std::span<const FieldFrame, fieldFrameCount> fieldFrames();

@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 
+#include "platform/Utf8.h"
 #include "tags/ByteCursor.h"
 #include "tags/ByteWriting.h"
 #include "tags/ID3v2Frame.h"
@@ -117,19 +118,94 @@ std::optional<Frame> fromVersion3(const FrameHeader& header, std::string_view bo
     return frame;
 }
 
+// Where a frame's text stands behind its encoding byte, a letter a part: L language, b byte, d
+// date, n 8-bit text and NUL, s text and its end, t text to the end, y timed texts, r bytes to the
+// end.
+struct TextLayout {
+    std::string_view id, parts;
+};
+constexpr auto textLayouts = std::to_array<TextLayout>({
+    {"COMM", "Lt"},
+    {"USLT", "Lt"},
+    {"USER", "Lt"},
+    {"WXXX", "sr"},
+    {"APIC", "nbsr"},
+    {"GEOB", "nssr"},
+    {"OWNE", "ndt"},
+    {"SYLT", "Lbbsy"},
+});
+
+std::string_view textLayout(std::string_view id) {
+    if (id[0] == 'T') return "t";
+    const auto* row = std::find_if(textLayouts.begin(), textLayouts.end(),
+                                   [&](const TextLayout& layout) { return layout.id == id; });
+    return row == textLayouts.end() ? std::string_view() : row->parts;
+}
+
 // Version 3 knows 8-bit text and UTF-16 with a mark only.
-void recodeText(Frame& frame, const CodePage& ansi) {
-    const bool isComment = frame.header.id == "COMM" || frame.header.id == "USLT";
-    const std::size_t skipped = isComment ? 4 : 1;
-    if ((!isComment && frame.header.id[0] != 'T') || frame.body.size() < skipped) return;
-    const auto encoding = static_cast<TextEncoding>(frame.body[0]);
-    if (encoding != TextEncoding::Utf16BigEndian && encoding != TextEncoding::Utf8) return;
-    const Bytes text = bytesOfText(frame.body).subspan(skipped);
-    const std::string decoded = decodeText(encoding, text, ansi);
-    if (encoding == TextEncoding::Utf8 && decoded != textOf(text)) return;
-    frame.body.resize(skipped);
-    frame.body[0] = static_cast<char>(TextEncoding::Utf16);
-    frame.body += utf16Text(decoded);
+class Recoder {
+ public:
+    Recoder(TextEncoding encoding, Bytes body, const CodePage& ansi)
+        : encoding_(encoding), cursor_(body), ansi_(ansi) {}
+
+    std::string run(std::string_view parts) {
+        out_ = static_cast<char>(TextEncoding::Utf16);
+        for (const char part : parts) recodePart(part);
+        return out_ + std::string(textOf(cursor_.rest()));
+    }
+
+ private:
+    void recodePart(char part) {
+        constexpr std::size_t languageSize = 3, dateSize = 8, stampSize = 4;
+        switch (part) {
+            case 'L':
+                return copy(languageSize);
+            case 'b':
+                return copy(1);
+            case 'd':
+                return copy(dateSize);
+            case 'n':
+                out_ += textOf(cursor_.takeUntil(0));
+                out_ += '\0';
+                return;
+            case 's':
+                out_ += recoded(takeTerminated(cursor_, encoding_)) + std::string(2, '\0');
+                return;
+            case 't':
+                out_ += recoded(*cursor_.take(cursor_.left()));
+                return;
+            case 'y':
+                while (cursor_.left() > 0) {
+                    recodePart('s');
+                    copy(stampSize);
+                }
+                return;
+            default:
+                return;
+        }
+    }
+
+    void copy(std::size_t count) { out_ += textOf(*cursor_.take(std::min(count, cursor_.left()))); }
+
+    [[nodiscard]] std::string recoded(Bytes text) const {
+        return utf16Text(decodeText(encoding_, text, ansi_));
+    }
+
+    TextEncoding encoding_;
+    ByteCursor cursor_;
+    const CodePage& ansi_;
+    std::string out_;
+};
+
+// Bytes that are no UTF-8 stay as they are: a guess would lose them.
+std::string contentForVersion3(std::string_view id, Bytes content, const CodePage& ansi) {
+    const std::string_view parts = textLayout(id);
+    const auto encoding = content.empty() ? TextEncoding::Latin1 : TextEncoding{content[0]};
+    const bool isForeign =
+        encoding == TextEncoding::Utf16BigEndian ||
+        (encoding == TextEncoding::Utf8 && (id[0] != 'T' || isValidUtf8(textOf(content))));
+    if (parts.empty() || !isForeign) return std::string(textOf(content));
+    return Recoder(encoding, content.subspan(1), ansi).run(parts);
 }
 
 std::optional<Frame> fromVersion4(const FrameHeader& header, std::string_view body,
@@ -146,14 +222,17 @@ std::optional<Frame> fromVersion4(const FrameHeader& header, std::string_view bo
     if (isCompressed) frame.header.flags |= bits.compressed;
     if (prefix->method) frame.header.flags |= bits.encrypted;
     if (prefix->group) frame.header.flags |= bits.grouped;
-    if ((header.flags & old.unsynchronised) != 0) {
-        const auto plain = undoUnsynchronisation(cursor.rest());
-        frame.body += textOf(plain);
-    } else {
-        frame.body += textOf(cursor.rest());
-    }
-    if (frame.body.size() > 0 && isPlainFrame(frame.header, 3)) recodeText(frame, ansi);
+    const Bytes content = cursor.rest();
+    std::vector<std::uint8_t> plain(content.begin(), content.end());
+    if ((header.flags & old.unsynchronised) != 0) plain = undoUnsynchronisation(content);
+    const bool isReadable = !isCompressed && !prefix->method;
+    frame.body +=
+        isReadable ? contentForVersion3(header.id, plain, ansi) : std::string(textOf(plain));
     return frame;
+}
+
+bool contains(const std::vector<std::string_view>& ids, std::string_view id) {
+    return std::find(ids.begin(), ids.end(), id) != ids.end();
 }
 
 std::optional<Frame> converted(const FrameHeader& header, std::string_view body, int from, int to,
@@ -168,15 +247,20 @@ std::optional<Frame> converted(const FrameHeader& header, std::string_view body,
 }
 }  // namespace
 
-std::string convertFrames(std::string_view frames, int from, int to, const CodePage& ansi) {
-    if (from == to) return std::string(frames);
+std::string convertFrames(std::string_view frames, int from, int to, const CodePage& ansi,
+                          const FieldIds& fields) {
+    if (from == to && fields.emptied.empty()) return std::string(frames);
     std::string out;
     const std::size_t headerSize = frameHeaderSize(from);
     while (const auto header = parseFrameHeader(bytesOfText(frames), from)) {
         const std::size_t size = std::min(headerSize + header->bodySize, frames.size());
         const std::string_view whole = frames.substr(0, size);
         frames.remove_prefix(size);
-        if (const auto frame = converted(*header, whole.substr(headerSize), from, to, ansi)) {
+        auto frame = converted(*header, whole.substr(headerSize), from, to, ansi);
+        if (contains(fields.emptied, frame ? frame->header.id : header->id)) continue;
+        // An old name that was not interpreted may turn into a field's own.
+        if (frame && from == 2 && contains(fields.written, frame->header.id)) frame.reset();
+        if (frame) {
             appendFrame(out, *frame, to);
         } else {
             out += privateFrame("ID3v2." + std::to_string(from), whole, to);

@@ -53,14 +53,24 @@ class FramesWriter {
             }
             const std::string field = frame.get(record_, version_);
             if (!field.empty()) addField(row, field);
+            noteField(row, field.empty());
         }
         const cID3v2ext& ext = record_.ID3v2Ext;
-        out_ += convertFrames(ext.UnknownFrames, ext.MajorVersion, version_, context_.ansi);
+        out_ +=
+            convertFrames(ext.UnknownFrames, ext.MajorVersion, version_, context_.ansi, fields_);
         if (!ext.UnreadRest.empty()) out_ += privateFrame("ID3v2", ext.UnreadRest, version_);
         return std::move(out_);
     }
 
  private:
+    void noteField(std::size_t row, bool isEmpty) {
+        const FieldFrame& frame = fieldFrames()[row];
+        const bool isSingle = frame.kind == FrameKind::Text || frame.kind == FrameKind::Genre;
+        if (!isSingle) return;
+        if (!isEmpty) fields_.written.push_back(frame.id);
+        if (isEmpty && record_.ID3v2Ext.RowsRead[row]) fields_.emptied.push_back(frame.id);
+    }
+
     void addField(std::size_t row, const std::string& field) {
         const FieldFrame& frame = fieldFrames()[row];
         const TagWording* wording = wordingOf(row, field);
@@ -151,6 +161,7 @@ class FramesWriter {
     const WriteContext& context_;
     const int version_;
     const bool isSameVersion_;
+    FieldIds fields_;
     std::string out_;
 };
 }  // namespace

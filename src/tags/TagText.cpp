@@ -103,11 +103,13 @@ std::string utf16Text(std::string_view text) {
     const std::u16string units = utf16FromUtf8(text);
     std::string out;
     out.reserve(2 * units.size() + 2);
-    appendLittleEndian(out, byteOrderMark, 2);
+    bool begins = true;
     for (const char16_t unit : units) {
+        if (begins) appendLittleEndian(out, byteOrderMark, 2);
         appendLittleEndian(out, unit, 2);
-        if (unit == 0) appendLittleEndian(out, byteOrderMark, 2);
+        begins = unit == 0;
     }
+    if (units.empty()) appendLittleEndian(out, byteOrderMark, 2);
     return out;
 }
 

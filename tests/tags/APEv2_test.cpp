@@ -261,5 +261,25 @@ TEST(APEv2, TagStandsInFrontOfALyricsBlock) {
     }
 }
 
+TEST(APEv2, CountsOfAFileThatHasNoOtherTagAreItems) {
+    ApeTag start;
+    start.items = {apeItem("Track", "3")};
+    const auto counts = [](ID3tag& r) {
+        r.TracksCount = 12;
+        r.DiskNumber = 1;
+    };
+    const std::string edited = editFile(audio + start.bytes(), counts, {}, 1252, "a.mpc");
+    EXPECT_NE(edited.find(apeItem("TracksCount", "12") + apeItem("DiskNumber", "1")),
+              std::string::npos);
+    EXPECT_EQ(readTag(edited).record.TracksCount, 12);
+    // An MP3 file's item of that name is nobody's, and stays.
+    start.items.push_back(apeItem("TracksCount", "5"));
+    TagSettings settings;
+    settings.ape2 = true;
+    const auto album = [](ID3tag& r) { r.SetAlbum("A"); };
+    EXPECT_NE(editFile(audio + start.bytes(), album, settings).find(apeItem("TracksCount", "5")),
+              std::string::npos);
+}
+
 }  // namespace
 }  // namespace tavlo::test

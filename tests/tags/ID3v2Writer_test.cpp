@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/EditFile.h"
+#include "support/ReadBytes.h"
 #include "support/TagBytes.h"
 
 namespace tavlo::test {
@@ -245,6 +246,21 @@ TEST(ID3v2Writer, TagOfAnotherVersionIsWrittenAnew) {
         const std::string padding(space - c.expected.size(), '\0');
         EXPECT_EQ(written, tag(c.to, c.expected + padding) + audio) << c.name;
     }
+}
+
+TEST(ID3v2Writer, NothingThatWasThereTwiceComesToLight) {
+    const auto artists = textFrame(3, "TPE1", "first") + textFrame(3, "TPE1", "second");
+    const auto artistAfter = [&](const std::string& bytes, const std::string& artist) {
+        const auto edit = [&](ID3tag& r) { r.SetArtist(artist); };
+        return std::string(readBytes(editFile(bytes, edit)).GetArtist());
+    };
+    EXPECT_EQ(artistAfter(tag(3, artists), ""), "");
+    EXPECT_EQ(artistAfter(tag(3, artists), "new"), "new");
+    // An old frame that fed no field gives way to the field's own.
+    const std::string old = tag(2, textFrame(2, "TCR", "old"));
+    const std::string edited = editFile(old, [](ID3tag& r) { r.ID3v2Ext.CopyRight = "new"; });
+    EXPECT_EQ(edited.find("TCOP"), edited.rfind("TCOP"));
+    EXPECT_NE(edited.find(textFrame(2, "TCR", "old")), std::string::npos);
 }
 
 }  // namespace
