@@ -20,10 +20,13 @@ struct Counters {
     std::uint64_t heldBytes = 0;    ///< heap in use
     std::uint64_t readBytes = 0;
     std::uint64_t reads = 0;  ///< system calls that read
+    std::uint64_t writtenBytes = 0;
+    std::uint64_t writes = 0;  ///< system calls that write
 
     Counters operator-(const Counters& before) const {
-        return {allocations - before.allocations, heldBytes - before.heldBytes,
-                readBytes - before.readBytes, reads - before.reads};
+        return {allocations - before.allocations,   heldBytes - before.heldBytes,
+                readBytes - before.readBytes,       reads - before.reads,
+                writtenBytes - before.writtenBytes, writes - before.writes};
     }
 };
 
@@ -36,6 +39,8 @@ inline Counters counters() {
     for (std::uint64_t value = 0; io >> name >> value;) {
         if (name == "rchar:") now.readBytes = value;
         if (name == "syscr:") now.reads = value;
+        if (name == "wchar:") now.writtenBytes = value;
+        if (name == "syscw:") now.writes = value;
     }
     now.allocations = allocationCount;
     now.heldBytes = ::mallinfo2().uordblks + ::mallinfo2().hblkhd;

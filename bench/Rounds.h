@@ -17,8 +17,9 @@ inline double median(std::vector<double> values) {
 
 struct Contender {
     std::string name;
-    std::function<bool()> run;    ///< false ends the measurement
-    std::vector<double> seconds;  ///< by round
+    std::function<bool()> run;                            ///< false ends the measurement
+    std::vector<double> seconds;                          ///< by round
+    std::function<bool()> prepare = [] { return true; };  ///< before each run, not timed
 };
 
 /// Runs all contenders in turn, round by round; a first round warms the caches and is left out.
@@ -26,6 +27,7 @@ inline bool runRounds(std::vector<Contender>& contenders, int rounds) {
     using Clock = std::chrono::steady_clock;
     for (int round = 0; round <= rounds; ++round) {
         for (Contender& contender : contenders) {
+            if (!contender.prepare()) return false;
             const auto start = Clock::now();
             if (!contender.run()) return false;
             const std::chrono::duration<double> time = Clock::now() - start;

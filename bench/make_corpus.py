@@ -3,7 +3,9 @@
 
 FOLDER/music gets 10,000 MP3 files with every kind of tag around the audio of samples/: one in
 twelve with a picture of 200 KB, up to 4 KB of padding, eight texts of another program in a quarter
-of the ID3v2 tags. FOLDER/empty gets 200,000 empty files in 2,000 folders.
+of the ID3v2 tags. FOLDER/empty gets 200,000 empty files in 2,000 folders. FOLDER/room and
+FOLDER/tight get 1,000 files each of some 200 KB with an ID3v2.3 tag in UTF-16 alone, with 1 KB of
+padding and with none.
 """
 
 import io
@@ -47,7 +49,7 @@ def texts(rng, words):
     return values
 
 
-def id3v2(rng, version, encoding, values, *others):
+def id3v2(rng, version, encoding, values, *others, padding=None):
     tag = id3.ID3()
     for name, text in values.items():
         if name != "comment":
@@ -60,7 +62,8 @@ def id3v2(rng, version, encoding, values, *others):
     for frame in others:
         tag.add(frame)
     out = io.BytesIO()
-    padding = rng.choice((0, 256, 1024, 2048, 4096))
+    if padding is None:
+        padding = rng.choice((0, 256, 1024, 2048, 4096))
     tag.save(out, v1=0, v2_version=version, padding=lambda info: padding)
     return out.getvalue()
 
@@ -119,6 +122,17 @@ def make_music(folder, count=10000):
         (album / f"{number % 100:02d} - {deck[number % 100]}.mp3").write_bytes(data)
 
 
+def make_writing(folder, padding, count=1000, size=200000):
+    rng = random.Random(2)
+    sound = max(bare_audio(), key=len)
+    folder.mkdir(parents=True)
+    for number in range(count):
+        values = texts(rng, LATIN if rng.random() < 0.6 else CYRILLIC)
+        tag = id3v2(rng, 3, id3.Encoding.UTF16, values, padding=padding)
+        audio = sound * rng.randint(size // 2 // len(sound), size * 3 // 2 // len(sound))
+        (folder / f"{number:03d}.mp3").write_bytes(tag + audio)
+
+
 def make_empty(folder, folders=2000, files=100):
     for number in range(folders):
         place = folder / f"Artist {number // 20}" / f"Album {number % 20}"
@@ -130,3 +144,5 @@ def make_empty(folder, folders=2000, files=100):
 if __name__ == "__main__":
     make_music(Path(sys.argv[1]) / "music")
     make_empty(Path(sys.argv[1]) / "empty")
+    make_writing(Path(sys.argv[1]) / "room", 1024)
+    make_writing(Path(sys.argv[1]) / "tight", 0)
