@@ -4,7 +4,8 @@ run_packages=(g++ cmake ninja-build rapidjson-dev zlib1g-dev)
 fast_packages=("${run_packages[@]}" googletest clang-format)
 test_packages=("${fast_packages[@]}" g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
     wine wine64
-    clang libclang-rt-14-dev)
+    clang libclang-rt-14-dev
+    python3-mutagen libtag1-dev)
 lint_packages=("${run_packages[@]}" googletest clang-tidy)
 peers_packages=("${run_packages[@]}" lame python3-mutagen libtag1-dev)
 bench_packages=("${run_packages[@]}" pkg-config libtag1-dev python3-mutagen strace)
