@@ -165,8 +165,13 @@ class Rewriter {
         const std::string path = withoutLinks(linkedPath);
         TemporaryFile temporary(file_);
         if (!temporary.createBeside(path)) return Rewrite::NotCreated;
-        const bool complete = temporary.append(ends_.head) &&
-                              temporary.appendFromOriginal(ends_.headEnd, ends_.tailBegin) &&
+        // What the reading of the head brought along need not be read again.
+        const std::uint64_t known = std::clamp<std::uint64_t>(
+            File::headSize, ends_.headEnd, std::max(ends_.headEnd, ends_.tailBegin));
+        const std::string sound = bytesAt(file_, ends_.headEnd, known);
+        if (sound.size() != known - ends_.headEnd) return Rewrite::NotWritten;
+        const bool complete = temporary.append(ends_.head + sound) &&
+                              temporary.appendFromOriginal(known, ends_.tailBegin) &&
                               (ends_.tail.empty() || temporary.append(ends_.tail)) &&
                               temporary.complete(keepTime_);
         if (!complete) return Rewrite::NotWritten;
