@@ -231,6 +231,43 @@ std::optional<Frame> fromVersion4(const FrameHeader& header, std::string_view bo
     return frame;
 }
 
+// Chapters (ID3v2 chapter frame addendum) hold frames of their own behind a head; 0 for any other
+// frame.
+std::size_t nestedFramesAt(const Frame& frame) {
+    constexpr std::size_t chapterTimes = 16;
+    ByteCursor cursor(bytesOfText(frame.body));
+    if (frame.header.id == "CHAP") {
+        cursor.takeUntil(0);
+        if (!cursor.take(chapterTimes)) return 0;
+    } else if (frame.header.id == "CTOC") {
+        cursor.takeUntil(0);
+        cursor.u8();
+        for (int left = cursor.u8().value_or(0); left > 0; --left) cursor.takeUntil(0);
+    } else {
+        return 0;
+    }
+    return frame.body.size() - cursor.left();
+}
+
+std::string convertWalk(std::string_view frames, int from, int to, const CodePage& ansi,
+                        const FieldIds& fields, bool withNested);
+
+// Frames in their place that cannot be walked through to the end stay as they are.
+void convertNested(Frame& frame, int from, int to, const CodePage& ansi) {
+    const std::size_t at = nestedFramesAt(frame);
+    if (at == 0 || from == 2 || from == to || !isPlainFrame(frame.header, to)) return;
+    const std::string_view nested = std::string_view(frame.body).substr(at);
+    std::size_t end = 0;
+    while (const auto header = parseFrameHeader(bytesOfText(nested.substr(end)), from)) {
+        end += frameHeaderSize(from) + header->bodySize;
+        if (end > nested.size()) return;
+    }
+    if (end != nested.size()) return;
+    const std::string inside = convertWalk(nested, from, to, ansi, {}, false);  // no deeper
+    frame.body.resize(at);
+    frame.body += inside;
+}
+
 bool contains(const std::vector<std::string_view>& ids, std::string_view id) {
     return std::find(ids.begin(), ids.end(), id) != ids.end();
 }
@@ -245,11 +282,9 @@ std::optional<Frame> converted(const FrameHeader& header, std::string_view body,
     }
     return fromVersion3(header, body);
 }
-}  // namespace
 
-std::string convertFrames(std::string_view frames, int from, int to, const CodePage& ansi,
-                          const FieldIds& fields) {
-    if (from == to && fields.emptied.empty()) return std::string(frames);
+std::string convertWalk(std::string_view frames, int from, int to, const CodePage& ansi,
+                        const FieldIds& fields, bool withNested) {
     std::string out;
     const std::size_t headerSize = frameHeaderSize(from);
     while (const auto header = parseFrameHeader(bytesOfText(frames), from)) {
@@ -261,12 +296,20 @@ std::string convertFrames(std::string_view frames, int from, int to, const CodeP
         // An old name that was not interpreted may turn into a field's own.
         if (frame && from == 2 && contains(fields.written, frame->header.id)) frame.reset();
         if (frame) {
+            if (withNested) convertNested(*frame, from, to, ansi);
             appendFrame(out, *frame, to);
         } else {
             out += privateFrame("ID3v2." + std::to_string(from), whole, to);
         }
     }
     return out;
+}
+}  // namespace
+
+std::string convertFrames(std::string_view frames, int from, int to, const CodePage& ansi,
+                          const FieldIds& fields) {
+    if (from == to && fields.emptied.empty()) return std::string(frames);
+    return convertWalk(frames, from, to, ansi, fields, true);
 }
 
 std::string privateFrame(std::string_view owner, std::string_view bytes, int majorVersion) {

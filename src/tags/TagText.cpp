@@ -5,12 +5,11 @@
 
 #include "platform/Utf16.h"
 #include "platform/Utf8.h"
-#include "tags/ByteWriting.h"
 
 namespace tavlo {
 
 namespace {
-constexpr char32_t byteOrderMark = 0xFEFF;
+constexpr char16_t byteOrderMark = 0xFEFF;
 
 class Utf16Reader {
  public:
@@ -103,13 +102,17 @@ std::string utf16Text(std::string_view text) {
     const std::u16string units = utf16FromUtf8(text);
     std::string out;
     out.reserve(2 * units.size() + 2);
+    const auto add = [&](char16_t unit) {
+        out += static_cast<char>(unit & 0xFFU);
+        out += static_cast<char>(unit >> 8U);
+    };
     bool begins = true;
     for (const char16_t unit : units) {
-        if (begins) appendLittleEndian(out, byteOrderMark, 2);
-        appendLittleEndian(out, unit, 2);
+        if (begins) add(byteOrderMark);
+        add(unit);
         begins = unit == 0;
     }
-    if (units.empty()) appendLittleEndian(out, byteOrderMark, 2);
+    if (units.empty()) add(byteOrderMark);
     return out;
 }
 

@@ -129,6 +129,24 @@ TEST(ID3v2Kept, TextEncodingsOfVersion4BecomeUtf16) {
     expectConverted(cases);
 }
 
+TEST(ID3v2Kept, FramesInsideOfChaptersAreConvertedToo) {
+    const std::string times(16, '\1'), title = "\3" + std::string(200, 'x');
+    const std::string ascii(200, 'x');
+    const auto nested = [&](int version, const std::string& first) {
+        return frame(version, "TIT2", first) + frame(version, "WOAF", "http://x/");
+    };
+    const std::string wide = "\1" + marked(std::u16string(200, u'x'));
+    const Case cases[] = {
+        {"chapter", 4, 3, frame(4, "CHAP", "c1\0"s + times + nested(4, title)),
+         frame(3, "CHAP", "c1\0"s + times + nested(3, wide))},
+        {"contents", 3, 4, frame(3, "CTOC", "toc\0\3\2c1\0c2\0"s + nested(3, '\0' + ascii)),
+         frame(4, "CTOC", "toc\0\3\2c1\0c2\0"s + nested(4, '\0' + ascii))},
+        {"broken", 4, 3, frame(4, "CHAP", "c1\0"s + times + "TIT2\0\0\1\0"s),
+         frame(3, "CHAP", "c1\0"s + times + "TIT2\0\0\1\0"s)},
+    };
+    expectConverted(cases);
+}
+
 TEST(ID3v2Kept, NamesOfVersion2GetTheirSuccessors) {
     const Case cases[] = {
         {"text", 2, 3, textFrame(2, "TT3", "Sub"), textFrame(3, "TIT3", "Sub")},
