@@ -10,7 +10,7 @@ foreach(source IN LISTS targets)
     file(MAKE_DIRECTORY ${found} ${kept})
     add_executable(fuzz_${name} ${source})
     target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
-    target_include_directories(fuzz_${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_include_directories(fuzz_${name} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(fuzz_${name} PRIVATE tavlo_options ${TAVLO_ROOMS})
     add_test(NAME fuzz.${name} COMMAND fuzz_${name}
         -max_total_time=${TAVLO_FUZZ_SECONDS} -timeout=10 -rss_limit_mb=2048 -verbosity=0

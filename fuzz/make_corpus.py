@@ -90,6 +90,10 @@ SEEDS = {
     "fileview": [bytes([2, 80]) + TAG3 + FRAME * 3 + V1, bytes([33, 80]) + XING + APE + V1,
                 bytes([8, 255]) + TAG4 + FRAME * 3 + LYRICS + V1, bytes([0, 70]) + FRAME + APE,
                 LARGE],
+    "update": [bytes([settings]) + tag + FRAME * 2 + end for settings, tag, end in (
+        (0x03, b"", b""), (0x07, TAG3, V1), (0x1B, TAG4, APE + LYRICS + V1), (0x13, TAG2, LYRICS),
+        (0x0F, FLAGGED, APE + V1 + b"behind it"), (0x17, FLAGGED4, APE), (0x01, UNSYNC, V1),
+        (0x10, b"", V1), (0x23, EXTENDED, APE + LYRICS + V1))],
     "playlist": [b"#EXTM3U\r\n#EXTINF:10,a\r\n..\\a\\b.mp3\r\n\r\n./c.mp3 \n/d//e.mp3\n",
                  b"C:\\a/b.mp3\n\\\\server\\share\\c.mp3\n\\d.mp3\n\xcf\xee.mp3",
                  b"\xef\xbb\xbf" + "Ночь.mp3".encode()],

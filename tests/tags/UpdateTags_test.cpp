@@ -1,0 +1,209 @@
+#include "tags/UpdateTags.h"
+
+#include <gtest/gtest.h>
+
+#include "support/MemoryFile.h"
+#include "support/RecordTexts.h"
+#include "support/TagBytes.h"
+
+namespace tavlo::test {
+namespace {
+
+// Frames whose bytes differ, so that none can be moved or lost unseen.
+std::string makeSound() {
+    std::string bytes = mpegFrames(9);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] == '\0') bytes[i] = static_cast<char>(1 + i * 7 % 125);
+    }
+    return bytes;
+}
+
+const std::string sound = makeSound();
+const std::string counter = "\0\0\0\x05"s, gain = apeItem("Gain", "-1");
+const std::string lyrics = lyrics3(lyricsField("EAR", "Lyrics"));
+const std::string block = Id3v1{"Title", "Old", "Album", "2001", "", 0, 7, 17}.block();
+
+std::string oldTag(int version, const std::string& behind = std::string(40, '\0')) {
+    const bool old = version == 2;
+    return tag(version, textFrame(version, old ? "TP1" : "TPE1", "Old") +
+                            frame(version, old ? "CNT" : "PCNT", counter) + behind);
+}
+
+// The tags that a file carries, and the settings that it is written with.
+struct Combination {
+    bool v1, lyrics, ape;
+    int v2;  // version, 0 = none
+    TagSettings settings;
+
+    [[nodiscard]] std::string bytes() const {
+        return (v2 != 0 ? oldTag(v2) : "") + sound +
+               (ape ? ApeTag{{apeItem("Artist", "Ape"), gain}}.bytes() : "") +
+               (lyrics ? test::lyrics : "") + (v1 ? block : "");
+    }
+    [[nodiscard]] bool makesV2() const { return v2 != 0 || settings.id3v2; }
+    [[nodiscard]] bool makesV1() const { return v1 || (makesV2() && settings.id3v1); }
+    [[nodiscard]] bool makesApe() const { return ape || settings.ape2; }
+    [[nodiscard]] Refusal refusal() const {
+        if (!makesV2()) return Refusal::NoID3v2Tag;
+        return makesV1() ? Refusal::None : Refusal::NoID3v1Tag;
+    }
+};
+
+constexpr unsigned combinations = 1024;
+
+Combination combination(unsigned number) {
+    const auto bit = [&](unsigned place) { return (number >> place & 1U) != 0; };
+    const int v2 = static_cast<int>(number & 3U);
+    return {bit(2), bit(3), bit(4), v2 == 0 ? 0 : v2 + 1, {bit(5), bit(6), bit(7), bit(8), bit(9)}};
+}
+
+void expectKept(const ID3tag& found, const Combination& c) {
+    EXPECT_EQ(found.IsID3v1Present, c.makesV1());
+    EXPECT_EQ(found.IsID3v2Present, c.makesV2());
+    EXPECT_EQ(found.IsAPE2Present, c.makesApe());
+    EXPECT_EQ(found.IsLyricsPresent, c.lyrics);
+    const int version = found.ID3v2Ext.MajorVersion;
+    EXPECT_EQ(version, c.makesV2() ? 3 + int{c.settings.id3v24} : 0);
+    EXPECT_EQ(found.ID3v2Ext.UnknownFrames, c.v2 != 0 ? frame(version, "PCNT", counter) : "");
+    EXPECT_EQ(found.UnknownItems, c.ape ? gain : "");
+}
+
+// The file without the tags that can be written.
+void expectBareSound(MemoryFile& file, const Combination& c) {
+    file.record = file.read();
+    if (c.makesV2()) {
+        EXPECT_TRUE(RemoveID3v2Tag(file.record, file.context));
+    }
+    if (c.makesV1()) {
+        EXPECT_TRUE(RemoveID3v1Tag(file.record, file.context));
+    }
+    EXPECT_TRUE(RemoveAPETag(file.record, file.context));
+    EXPECT_TRUE(file.bytes() == sound + (c.lyrics ? lyrics : ""));
+}
+
+void checkCombination(const Combination& c) {
+    MemoryFile file(c.bytes(), c.settings);
+    ID3tag wanted;
+    setEveryField(wanted);
+    const TagUpdate result = file.change(setEveryField);
+    EXPECT_EQ(result, c.makesV2() ? TagUpdate::Written : TagUpdate::Refused);
+    EXPECT_EQ(file.record.Refused, c.refusal());
+    EXPECT_EQ(file.record.OK, c.refusal() == Refusal::None);
+    EXPECT_EQ(file.record.Path.empty(), !file.record.OK);
+    const std::string written = file.bytes();
+    const ID3tag found = file.read();
+    expectKept(found, c);
+    if (c.makesV2()) {
+        EXPECT_EQ(editableFields(found), editableFields(wanted));
+    }
+    if (c.settings.ape2) {
+        EXPECT_EQ(commonFields(found), commonFields(wanted));
+    }
+    if (!c.makesV2() && !c.settings.ape2) {
+        EXPECT_TRUE(written == c.bytes());
+    }
+    EXPECT_EQ(file.change(setEveryField), c.makesV2() ? TagUpdate::Unchanged : TagUpdate::Refused);
+    EXPECT_TRUE(file.bytes() == written);
+    expectBareSound(file, c);
+}
+
+TEST(UpdateTags, EveryCombinationOfTagsAndSettings) {
+    for (unsigned number = 0; number < combinations && !HasFailure(); ++number) {
+        SCOPED_TRACE("combination " + std::to_string(number));
+        checkCombination(combination(number));
+    }
+}
+
+TEST(UpdateTags, TagGrowsShrinksAndGrowsAgain) {
+    const auto longer = [](ID3tag& r) { r.SetComment(std::string(3000, 'c')); };
+    const auto shorter = [](ID3tag& r) { r.SetComment("c"); };
+    for (const bool withApe : {false, true}) {
+        MemoryFile file(oldTag(3) + sound + lyrics + block, {.ape2 = withApe});
+        EXPECT_EQ(file.change(longer), TagUpdate::Written);
+        const std::string grown = file.bytes();
+        const TagLayout layout = (file.read(), file.layout);
+        EXPECT_EQ(file.change(shorter), TagUpdate::Written);
+        EXPECT_EQ(file.read().GetComment(), "c");
+        EXPECT_EQ(file.layout.id3v2, layout.id3v2) << "the sound moved";
+        EXPECT_EQ(file.change(longer), TagUpdate::Written);
+        EXPECT_TRUE(file.bytes() == grown);
+    }
+}
+
+TEST(UpdateTags, OnlyEditedFieldsAreApplied) {
+    MemoryFile file(oldTag(3) + sound + block, {.ape2 = true});
+    ID3tag early = file.read(ReadDepth::List);
+    file.change([](ID3tag& r) {
+        setEveryField(r);
+        r.SetAlbum("Theirs");
+    });
+    early.SetArtist("Mine");
+    early.SetAlbum("");  // was "Album", and is emptied on purpose
+    EXPECT_EQ(UpdateTags(early, file.context), TagUpdate::Written);
+    ID3tag wanted;
+    setEveryField(wanted);
+    wanted.SetArtist("Mine");
+    wanted.SetAlbum("");
+    EXPECT_EQ(editableFields(file.read()), editableFields(wanted));
+}
+
+TEST(UpdateTags, EveryFieldCanBeEmptied) {
+    MemoryFile file(sound, {.ape2 = true});
+    file.change(setEveryField);
+    EXPECT_EQ(file.change([](ID3tag& r) {
+        ID3tag empty;
+        empty.Path = r.Path;
+        empty.FileType = r.FileType;
+        empty.OK = true;
+        empty.MarksAsRead = r.MarksAsRead;
+        r = empty;
+    }),
+              TagUpdate::Written);
+    EXPECT_EQ(editableFields(file.read()), editableFields({}));
+}
+
+TEST(UpdateTags, ModificationTimeIsKeptWhenAsked) {
+    for (const std::string& bytes : {oldTag(3, std::string(900, '\0')) + sound + block, sound}) {
+        for (const bool keepTime : {false, true}) {
+            MemoryFile file(bytes, {.keepTime = keepTime});
+            const std::int64_t before = file.calls.at("song.mp3").modified;
+            EXPECT_EQ(file.change(setEveryField), TagUpdate::Written);
+            EXPECT_EQ(file.calls.at("song.mp3").modified == before, keepTime);
+        }
+    }
+}
+
+TEST(UpdateTags, DamagedTagIsRefused) {
+    const std::string whole = oldTag(3);
+    for (const std::string& bytes :
+         {whole.substr(0, whole.size() - 1), "ID3\x05\0\0\0\0\0\0"s + sound,
+          "ID3\x02\0\x40\0\0\0\0"s + sound}) {
+        for (const std::string path : {"song.mp3", "song.mpc"}) {
+            MemoryFile file(bytes, {.ape2 = true}, path);
+            EXPECT_EQ(file.change(setEveryField), TagUpdate::Refused);
+            EXPECT_EQ(file.record.Refused, Refusal::Damaged);
+            EXPECT_TRUE(file.bytes() == bytes);
+            EXPECT_EQ(file.errors.count(), 1U);
+        }
+    }
+}
+
+TEST(UpdateTags, BytesBehindTheLastFrameSurvive) {
+    const std::string rest = frame(3, "TIT2", "").substr(0, 4) + "\xFF\xFF\xFF\xFF\0\0not a frame"s;
+    MemoryFile file(oldTag(3, rest + std::string(30, '\0')) + sound);
+    EXPECT_EQ(file.change(setEveryField), TagUpdate::Written);
+    EXPECT_NE(file.read().ID3v2Ext.UnknownFrames.find(rest), std::string::npos);
+}
+
+TEST(UpdateTags, RemovingATagThatIsNotThereChangesNothing) {
+    for (const std::string& bytes : {sound, sound + lyrics}) {
+        MemoryFile file(bytes);
+        ID3tag record = file.read();
+        EXPECT_TRUE(RemoveID3v1Tag(record, file.context));
+        EXPECT_TRUE(RemoveID3v2Tag(record, file.context));
+        EXPECT_TRUE(file.bytes() == bytes) << bytes.size() - file.bytes().size() << " bytes gone";
+    }
+}
+
+}  // namespace
+}  // namespace tavlo::test
