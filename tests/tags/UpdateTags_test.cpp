@@ -57,11 +57,14 @@ Combination combination(unsigned number) {
     return {bit(2), bit(3), bit(4), v2 == 0 ? 0 : v2 + 1, {bit(5), bit(6), bit(7), bit(8), bit(9)}};
 }
 
-void expectKept(const ID3tag& found, const Combination& c) {
+void expectTags(const ID3tag& found, const Combination& c) {
     EXPECT_EQ(found.IsID3v1Present, c.makesV1());
     EXPECT_EQ(found.IsID3v2Present, c.makesV2());
     EXPECT_EQ(found.IsAPE2Present, c.makesApe());
     EXPECT_EQ(found.IsLyricsPresent, c.lyrics);
+}
+
+void expectUnknownKept(const ID3tag& found, const Combination& c) {
     const int version = found.ID3v2Ext.MajorVersion;
     EXPECT_EQ(version, c.makesV2() ? 3 + int{c.settings.id3v24} : 0);
     EXPECT_EQ(found.ID3v2Ext.UnknownFrames, c.v2 != 0 ? frame(version, "PCNT", counter) : "");
@@ -91,8 +94,11 @@ void checkCombination(const Combination& c) {
     EXPECT_EQ(file.record.OK, c.refusal() == Refusal::None);
     EXPECT_EQ(file.record.Path.empty(), !file.record.OK);
     const std::string written = file.bytes();
+    EXPECT_EQ(file.record.Length, written.size());
+    expectTags(file.record, c);
     const ID3tag found = file.read();
-    expectKept(found, c);
+    expectTags(found, c);
+    expectUnknownKept(found, c);
     if (c.makesV2()) {
         EXPECT_EQ(editableFields(found), editableFields(wanted));
     }
