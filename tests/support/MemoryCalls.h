@@ -19,13 +19,15 @@ enum class Fault {
 };
 
 /// Files in memory. The calls that change something are counted from 1, and one of them can be
-/// made to fail. As on the strictest system, a file that is open is neither replaced nor removed.
+/// made to fail. As on the strictest system, a file that is open is neither replaced nor removed,
+/// and one that was not flushed takes no other's place.
 class MemoryCalls final : public FileCalls {
  public:
     struct Stored {
         std::string bytes;
         std::int64_t modified = 0;
         bool isReadOnly = false;
+        bool isFlushed = true;
     };
 
     /// Counts anew; `fault` strikes the `at`th call.
@@ -82,7 +84,7 @@ class MemoryCalls final : public FileCalls {
     bool truncate(FileHandle file, std::uint64_t size) override {
         return happens() && resize(*open_.at(file), static_cast<std::size_t>(size));
     }
-    bool flush(FileHandle) override { return happens(); }
+    bool flush(FileHandle file) override { return happens() && (open_.at(file)->isFlushed = true); }
     bool setModified(FileHandle file, std::int64_t modified) override {
         if (!happens()) return false;
         open_.at(file)->modified = modified;
@@ -93,6 +95,7 @@ class MemoryCalls final : public FileCalls {
     }
     bool replace(const std::string& temporary, const std::string& path) override {
         if (!happens() || isOpen(temporary) || isOpen(path)) return false;
+        if (!files_.at(temporary)->isFlushed) return false;
         files_[path] = files_.at(temporary);
         files_.erase(temporary);
         return true;
@@ -136,6 +139,7 @@ class MemoryCalls final : public FileCalls {
         if (room_ && size > old + *room_) return false;
         if (room_) *room_ = *room_ + old - size;
         file.bytes.resize(size);
+        file.isFlushed = false;
         file.modified = ++clock_;
         return true;
     }

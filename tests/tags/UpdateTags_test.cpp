@@ -151,6 +151,13 @@ TEST(UpdateTags, OnlyEditedFieldsAreApplied) {
     wanted.SetArtist("Mine");
     wanted.SetAlbum("");
     EXPECT_EQ(editableFields(file.read()), editableFields(wanted));
+
+    // What was written is no edit any more.
+    file.change([](ID3tag& r) { r.SetArtist("Theirs"); });
+    early.SetYear("1990");
+    EXPECT_EQ(UpdateTags(early, file.context), TagUpdate::Written);
+    EXPECT_EQ(file.read().GetArtist(), "Theirs");
+    EXPECT_EQ(file.read().GetYear(), "1990");
 }
 
 TEST(UpdateTags, EveryFieldCanBeEmptied) {
