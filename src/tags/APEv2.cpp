@@ -64,7 +64,9 @@ std::optional<Tag> locate(File& file, std::optional<std::uint64_t> lyricsBegin) 
     const std::uint64_t from = file.size() - std::min<std::uint64_t>(file.size(), searchSpan);
     const std::string_view end = textOf(file.view(from, searchSpan));
     // Searching forwards is quicker where there is none.
-    if (end.find(tagMark) != std::string_view::npos) return tagAt(file, from + end.rfind(tagMark));
+    if (end.find(tagMark) != std::string_view::npos) {
+        if (auto tag = tagAt(file, from + end.rfind(tagMark))) return tag;
+    }
     if (!lyricsBegin || *lyricsBegin < footerSize) return std::nullopt;
     return tagAt(file, *lyricsBegin - footerSize);
 }

@@ -5,7 +5,7 @@
 #include "core/PathText.h"
 #include "platform/FileSystem.h"
 #include "tags/ByteCursor.h"
-#include "tags/ID3v2Frame.h"
+#include "tags/ID3v2.h"
 
 namespace tavlo {
 
@@ -16,20 +16,15 @@ std::string bytesAt(File& file, std::uint64_t begin, std::uint64_t end) {
     return std::string(textOf(file.view(begin, static_cast<std::size_t>(end - begin))));
 }
 
-std::uint64_t audioBegin(File& file) {
-    const auto header = parseTagHeader(file.view(0, TagHeader::size));
-    return header ? TagHeader::size + std::uint64_t{header->bodySize} : 0;
-}
-
 // A killed run leaves a file that goes on with the same sound behind its tag. Anything else that
 // bears the name belongs to somebody.
 bool isLeftover(File& found, File& original) {
     constexpr std::size_t compared = 4096;
-    const std::uint64_t begin = audioBegin(found);
+    const std::uint64_t begin = ID3v2TagEnd(found);
     if (found.size() == 0) return true;
     if (begin >= found.size()) return false;
     const std::string sound = bytesAt(found, begin, std::min(begin + compared, found.size()));
-    return sound == textOf(original.view(audioBegin(original), sound.size()));
+    return sound == textOf(original.view(ID3v2TagEnd(original), sound.size()));
 }
 
 // A file beside the one it is to replace. Unless `moveTo` succeeds it goes away again.
@@ -165,9 +160,11 @@ class Rewriter {
         const std::string path = withoutLinks(linkedPath);
         TemporaryFile temporary(file_);
         if (!temporary.createBeside(path)) return Rewrite::NotCreated;
-        // What the reading of the head brought along need not be read again.
-        const std::uint64_t known = std::clamp<std::uint64_t>(
-            File::headSize, ends_.headEnd, std::max(ends_.headEnd, ends_.tailBegin));
+        // What the reading of the head brought along need not be read again; and some sound has to
+        // be in the first write, by which a leftover is known.
+        constexpr std::uint64_t leastSound = 256;
+        const std::uint64_t known = std::min(
+            std::max<std::uint64_t>(File::headSize, ends_.headEnd + leastSound), ends_.tailBegin);
         const std::string sound = bytesAt(file_, ends_.headEnd, known);
         if (sound.size() != known - ends_.headEnd) return Rewrite::NotWritten;
         const bool complete = temporary.append(ends_.head + sound) &&

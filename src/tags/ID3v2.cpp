@@ -1,7 +1,6 @@
 #include "tags/ID3v2.h"
 
 #include <algorithm>
-#include <array>
 
 #include "tags/ByteCursor.h"
 #include "tags/ID3v2Fields.h"
@@ -257,15 +256,6 @@ bool isReadable(const cID3v2ext& ext) {
     return ext.MajorVersion == 3 || ext.MajorVersion == 4 ||
            (ext.MajorVersion == 2 && !ext.bExtendedHeader);
 }
-
-// The footer counts only where it really is: what else stands there is sound.
-std::uint64_t tagEnd(File& file, const TagHeader& header) {
-    constexpr std::string_view footerMark = "3DI";
-    const std::uint64_t end = TagHeader::size + std::uint64_t{header.bodySize};
-    const bool hasFooter = (header.flags & footerPresent) != 0 &&
-                           textOf(file.view(end, footerMark.size())) == footerMark;
-    return std::min(hasFooter ? end + TagHeader::size : end, file.size());
-}
 }  // namespace
 
 std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context) {
@@ -276,7 +266,7 @@ std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContex
     ext.bDamaged = true;  // until everything is seen to be whole
     if (!header) return TagSpan{0, file.size()};
     setHeader(ext, *header);
-    const TagSpan span{0, tagEnd(file, *header)};
+    const TagSpan span{0, ID3v2TagEnd(file)};
     if (!isReadable(ext)) return span;
     const std::uint64_t end = std::min<std::uint64_t>(TagHeader::size + header->bodySize, span.end);
     // Version 4 marks every unsynchronised frame by itself; before it the body is one piece.
@@ -292,6 +282,17 @@ std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContex
     }
     ext.bDamaged = TagHeader::size + std::uint64_t{header->bodySize} > file.size();
     return span;
+}
+
+// The footer counts only where it really is: what else stands there is sound.
+std::uint64_t ID3v2TagEnd(File& file, std::uint64_t begin) {
+    constexpr std::string_view footerMark = "3DI";
+    const auto header = parseTagHeader(file.view(begin, TagHeader::size));
+    if (!header) return begin;
+    const std::uint64_t end = begin + TagHeader::size + header->bodySize;
+    const bool hasFooter = (header->flags & footerPresent) != 0 &&
+                           textOf(file.view(end, footerMark.size())) == footerMark;
+    return std::min(hasFooter ? end + TagHeader::size : end, file.size());
 }
 
 }  // namespace tavlo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 #include "platform/File.h"
@@ -12,5 +13,9 @@ namespace tavlo {
 /// nothing where there is none. With `ReadDepth::List` the picture is noted without its bytes and
 /// frames that the program does not interpret are passed over.
 std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context);
+
+/// The offset behind the tag that begins at `begin`, its footer included where there really is one;
+/// `begin` itself where there is no tag. Never beyond the file's end.
+std::uint64_t ID3v2TagEnd(File& file, std::uint64_t begin = 0);
 
 }  // namespace tavlo

@@ -294,7 +294,9 @@ std::string convertWalk(std::string_view frames, int from, int to, const CodePag
         auto frame = converted(*header, whole.substr(headerSize), from, to, ansi);
         if (contains(fields.emptied, frame ? frame->header.id : header->id)) continue;
         // An old name that was not interpreted may turn into a field's own.
-        if (frame && from == 2 && contains(fields.written, frame->header.id)) frame.reset();
+        const bool isOld = frame && from == 2 && contains(fields.written, frame->header.id);
+        const bool isDate = frame && (frame->header.id == "TYER" || frame->header.id == "TDRC");
+        if (isOld || (isDate && fields.hasDate)) frame.reset();
         if (frame) {
             if (withNested) convertNested(*frame, from, to, ansi);
             appendFrame(out, *frame, to);
@@ -308,7 +310,7 @@ std::string convertWalk(std::string_view frames, int from, int to, const CodePag
 
 std::string convertFrames(std::string_view frames, int from, int to, const CodePage& ansi,
                           const FieldIds& fields) {
-    if (from == to && fields.emptied.empty()) return std::string(frames);
+    if (frames.empty()) return {};
     return convertWalk(frames, from, to, ansi, fields, true);
 }
 

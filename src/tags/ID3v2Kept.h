@@ -12,6 +12,7 @@ namespace tavlo {
 /// whose field was emptied, so that no second one of them comes to light.
 struct FieldIds {
     std::vector<std::string_view> written, emptied;
+    bool hasDate = false;  ///< a date that was kept would contradict the one written or emptied
 };
 
 /// Raw frames of one version as raw frames of version 3 or 4: sizes, flags and prefixes in the

@@ -69,6 +69,7 @@ class FramesWriter {
         if (!isSingle) return;
         if (!isEmpty) fields_.written.push_back(frame.id);
         if (isEmpty && record_.ID3v2Ext.RowsRead[row]) fields_.emptied.push_back(frame.id);
+        fields_.hasDate = !record_.GetYear().empty();
     }
 
     void addField(std::size_t row, const std::string& field) {

@@ -66,9 +66,14 @@ class TagPlan {
         if (refusal_ == Refusal::Damaged) return refusal_;
         if (record_.FileType == FileType::Mp3) {
             if (refusal_ != Refusal::NoID3v2Tag && !planHead()) return Refusal::TooLarge;
+            if (wouldHideApe() && refusal_ == Refusal::None) refusal_ = Refusal::NoID3v1Tag;
             planTail(context_.settings.ape2, blockBytes());
         } else {
-            if (layout_.id3v2) ends_.headEnd = layout_.id3v2->end;
+            // Some files have one tag behind another.
+            for (std::uint64_t end = ID3v2TagEnd(file_); end > ends_.headEnd;) {
+                ends_.headEnd = end;
+                end = ID3v2TagEnd(file_, end);
+            }
             planTail(true, {});
         }
         // Of tags that overlap one is not what it seems.
@@ -102,31 +107,44 @@ class TagPlan {
 
     // The ID3v1 block and nothing behind it; a block that is not written stays as it is.
     std::string blockBytes() {
+        constexpr std::size_t blockSize = 128;
         const auto& span = layout_.id3v1;
-        if (refusal_ == Refusal::NoID3v2Tag) {
-            return span ? bytesOf(file_, span->begin, file_.size()) : std::string();
-        }
+        std::string old = span ? bytesOf(file_, span->begin, span->end) : std::string();
         if (refusal_ == Refusal::NoID3v1Tag) return {};
-        const std::string old = span ? bytesOf(file_, span->begin, span->end) : std::string();
-        return encodeID3v1Block(record_, old, context_.ansi);
+        if (refusal_ != Refusal::NoID3v2Tag) {
+            return encodeID3v1Block(record_, old, context_.ansi);
+        }
+        if (span && old.size() < blockSize) {
+            old.resize(blockSize, '\0');
+            old.back() = static_cast<char>(noGenre);
+        }
+        return old;
     }
 
-    void planTail(bool withApe, std::string block) {
+    void planTail(bool withApe, const std::string& block) {
         const std::uint64_t end = layout_.id3v1 ? layout_.id3v1->begin : file_.size();
         ends_.tailBegin = end;
-        if (withApe) {
-            // A Lyrics3 block has to stand right in front of the ID3v1 block.
-            if (layout_.lyrics) ends_.tailBegin = std::min(end, layout_.lyrics->begin);
-            std::uint64_t keepBegin = ends_.tailBegin, keepEnd = end;
-            if (layout_.ape) {
-                ends_.tailBegin = layout_.ape->begin;
-                keepBegin = layout_.ape->end;
-                // Without a block behind it, only a Lyrics3 block belongs behind the tag.
-                if (!layout_.id3v1) keepEnd = layout_.lyrics ? layout_.lyrics->end : keepBegin;
-            }
-            ends_.tail = encodeAPETag(record_) + bytesOf(file_, keepBegin, keepEnd);
-        }
+        if (withApe) planApe(end);
         ends_.tail += block;
+    }
+
+    // A Lyrics3 block has to stand right in front of the ID3v1 block, so that a new tag goes in front
+    // of it. What stands behind an old one stays there.
+    void planApe(std::uint64_t end) {
+        if (layout_.lyrics) ends_.tailBegin = std::min(end, layout_.lyrics->begin);
+        if (layout_.ape) ends_.tailBegin = layout_.ape->begin;
+        const std::uint64_t kept = layout_.ape ? layout_.ape->end : ends_.tailBegin;
+        ends_.tail = encodeAPETag(record_) + bytesOf(file_, kept, end);
+    }
+
+    // A new block behind bytes that nobody knows would push the APEv2 tag in front of them out of
+    // the file's last 256 bytes, where it is looked for.
+    [[nodiscard]] bool wouldHideApe() const {
+        constexpr std::uint64_t mostBetween = 96;
+        if (!layout_.ape || layout_.id3v1) return false;
+        const bool hasLyrics = layout_.lyrics && layout_.lyrics->begin == layout_.ape->end;
+        const std::uint64_t known = hasLyrics ? layout_.lyrics->end : layout_.ape->end;
+        return file_.size() - known > (hasLyrics ? 0 : mostBetween);
     }
 
     File& file_;
@@ -246,6 +264,7 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
 bool RemoveID3v1Tag(ID3tag& record, const WriteContext& context) {
     constexpr std::uint64_t blockSize = 128, searchSpan = 256;
     constexpr std::string_view mark = "TAG";
+    if (!record.IsID3v1Present) return true;
     const bool done = removeFrom(record, context, [&](File& file, NewEnds& ends) {
         const std::uint64_t size = file.size();
         const std::uint64_t block = size - std::min(size, blockSize);

@@ -27,7 +27,9 @@ Refusal expectedRefusal(const ID3tag& record, const TagSettings& settings);
 std::optional<Text> refusalText(Refusal refusal);
 
 /// Each takes one kind of tag off the record's file and clears the record's flag of it. False
-/// when the file could not be changed; it then is as it was.
+/// when the file could not be changed; it then is as it was. A record without an ID3v1 block is
+/// left alone; where it has one, everything from the first "TAG" in the file's last 256 bytes on
+/// goes.
 bool RemoveID3v1Tag(ID3tag& record, const WriteContext& context);
 bool RemoveID3v2Tag(ID3tag& record, const WriteContext& context);
 bool RemoveAPETag(ID3tag& record, const WriteContext& context);

@@ -19,6 +19,10 @@ std::string makeSound() {
 }
 
 const std::string sound = makeSound();
+
+void setTitle(ID3tag& record) {
+    record.SetTitle("t");
+}
 const std::string counter = "\0\0\0\x05"s, gain = apeItem("Gain", "-1");
 const std::string lyrics = lyrics3(lyricsField("EAR", "Lyrics"));
 const std::string block = Id3v1{"Title", "Old", "Album", "2001", "", 0, 7, 17}.block();
@@ -215,6 +219,56 @@ TEST(UpdateTags, RemovingATagThatIsNotThereChangesNothing) {
         EXPECT_TRUE(RemoveID3v1Tag(record, file.context));
         EXPECT_TRUE(RemoveID3v2Tag(record, file.context));
         EXPECT_TRUE(file.bytes() == bytes) << bytes.size() - file.bytes().size() << " bytes gone";
+    }
+}
+
+TEST(UpdateTags, RemovingAnID3v1BlockThatIsNotThereChangesNothing) {
+    const std::string ape = ApeTag{{apeItem("Gain", "-1")}}.bytes();
+    const std::string lyrics = lyrics3(lyricsField("EAR", "Lyrics"));
+    for (const std::string& bytes : {sound + "TAG", sound + ape, sound + ape + lyrics}) {
+        MemoryFile file(bytes);
+        ID3tag record = file.read();
+        EXPECT_TRUE(RemoveID3v1Tag(record, file.context));
+        EXPECT_TRUE(file.bytes() == bytes) << bytes.size() - file.bytes().size() << " bytes gone";
+    }
+}
+
+TEST(UpdateTags, SecondDateFrameDoesNotHideTheYear) {
+    struct Case {
+        int from;
+        const char* id;
+    };
+    for (const auto& [from, id] : {Case{4, "TDRC"}, Case{3, "TYER"}}) {
+        MemoryFile file(
+            tag(from, textFrame(from, id, "2001") + textFrame(from, id, "1999")) + sound,
+            {.id3v24 = from == 3});
+        file.change([](ID3tag& record) { record.SetYear("2007"); });
+        EXPECT_EQ(file.read().GetYear(), "2007");
+    }
+}
+
+TEST(UpdateTags, NewAPETagIsFoundAgain) {
+    const std::string broken = ApeTag{{apeItem("Artist", "b")}, 3000}.bytes();
+    MemoryFile file(sound + lyrics3(lyricsField("EAR", "L")) + broken,
+                    {.id3v1 = false, .ape2 = true});
+    file.change(setTitle);
+    EXPECT_TRUE(file.read().IsAPE2Present);
+    EXPECT_EQ(file.change(setTitle), TagUpdate::Unchanged);
+}
+
+TEST(UpdateTags, OldAPETagIsFoundAgain) {
+    MemoryFile file(sound + ApeTag{{apeItem("Artist", "b")}}.bytes() + std::string(100, 'y'));
+    EXPECT_TRUE(file.read().IsAPE2Present);
+    file.change(setTitle);
+    EXPECT_TRUE(file.read().IsAPE2Present);
+}
+
+TEST(UpdateTags, ShortID3v1BlockBehindANewAPETagStays) {
+    const std::string block = Id3v1{"Title", "Old", "Album", "2001", "", 0, 7, 17}.block();
+    MemoryFile file(sound + block.substr(0, 124), {.id3v2 = false, .ape2 = true});
+    for (int run = 0; run < 2; ++run) {
+        file.change(setTitle);
+        EXPECT_NE(file.bytes().find("TAGTitle"), std::string::npos) << run;
     }
 }
 
