@@ -65,6 +65,7 @@ class TagPlan {
         refusal_ = expectedRefusal(record_, context_.settings);
         if (refusal_ == Refusal::Damaged) return refusal_;
         if (record_.FileType == FileType::Mp3) {
+            if (refusal_ == Refusal::NoID3v2Tag && !context_.settings.ape2) return refusal_;
             if (refusal_ != Refusal::NoID3v2Tag && !planHead()) return Refusal::TooLarge;
             if (wouldHideApe() && refusal_ == Refusal::None) refusal_ = Refusal::NoID3v1Tag;
             planTail(context_.settings.ape2, blockBytes());
