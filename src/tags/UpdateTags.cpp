@@ -70,11 +70,7 @@ class TagPlan {
             if (wouldHideApe() && refusal_ == Refusal::None) refusal_ = Refusal::NoID3v1Tag;
             planTail(context_.settings.ape2, blockBytes());
         } else {
-            // Some files have one tag behind another.
-            for (std::uint64_t end = ID3v2TagEnd(file_); end > ends_.headEnd;) {
-                ends_.headEnd = end;
-                end = ID3v2TagEnd(file_, end);
-            }
+            ends_.headEnd = tagsEnd();
             planTail(true, {});
         }
         // Of tags that overlap one is not what it seems.
@@ -93,6 +89,17 @@ class TagPlan {
     }
 
  private:
+    // Some files have one tag behind another; without the first, the next one would be read.
+    [[nodiscard]] std::uint64_t tagsEnd() const {
+        std::uint64_t end = layout_.id3v2 ? layout_.id3v2->end : 0;
+        while (end > 0) {
+            const auto next = parseTagHeader(file_.view(end, TagHeader::size));
+            if (!next || next->majorVersion < 2 || next->majorVersion > 4) break;
+            end = ID3v2TagEnd(file_, end);
+        }
+        return end;
+    }
+
     // The space that a tag has stays as it is, so that the sound does not move.
     bool planHead() {
         const std::string frames = encodeID3v2Frames(record_, context_);
@@ -129,8 +136,8 @@ class TagPlan {
         ends_.tail += block;
     }
 
-    // A Lyrics3 block has to stand right in front of the ID3v1 block, so that a new tag goes in front
-    // of it. What stands behind an old one stays there.
+    // A Lyrics3 block has to stand right in front of the ID3v1 block, so that a new tag goes in
+    // front of it. What stands behind an old one stays there.
     void planApe(std::uint64_t end) {
         if (layout_.lyrics) ends_.tailBegin = std::min(end, layout_.lyrics->begin);
         if (layout_.ape) ends_.tailBegin = layout_.ape->begin;
