@@ -17,15 +17,25 @@ void File::openMemory(Bytes bytes) {
     head_ = {0, bytes};
 }
 
+FileHandle File::release() {
+    const FileHandle handle = handle_;
+    handle_ = noFile;
+    close();
+    return handle;
+}
+
 void File::close() {
     if (isOpen()) calls_.close(handle_);
     handle_ = noFile;
     status_ = {};
+    failed_ = false;
     dropWindows();
 }
 
 void File::load(Window& window, std::uint8_t* buffer, std::uint64_t offset, std::size_t count) {
     window = {offset, Bytes(buffer, calls_.read(handle_, offset, buffer, count))};
+    const std::uint64_t wanted = std::min<std::uint64_t>(count, size() - offset);
+    failed_ = failed_ || window.bytes.size() < wanted;
 }
 
 Bytes File::view(std::uint64_t offset, std::size_t count) {

@@ -40,7 +40,12 @@ class File {
     /// The time of the last change before the file was opened.
     [[nodiscard]] std::int64_t modified() const { return status_.modified; }
     [[nodiscard]] bool isWritable() const { return access_ == Access::ReadWrite && isOpen(); }
+    [[nodiscard]] bool isTemporary() const { return status_.isTemporary; }
     [[nodiscard]] FileHandle handle() const { return handle_; }
+    /// Gives the handle away without closing it.
+    FileHandle release();
+    /// Whether bytes that the file has could not be read.
+    [[nodiscard]] bool hasFailed() const { return failed_; }
     [[nodiscard]] FileCalls& calls() const { return calls_; }
 
     /// The bytes from `offset`, fewer than `count` only where the file ends or cannot be read. They
@@ -70,6 +75,7 @@ class File {
     FileHandle handle_ = noFile;
     Access access_ = Access::Read;
     FileStatus status_;
+    bool failed_ = false;
     Window head_, tail_, middle_;
     std::unique_ptr<std::uint8_t[]> middleBuffer_;  // not a vector: bytes to be read need no zeroes
     std::size_t middleRoom_ = 0;

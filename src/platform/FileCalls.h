@@ -19,6 +19,7 @@ struct FileStatus {
     std::uint64_t size = 0;     ///< bytes
     std::int64_t modified = 0;  ///< in the system's own ticks, to be compared or put back
     bool isReadOnly = false;    ///< attribute; elsewhere: the owner may not write
+    bool isTemporary = false;   ///< made by `create` and not yet given another file's attributes
 };
 
 /// The system's calls that opening, changing and replacing a file are made of. Whatever touches a
@@ -30,12 +31,12 @@ class FileCalls {
     FileCalls& operator=(const FileCalls&) = delete;
     virtual ~FileCalls() = default;
 
-    /// Opens a regular file; `noFile` when there is none, it is a folder or the rights are missing.
+    /// Opens a regular file; `noFile` when there is none, it is a folder, the rights are missing
+    /// or, for writing, when another process of this program writes it.
     virtual FileHandle open(const std::string& path, Access access, FileStatus& status) = 0;
-    /// Makes a file that is not there yet, to be written by this process only.
+    /// Makes a file that is not there yet, to be written by this process only, and marks it as
+    /// temporary, so that one that a killed process left is known.
     virtual FileHandle create(const std::string& path) = 0;
-    /// Whether no other process is writing the file; holds until it is closed.
-    virtual bool lock(FileHandle file) = 0;
     virtual void close(FileHandle file) = 0;
 
     /// Both give the number of bytes done; fewer than asked for only at the end or on failure.
@@ -50,12 +51,16 @@ class FileCalls {
     virtual bool flush(FileHandle file) = 0;
     virtual bool setModified(FileHandle file, std::int64_t modified) = 0;
     /// Gives a file the permissions, the owner and the further attributes of another, as far as the
-    /// system and the user's rights have them.
+    /// system and the user's rights have them; from `noFile`, those of a new file.
     virtual void carryAttributes(FileHandle from, FileHandle to) = 0;
 
-    /// Puts a closed file in another's place in one step.
-    virtual bool replace(const std::string& temporary, const std::string& path) = 0;
-    virtual bool remove(const std::string& path) = 0;
+    /// Puts a temporary file in another's place in one step. Both, `original` may be `noFile`, are
+    /// closed afterwards, whatever comes of it.
+    virtual bool replace(FileHandle temporary, const std::string& temporaryPath,
+                         FileHandle original, const std::string& path) = 0;
+    /// Removes a file that is open for writing, if it still is what the path leads to, and closes
+    /// it.
+    virtual bool remove(FileHandle file, const std::string& path) = 0;
     /// Makes a file writable for its owner; other attributes stay. False when it could not be done.
     virtual bool clearReadOnly(const std::string& path) = 0;
 

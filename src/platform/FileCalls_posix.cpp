@@ -52,33 +52,62 @@ void carryExtendedAttributes(int from, int to) {
     }
 }
 
+// For the owner alone until it has the permissions of the file that it is to replace; the sticky
+// bit, which means nothing on a file, marks it.
+constexpr mode_t temporaryMode = S_ISVTX | S_IRUSR | S_IWUSR;
+constexpr mode_t permissions = 07777;
+
+// Some network disks have no locks; there the names alone have to do.
+bool lock(int file) {
+    return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+FileHandle told(int file, const struct stat& found, FileStatus& status) {
+    status.size = static_cast<std::uint64_t>(found.st_size);
+    status.modified = found.st_mtim.tv_sec * nanoseconds + found.st_mtim.tv_nsec;
+    status.isReadOnly = (found.st_mode & S_IWUSR) == 0;
+    status.isTemporary = (found.st_mode & permissions) == temporaryMode;
+    return file;
+}
+
+mode_t modeOfNewFile() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
 class SystemCalls final : public FileCalls {
  public:
     FileHandle open(const std::string& path, Access access, FileStatus& status) override {
         // O_NONBLOCK: opening a pipe that bears a music file's name must not wait for a writer.
         const int flags =
             (access == Access::ReadWrite ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK;
-        const int opened = ::open(path.c_str(), flags);
-        if (opened < 0) return noFile;
-        struct stat found {};
-        if (::fstat(opened, &found) != 0 || !S_ISREG(found.st_mode)) {
+        constexpr int mostTries = 4;
+        for (int tries = 0; tries < mostTries; ++tries) {
+            const int opened = ::open(path.c_str(), flags);
+            if (opened < 0) return noFile;
+            struct stat found {};
+            const bool isMine = access == Access::Read || lock(opened);
+            if (isMine && ::fstat(opened, &found) == 0 && S_ISREG(found.st_mode)) {
+                // Without a name it was replaced before the lock was ours.
+                if (found.st_nlink > 0) return told(opened, found, status);
+            } else {
+                tries = mostTries;
+            }
             ::close(opened);
-            return noFile;
         }
-        status.size = static_cast<std::uint64_t>(found.st_size);
-        status.modified = found.st_mtim.tv_sec * nanoseconds + found.st_mtim.tv_nsec;
-        status.isReadOnly = (found.st_mode & S_IWUSR) == 0;
-        return opened;
+        return noFile;
     }
 
     FileHandle create(const std::string& path) override {
-        // For the owner alone until it has the permissions of the file that it is to replace.
-        return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    }
-
-    bool lock(FileHandle file) override {
-        // Some network disks have no locks; there the name alone has to do.
-        return ::flock(descriptor(file), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+        const int created =
+            ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, temporaryMode);
+        if (created < 0) return noFile;
+        struct stat found {};
+        // Another run may have taken it for a leftover before it was locked.
+        if (lock(created) && ::fstat(created, &found) == 0 && found.st_nlink > 0) return created;
+        ::close(created);
+        return noFile;
     }
 
     void close(FileHandle file) override { ::close(descriptor(file)); }
@@ -125,6 +154,10 @@ class SystemCalls final : public FileCalls {
     }
 
     void carryAttributes(FileHandle from, FileHandle to) override {
+        if (from == noFile) {
+            ::fchmod(descriptor(to), modeOfNewFile());
+            return;
+        }
         struct stat source {};
         struct stat target {};
         if (::fstat(descriptor(from), &source) != 0) return;
@@ -135,16 +168,29 @@ class SystemCalls final : public FileCalls {
             [[maybe_unused]] const int done =
                 ::fchown(descriptor(to), target.st_uid, source.st_gid);
         }
-        constexpr mode_t permissions = 07777;
         ::fchmod(descriptor(to), source.st_mode & permissions);
         carryExtendedAttributes(descriptor(from), descriptor(to));
     }
 
-    bool replace(const std::string& temporary, const std::string& path) override {
-        return ::rename(temporary.c_str(), path.c_str()) == 0;
+    // Both stay locked until the new file has the old one's name.
+    bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
+                 const std::string& path) override {
+        const bool done = ::rename(temporaryPath.c_str(), path.c_str()) == 0;
+        ::close(descriptor(temporary));
+        if (original != noFile) ::close(descriptor(original));
+        return done;
     }
 
-    bool remove(const std::string& path) override { return ::unlink(path.c_str()) == 0; }
+    bool remove(FileHandle file, const std::string& path) override {
+        struct stat opened {};
+        struct stat named {};
+        const bool same = ::fstat(descriptor(file), &opened) == 0 &&
+                          ::lstat(path.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
+                          opened.st_ino == named.st_ino;
+        const bool done = same && ::unlink(path.c_str()) == 0;
+        ::close(descriptor(file));
+        return done;
+    }
 
     bool clearReadOnly(const std::string& path) override { return tavlo::clearReadOnly(path); }
 };

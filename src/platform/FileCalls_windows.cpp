@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <vector>
 
 #include "platform/FileCalls.h"
 #include "platform/FileSystem.h"
@@ -55,6 +56,17 @@ void carryAccessList(HANDLE from, HANDLE to) {
     ::LocalFree(descriptor);
 }
 
+bool renameOpen(HANDLE file, const std::wstring& to) {
+    const std::size_t nameSize = to.size() * sizeof(wchar_t);
+    std::vector<std::uint64_t> room((sizeof(FILE_RENAME_INFO) + nameSize) / 8 + 2);
+    auto* info = reinterpret_cast<FILE_RENAME_INFO*>(room.data());
+    info->ReplaceIfExists = TRUE;
+    info->FileNameLength = static_cast<DWORD>(nameSize);
+    std::copy(to.begin(), to.end(), info->FileName);
+    return ::SetFileInformationByHandle(file, FileRenameInfo, info,
+                                        static_cast<DWORD>(room.size() * 8)) != 0;
+}
+
 class SystemCalls final : public FileCalls {
  public:
     FileHandle open(const std::string& path, Access access, FileStatus& status) override {
@@ -74,19 +86,18 @@ class SystemCalls final : public FileCalls {
         status.size = static_cast<std::uint64_t>(info.nFileSizeHigh) << 32U | info.nFileSizeLow;
         status.modified = ticksOf(info.ftLastWriteTime);
         status.isReadOnly = (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+        status.isTemporary = (info.dwFileAttributes & FILE_ATTRIBUTE_TEMPORARY) != 0;
         return reinterpret_cast<FileHandle>(opened);
     }
 
     FileHandle create(const std::string& path) override {
-        // WRITE_DAC: the access list of the file that it is to replace is set on it.
+        // WRITE_DAC: the access list of the file that it is to replace is set on it; DELETE: it is
+        // renamed while it is open, so that nobody else can lay hands on it.
         HANDLE created =
-            ::CreateFileW(widePath(path).c_str(), GENERIC_READ | GENERIC_WRITE | WRITE_DAC, 0,
-                          nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+            ::CreateFileW(widePath(path).c_str(), GENERIC_READ | GENERIC_WRITE | WRITE_DAC | DELETE,
+                          0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY, nullptr);
         return created == INVALID_HANDLE_VALUE ? noFile : reinterpret_cast<FileHandle>(created);
     }
-
-    // Nobody else can open what this process opened for writing.
-    bool lock(FileHandle) override { return true; }
 
     void close(FileHandle file) override { ::CloseHandle(native(file)); }
 
@@ -127,6 +138,11 @@ class SystemCalls final : public FileCalls {
 
     void carryAttributes(FileHandle from, FileHandle to) override {
         FILE_BASIC_INFO source{};
+        source.FileAttributes = FILE_ATTRIBUTE_NORMAL;
+        if (from == noFile) {
+            ::SetFileInformationByHandle(native(to), FileBasicInfo, &source, sizeof source);
+            return;
+        }
         if (::GetFileInformationByHandleEx(native(from), FileBasicInfo, &source, sizeof source)) {
             FILE_BASIC_INFO target{};  // a time of 0 stays as it is
             target.CreationTime = source.CreationTime;
@@ -136,18 +152,19 @@ class SystemCalls final : public FileCalls {
         carryAccessList(native(from), native(to));
     }
 
-    bool replace(const std::string& temporary, const std::string& path) override {
-        const std::wstring from = widePath(temporary), to = widePath(path);
-        // It keeps the named streams too, but not every disk has it.
-        if (::ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
-                           nullptr, nullptr)) {
-            return true;
-        }
-        return ::MoveFileExW(from.c_str(), to.c_str(),
-                             MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
+                 const std::string& path) override {
+        if (original != noFile) ::CloseHandle(native(original));
+        const std::wstring to = widePath(path);
+        const bool done = renameOpen(native(temporary), to);
+        ::CloseHandle(native(temporary));
+        return done || ::MoveFileExW(widePath(temporaryPath).c_str(), to.c_str(),
+                                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     }
 
-    bool remove(const std::string& path) override {
+    // Nobody else can rename or remove it while it is open here without sharing.
+    bool remove(FileHandle file, const std::string& path) override {
+        ::CloseHandle(native(file));
         return ::DeleteFileW(widePath(path).c_str()) != 0;
     }
 

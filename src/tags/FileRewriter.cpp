@@ -16,10 +16,11 @@ std::string bytesAt(File& file, std::uint64_t begin, std::uint64_t end) {
     return std::string(textOf(file.view(begin, static_cast<std::size_t>(end - begin))));
 }
 
-// A killed run leaves a file that goes on with the same sound behind its tag. Anything else that
-// bears the name belongs to somebody.
+// A killed run leaves a file with the mark of a temporary one, which goes on with the same sound
+// behind its tag. Anything else that bears the name belongs to somebody.
 bool isLeftover(File& found, File& original) {
     constexpr std::size_t compared = 4096;
+    if (!found.isTemporary()) return false;
     const std::uint64_t begin = ID3v2TagEnd(found);
     if (found.size() == 0) return true;
     if (begin >= found.size()) return false;
@@ -34,8 +35,7 @@ class TemporaryFile {
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     ~TemporaryFile() {
-        close();
-        if (!path_.empty()) calls_.remove(path_);
+        if (handle_ != noFile) calls_.remove(handle_, path_);
     }
 
     // The plain name may belong to somebody else's file, or be too long.
@@ -62,42 +62,39 @@ class TemporaryFile {
         return done;
     }
 
+    // The mark goes last, right before the file is moved.
     bool complete(bool keepTime) {
-        calls_.carryAttributes(original_.handle(), handle_);
         if (keepTime) calls_.setModified(handle_, original_.modified());
-        return calls_.flush(handle_);
+        if (!calls_.flush(handle_)) return false;
+        calls_.carryAttributes(original_.handle(), handle_);
+        return true;
     }
 
     bool moveTo(const std::string& path) {
-        close();
-        if (!calls_.replace(path_, path)) return false;
-        path_.clear();
-        return true;
+        const FileHandle handle = handle_;
+        handle_ = noFile;
+        if (calls_.replace(handle, path_, original_.release(), path)) return true;
+        removeUnmoved();
+        return false;
     }
 
  private:
     bool create(const std::string& path) {
         handle_ = calls_.create(path);
         if (handle_ == noFile && removeLeftover(path)) handle_ = calls_.create(path);
-        if (handle_ == noFile) return false;
         path_ = path;
-        if (calls_.lock(handle_)) return true;
-        close();  // another run has just taken it for a leftover
-        path_.clear();
-        return false;
+        return handle_ != noFile;
     }
 
     bool removeLeftover(const std::string& path) {
         File found(calls_);
-        if (!found.open(path, Access::ReadWrite)) return false;
-        if (!calls_.lock(found.handle()) || !isLeftover(found, original_)) return false;
-        found.close();
-        return calls_.remove(path);
+        if (!found.open(path, Access::ReadWrite) || !isLeftover(found, original_)) return false;
+        return calls_.remove(found.release(), path);
     }
 
-    void close() {
-        if (handle_ != noFile) calls_.close(handle_);
-        handle_ = noFile;
+    void removeUnmoved() {
+        File found(calls_);
+        if (found.open(path_, Access::ReadWrite)) calls_.remove(found.release(), path_);
     }
 
     File& original_;
@@ -172,7 +169,6 @@ class Rewriter {
                               (ends_.tail.empty() || temporary.append(ends_.tail)) &&
                               temporary.complete(keepTime_);
         if (!complete) return Rewrite::NotWritten;
-        file_.close();
         return temporary.moveTo(path) ? Rewrite::Done : Rewrite::NotWritten;
     }
 

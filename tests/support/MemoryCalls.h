@@ -28,6 +28,7 @@ class MemoryCalls final : public FileCalls {
         std::int64_t modified = 0;
         bool isReadOnly = false;
         bool isFlushed = true;
+        bool isTemporary = false;
     };
 
     /// Counts anew; `fault` strikes the `at`th call.
@@ -42,6 +43,10 @@ class MemoryCalls final : public FileCalls {
     [[nodiscard]] std::size_t operations() const { return done_; }
     [[nodiscard]] std::size_t openFiles() const { return open_.size(); }
     [[nodiscard]] std::size_t count() const { return files_.size(); }
+    [[nodiscard]] std::size_t temporaryFiles() const {
+        return static_cast<std::size_t>(std::count_if(
+            files_.begin(), files_.end(), [](const auto& f) { return f.second->isTemporary; }));
+    }
     [[nodiscard]] const Stored& at(const std::string& path) const { return *files_.at(path); }
     Stored& put(const std::string& path, std::string bytes) {
         auto& file = files_[path] = std::make_shared<Stored>();
@@ -54,15 +59,14 @@ class MemoryCalls final : public FileCalls {
         if (isKilled() || found == files_.end()) return noFile;
         const Stored& file = *found->second;
         if (access == Access::ReadWrite && file.isReadOnly) return noFile;
-        status = {file.bytes.size(), file.modified, file.isReadOnly};
+        status = {file.bytes.size(), file.modified, file.isReadOnly, file.isTemporary};
         return opened(found->second);
     }
     FileHandle create(const std::string& path) override {
         if (!happens() || files_.contains(path)) return noFile;
-        put(path, {});
+        put(path, {}).isTemporary = true;
         return opened(files_[path]);
     }
-    bool lock(FileHandle) override { return !isKilled(); }
     void close(FileHandle file) override { open_.erase(file); }
 
     std::size_t read(FileHandle file, std::uint64_t offset, std::uint8_t* to,
@@ -91,16 +95,22 @@ class MemoryCalls final : public FileCalls {
         return true;
     }
     void carryAttributes(FileHandle from, FileHandle to) override {
-        if (happens()) open_.at(to)->isReadOnly = open_.at(from)->isReadOnly;
+        if (!happens()) return;
+        open_.at(to)->isReadOnly = from != noFile && open_.at(from)->isReadOnly;
+        open_.at(to)->isTemporary = false;
     }
-    bool replace(const std::string& temporary, const std::string& path) override {
-        if (!happens() || isOpen(temporary) || isOpen(path)) return false;
-        if (!files_.at(temporary)->isFlushed) return false;
-        files_[path] = files_.at(temporary);
-        files_.erase(temporary);
+    bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
+                 const std::string& path) override {
+        close(temporary);
+        close(original);
+        if (!happens() || isOpen(temporaryPath) || isOpen(path)) return false;
+        if (!files_.at(temporaryPath)->isFlushed) return false;
+        files_[path] = files_.at(temporaryPath);
+        files_.erase(temporaryPath);
         return true;
     }
-    bool remove(const std::string& path) override {
+    bool remove(FileHandle file, const std::string& path) override {
+        close(file);
         return happens() && !isOpen(path) && files_.erase(path) > 0;
     }
     bool clearReadOnly(const std::string& path) override {
