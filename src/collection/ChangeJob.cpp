@@ -36,7 +36,7 @@ constexpr std::array<ChangeField, 7> changeFields{{
      gotten<&ID3tag::GetAlbum>},
     {"Year", Text::ColumnYear, &BasicFields::year, &JobOptions::year, gotten<&ID3tag::GetYear>},
     {"TrackNumber", Text::ColumnTrack, &BasicFields::number, &JobOptions::trackNumber,
-     gotten<&ID3tag::GetNumber>},
+     [](const ID3tag& r) { return r.GetNumberAndCount(); }},
     {"Genre", Text::ColumnGenre, &BasicFields::genre, &JobOptions::genre,
      gotten<&ID3tag::GetGenre>},
 }};
@@ -48,7 +48,7 @@ std::optional<BasicFields> wantedFields(const JobOptions& options) {
     bool any = false;
     for (const ChangeField& field : changeFields) {
         const auto& text = options.*field.option;
-        if (!text || text->empty()) continue;
+        if (!text || text->empty() || (field.name == "TrackNumber" && *text == "0")) continue;
         fields.*field.given = *text;
         any = true;
     }
@@ -78,18 +78,16 @@ class ChangeJob {
         : services_(services),
           fields_(fields),
           ansi_(services.ansiCodePage),
-          context_{ansi_, tagSettings(services.settings), services.errors, services.progress} {}
+          context_{ansi_,           tagSettings(services.settings),
+                   services.errors, services.progress,
+                   systemCalls(),   services.options.dryRun} {}
 
     // False when the output takes no more.
     bool run(const cFilesCollection& files) {
         services_.progress.setRange(files.count());
         for (std::size_t i = 1; i <= files.count(); ++i) {
             const std::string subPath = files.GetFileSubPath(i);
-            if (services_.options.dryRun) {
-                plan(files.GetFile(i), subPath);
-            } else {
-                perform(files.GetFile(i));
-            }
+            changeFile(files.GetFile(i), subPath);
             if (!flush(outputBlock)) return false;
             services_.progress.report(subPath);
             services_.progress.step();
@@ -104,52 +102,48 @@ class ChangeJob {
  private:
     static constexpr std::size_t outputBlock = 1U << 16U;  // bytes written at once
 
-    void plan(const std::string& path, const std::string& subPath) {
-        const ID3tag record = ReadAudioFile(path, {ansi_});
-        if (!record.OK) {
-            fail(path, Text::FileNotRead);
+    // A record that holds nothing but the new values changes nothing else.
+    void changeFile(const std::string& path, const std::string& subPath) {
+        const bool dryRun = services_.options.dryRun, json = services_.options.json;
+        ID3tag record, before;
+        record.Path = path;
+        record.FileType = GetFileType(path);
+        record.OK = true;
+        if (dryRun) {
+            record.SetBasicFields(fields_);
+        } else {
+            record.UpdateBasicFields(fields_);
+        }
+        const TagUpdate result = UpdateTags(record, context_, json || dryRun ? &before : nullptr);
+        if (result == TagUpdate::Refused) {
+            tellFailure(path, refusalText(record.Refused).value_or(Text::UnknownError));
             return;
         }
-        const auto refusal = refusalText(expectedRefusal(record, context_.settings));
-        if (refusal) {
-            fail(path, *refusal);
-            return;
+        const bool isSame = result == TagUpdate::Unchanged;
+        ++(isSame ? unchanged_ : changed_);
+        if (!json && !dryRun) return;
+        const std::vector<Change> changes = changesOf(before, fields_);
+        if (json) {
+            tell(path, isSame ? std::vector<Change>() : changes,
+                 isSame   ? "unchanged"
+                 : dryRun ? "planned"
+                          : "changed");
+        } else if (!isSame) {
+            tellText(subPath, changes);
         }
-        const std::vector<Change> changes = changesOf(record, fields_);
-        ++(changes.empty() ? unchanged_ : changed_);
-        tell(path, changes, "planned");
-        if (services_.options.json) return;
+    }
+
+    void tellText(const std::string& subPath, const std::vector<Change>& changes) {
+        if (changes.empty()) out_ += subPath + "  " + services_.texts.get(Text::TagsAnew) + '\n';
         for (const Change& change : changes) {
             out_ += subPath + "  " + services_.texts.get(change.field->caption) + ": " +
                     change.from + " -> " + change.to + "\n";
         }
     }
 
-    void fail(const std::string& path, Text text) {
-        services_.errors.report(text, path);
-        tellFailure(path, text);
-    }
-
-    void perform(const std::string& path) {
-        ID3tag record, before;
-        record.Path = path;
-        record.FileType = GetFileType(path);
-        record.OK = true;
-        record.UpdateBasicFields(fields_);
-        const bool json = services_.options.json;
-        const TagUpdate result = UpdateTags(record, context_, json ? &before : nullptr);
-        if (result == TagUpdate::Refused) {
-            tellFailure(path, refusalText(record.Refused).value_or(Text::UnknownError));
-            return;
-        }
-        ++(result == TagUpdate::Unchanged ? unchanged_ : changed_);
-        if (json) tell(path, changesOf(before, fields_), "changed");
-    }
-
     // One line for each change, or one that says that there is none.
     void tell(const std::string& path, const std::vector<Change>& changes, std::string_view done) {
-        if (!services_.options.json) return;
-        if (changes.empty()) tellLine(path, nullptr, "unchanged", {});
+        if (changes.empty()) tellLine(path, nullptr, done, {});
         for (const Change& change : changes) tellLine(path, &change, done, {});
     }
 
@@ -214,9 +208,8 @@ int changeTags(Services& services) {
         return unusableCommandLine;
     }
     cFilesCollection files(services.progress, services.cancel);
-    if (!gatherJobFiles(services, {FileType::Tagged, Text::FormatNotWritten}, files)) {
-        return unusableCommandLine;
-    }
+    const JobFiles wanted{FileType::Tagged, Text::FormatNotWritten};
+    if (!gatherFilesToChange(services, wanted, files)) return unusableCommandLine;
     // A scan that was cancelled found a part of the files only: then nothing is changed.
     if (!services.cancel.load() && !ChangeJob(services, *fields).run(files)) {
         services.errors.report(Text::OutputNotWritten);

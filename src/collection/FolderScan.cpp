@@ -28,6 +28,9 @@ std::vector<FolderEntry> FolderScan::sortedEntries(const std::string& folder) co
 // `folder` ends in a separator; it is lengthened and cut back while subfolders are visited.
 void FolderScan::collect(std::string& folder, bool subfolders, bool insideLink) {
     const std::vector<FolderEntry> entries = sortedEntries(folder);
+    if (entries.empty() && !isReadableFolder(folder)) {
+        unread_.push_back(folder.substr(0, folder.size() - 1));
+    }
     for (const FolderEntry& entry : entries) {
         if (!subfolders || !entry.isFolder) continue;
         collectSubfolder(folder, entry, insideLink);

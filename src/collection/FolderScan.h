@@ -23,6 +23,8 @@ class FolderScan {
     std::string run(const std::string& folder, bool subfolders);
 
     [[nodiscard]] std::size_t count() const { return count_; }
+    /// Subfolders that could not be read.
+    [[nodiscard]] const std::vector<std::string>& unreadFolders() const { return unread_; }
 
  private:
     void collect(std::string& folder, bool subfolders, bool insideLink);
@@ -39,6 +41,7 @@ class FolderScan {
     std::string root_;                          // the scanned folder, links resolved, when needed
     std::unordered_set<std::string> followed_;  // folders met behind links, links resolved
     std::string paths_;
+    std::vector<std::string> unread_;
     std::size_t count_ = 0;
 };
 

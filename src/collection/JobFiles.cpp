@@ -62,6 +62,9 @@ bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection
     for (const std::string& path : paths) {
         found = gatherPath(services, wanted, absolutePath(path), files) || found;
     }
+    for (const std::string& folder : files.unreadFolders()) {
+        services.errors.report(Text::FolderNotRead, folder);
+    }
     const std::string first = absolutePath(paths.front());
     if (paths.size() > 1) {
         files.CheckBaseFolder();
@@ -76,6 +79,14 @@ bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection
         });
     }
     return found;
+}
+
+bool gatherFilesToChange(Services& services, const JobFiles& wanted, cFilesCollection& files) {
+    const std::size_t errors = services.errors.count();
+    const bool found = services.options.ignored.empty() && gatherJobFiles(services, wanted, files);
+    if (found && services.errors.count() == errors + files.unreadFolders().size()) return true;
+    services.errors.report(Text::NothingDone);
+    return false;
 }
 
 }  // namespace tavlo

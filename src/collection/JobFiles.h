@@ -15,4 +15,8 @@ struct JobFiles {
 /// False when none of them exists; what is missing is reported.
 bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection& files);
 
+/// The same for a job that changes files: false as well, with a word that nothing was done, when an
+/// option is not known or any of what was named is missing, for then something else was meant.
+bool gatherFilesToChange(Services& services, const JobFiles& wanted, cFilesCollection& files);
+
 }  // namespace tavlo

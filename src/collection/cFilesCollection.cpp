@@ -173,6 +173,7 @@ bool cFilesCollection::FillFromFolder(const std::string& folder, FileTypes mask,
     if (isCancelled()) return true;
     FolderScan scan(progress_, cancel_, hidden);
     const std::string paths = scan.run(folder, subfolders);
+    unread_.insert(unread_.end(), scan.unreadFolders().begin(), scan.unreadFolders().end());
     // A scan that was cancelled keeps all it found; the walk below ends only by a later cancel.
     const bool wasCancelled = isCancelled();
     const bool intoEmpty = count() == 0;

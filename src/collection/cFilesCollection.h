@@ -43,6 +43,8 @@ class cFilesCollection {
     [[nodiscard]] FileTypes GetFileType(std::size_t index) const;
     [[nodiscard]] std::string GetFilePath(std::size_t index) const;
     [[nodiscard]] std::uint64_t GetFileSize(std::size_t index) const;
+    /// Subfolders that no scan could read.
+    [[nodiscard]] const std::vector<std::string>& unreadFolders() const { return unread_; }
     /// The path below `BaseFolder`; the whole path for a file that lies elsewhere.
     [[nodiscard]] std::string GetFileSubPath(std::size_t index) const;
     /// The same without the name; empty for a file directly in `BaseFolder`.
@@ -83,6 +85,7 @@ class cFilesCollection {
     const CancelFlag& cancel_;
     PathList files_;
     std::vector<std::string> folders_;
+    std::vector<std::string> unread_;
 };
 
 }  // namespace tavlo

@@ -51,8 +51,9 @@ class FileCalls {
     virtual bool flush(FileHandle file) = 0;
     virtual bool setModified(FileHandle file, std::int64_t modified) = 0;
     /// Gives a file the permissions, the owner and the further attributes of another, as far as the
-    /// system and the user's rights have them; from `noFile`, those of a new file.
-    virtual void carryAttributes(FileHandle from, FileHandle to) = 0;
+    /// system and the user's rights have them; from `noFile`, those of a new file. False when the
+    /// file still is marked as temporary.
+    virtual bool carryAttributes(FileHandle from, FileHandle to) = 0;
 
     /// Puts a temporary file in another's place in one step. Both, `original` may be `noFile`, are
     /// closed afterwards, whatever comes of it.

@@ -70,6 +70,13 @@ FileHandle told(int file, const struct stat& found, FileStatus& status) {
     return file;
 }
 
+// Some disks have no modes; there no file is marked either.
+bool setMode(int file, mode_t mode) {
+    struct stat now {};
+    if (::fchmod(file, mode) == 0) return true;
+    return ::fstat(file, &now) == 0 && (now.st_mode & permissions) != temporaryMode;
+}
+
 mode_t modeOfNewFile() {
     const mode_t mask = ::umask(0);
     ::umask(mask);
@@ -153,23 +160,20 @@ class SystemCalls final : public FileCalls {
         return ::futimens(descriptor(file), times) == 0;
     }
 
-    void carryAttributes(FileHandle from, FileHandle to) override {
-        if (from == noFile) {
-            ::fchmod(descriptor(to), modeOfNewFile());
-            return;
-        }
+    bool carryAttributes(FileHandle from, FileHandle to) override {
         struct stat source {};
         struct stat target {};
-        if (::fstat(descriptor(from), &source) != 0) return;
-        if (::fstat(descriptor(to), &target) != 0) return;
+        if (from == noFile) return setMode(descriptor(to), modeOfNewFile());
+        if (::fstat(descriptor(from), &source) != 0) return false;
+        if (::fstat(descriptor(to), &target) != 0) return false;
         const bool foreign = source.st_uid != target.st_uid || source.st_gid != target.st_gid;
         if (foreign && ::fchown(descriptor(to), source.st_uid, source.st_gid) != 0) {
             // Who may not give the file away may still keep its group.
             [[maybe_unused]] const int done =
                 ::fchown(descriptor(to), target.st_uid, source.st_gid);
         }
-        ::fchmod(descriptor(to), source.st_mode & permissions);
         carryExtendedAttributes(descriptor(from), descriptor(to));
+        return setMode(descriptor(to), source.st_mode & permissions);
     }
 
     // Both stay locked until the new file has the old one's name.

@@ -136,20 +136,17 @@ class SystemCalls final : public FileCalls {
         return ::SetFileTime(native(file), nullptr, nullptr, &time) != 0;
     }
 
-    void carryAttributes(FileHandle from, FileHandle to) override {
+    bool carryAttributes(FileHandle from, FileHandle to) override {
         FILE_BASIC_INFO source{};
-        source.FileAttributes = FILE_ATTRIBUTE_NORMAL;
-        if (from == noFile) {
-            ::SetFileInformationByHandle(native(to), FileBasicInfo, &source, sizeof source);
-            return;
-        }
-        if (::GetFileInformationByHandleEx(native(from), FileBasicInfo, &source, sizeof source)) {
-            FILE_BASIC_INFO target{};  // a time of 0 stays as it is
+        FILE_BASIC_INFO target{};  // a time of 0 stays as it is
+        target.FileAttributes = FILE_ATTRIBUTE_NORMAL;
+        if (from != noFile &&
+            ::GetFileInformationByHandleEx(native(from), FileBasicInfo, &source, sizeof source)) {
             target.CreationTime = source.CreationTime;
             target.FileAttributes = source.FileAttributes;
-            ::SetFileInformationByHandle(native(to), FileBasicInfo, &target, sizeof target);
         }
-        carryAccessList(native(from), native(to));
+        if (from != noFile) carryAccessList(native(from), native(to));
+        return ::SetFileInformationByHandle(native(to), FileBasicInfo, &target, sizeof target) != 0;
     }
 
     bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,

@@ -124,7 +124,7 @@ class ItemWalk {
         row->set(record_, trimBlanks(text));
         const std::string field = row->get(record_);
         if (field.empty()) return false;  // this kind of file does not write it
-        if (context_.depth == ReadDepth::Full && field != whole) {
+        if (context_.depth == ReadDepth::Full && !field.starts_with(whole)) {
             // The text says more than the field that was made of it.
             const auto place = static_cast<std::size_t>(row - fieldItems().data());
             record_.ItemWordings.push_back({place, field, whole, false});

@@ -21,6 +21,10 @@ std::string longText(const ID3tag& record) {
     return std::string(trimBlanks(record.ID3v2Ext.*field));
 }
 
+std::string trackText(const ID3tag& record) {
+    return record.IsMP3File() ? record.GetNumberAndCount() : record.GetNumber();
+}
+
 // Musepack and its kind have no other tag for the counts. "3/12" tells one already.
 template <int ID3tag::*count>
 std::string countText(const ID3tag& record) {
@@ -37,7 +41,7 @@ void setCount(ID3tag& record, std::string_view text) {
 
 // clang-format off
 constexpr std::array<FieldItem, 13> rows{{
-    {"Track", setTrack, gotten<&ID3tag::GetNumber>},
+    {"Track", setTrack, trackText},
     {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); },
      gotten<&ID3tag::GetArtist>},
     {"Title", [](ID3tag& r, std::string_view text) { r.SetTitleMix(text); },

@@ -65,9 +65,7 @@ class TemporaryFile {
     // The mark goes last, right before the file is moved.
     bool complete(bool keepTime) {
         if (keepTime) calls_.setModified(handle_, original_.modified());
-        if (!calls_.flush(handle_)) return false;
-        calls_.carryAttributes(original_.handle(), handle_);
-        return true;
+        return calls_.flush(handle_) && calls_.carryAttributes(original_.handle(), handle_);
     }
 
     bool moveTo(const std::string& path) {
@@ -183,6 +181,11 @@ class Rewriter {
 
 Rewrite rewriteEnds(File& file, const std::string& path, const NewEnds& ends, bool keepTime) {
     return Rewriter(file, ends, keepTime).run(path);
+}
+
+bool wouldChange(File& file, const NewEnds& ends) {
+    return bytesAt(file, 0, ends.headEnd) != ends.head ||
+           bytesAt(file, ends.tailBegin, file.size()) != ends.tail;
 }
 
 }  // namespace tavlo

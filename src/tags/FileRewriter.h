@@ -28,4 +28,7 @@ enum class Rewrite {
 /// it then has the old one's permissions, owner and attributes, and `file` is closed.
 Rewrite rewriteEnds(File& file, const std::string& path, const NewEnds& ends, bool keepTime);
 
+/// Whether the file would change at all.
+bool wouldChange(File& file, const NewEnds& ends);
+
 }  // namespace tavlo

@@ -68,6 +68,12 @@ std::string ID3tag::GetNumber() const {
     return TrackNumber > 0 ? std::to_string(TrackNumber) : std::string();
 }
 
+std::string ID3tag::GetNumberAndCount() const {
+    std::string number = GetNumber();
+    if (TracksCount <= 0 || number.find('/') != std::string::npos) return number;
+    return (number.empty() ? "0" : number) + "/" + std::to_string(TracksCount);
+}
+
 std::string ID3tag::joinedTitleMix(std::string_view brackets) const {
     std::string joined(GetTitle());
     const std::string_view mix = GetMix();
@@ -84,7 +90,9 @@ std::string ID3tag::GetTitleMix() const {
 }
 
 std::string ID3tag::GetTitleMixV2() const {
-    return joinedTitleMix(squareBrackets_ ? squareBrackets : roundBrackets);
+    // Round ones around a mix that has some itself would be split at the inner pair.
+    const bool hasRound = GetMix().find_first_of(roundBrackets) != std::string_view::npos;
+    return joinedTitleMix(squareBrackets_ || hasRound ? squareBrackets : roundBrackets);
 }
 
 std::string ID3tag::GetArtistTitleMix() const {
@@ -163,6 +171,11 @@ void ID3tag::SetTitleMix(std::string_view text) {
     SetTitleMixV2(text);
 }
 
+void ID3tag::splitOwnTitle() {
+    const std::string title(GetTitle());
+    if (!splitTitleMix(title, roundBrackets)) splitTitleMix(title, squareBrackets);
+}
+
 void ID3tag::UpdateBasicFields(const BasicFields& fields) {
     ClearReadOnlyFlag();
     SetBasicFields(fields);
@@ -183,6 +196,7 @@ void ID3tag::SetBasicFields(const BasicFields& fields) {
     for (const Row& row : basic) {
         if (!row.text.empty()) (this->*row.set)(row.text);
     }
+    if (!fields.title.empty() && fields.mix.empty() && !GetTitle().empty()) splitOwnTitle();
     if (!fields.composer.empty()) ID3v2Ext.Composer = trimBlanks(fields.composer);
     if (!fields.copyright.empty()) ID3v2Ext.CopyRight = trimBlanks(fields.copyright);
     if (!fields.url.empty()) ID3v2Ext.URL = trimBlanks(fields.url);

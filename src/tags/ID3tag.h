@@ -79,6 +79,7 @@ enum class Refusal : std::uint8_t {
     None,
     NoWriter,    ///< tags of this format are not written
     NotOpened,   ///< the file could not be opened for writing
+    NotRead,     ///< the disk did not give all of it
     NoID3v2Tag,  ///< there is none, and the settings do not let one be made
     NoID3v1Tag,  ///< the same of the ID3v1 block; the other tags were written
     Damaged,     ///< the tag could not be taken apart, so it cannot be put together again
@@ -156,6 +157,8 @@ class ID3tag {
     [[nodiscard]] std::string_view GetComment() const;
     /// The track number as the tag writes it ("7", "3/12"); empty when there is none.
     [[nodiscard]] std::string GetNumber() const;
+    /// "3/12" where the count is known.
+    [[nodiscard]] std::string GetNumberAndCount() const;
     /// "Title (Mix)", or the title alone.
     [[nodiscard]] std::string GetTitleMix() const;
     /// The same with the kind of bracket that the title was read with.
@@ -183,7 +186,7 @@ class ID3tag {
     /// Takes a mix that stands in the title out of it, as it will be when the tag is read again.
     void SplitTitle() { SetTitleMixV2(GetTitleMixV2()); }
 
-    /// Sets the fields that are given.
+    /// Sets the fields that are given. Brackets at a title's end are its mix, unless one is given.
     void SetBasicFields(const BasicFields& fields);
     /// Makes the file writable and sets the fields that are given.
     void UpdateBasicFields(const BasicFields& fields);
@@ -194,6 +197,7 @@ class ID3tag {
 
  private:
     void fillFormatItems();
+    void splitOwnTitle();
     bool splitTitleMix(std::string_view text, std::string_view brackets);
     [[nodiscard]] std::string joinedTitleMix(std::string_view brackets) const;
 

@@ -48,13 +48,16 @@ class FrameWalk {
         at = behindExtendedHeader(at);
         while (const auto header = headerAt(at)) {
             const std::uint64_t body = at + headerSize_;
-            if (header->bodySize > end_ - body) break;
+            if (header->bodySize > end_ - body || isSync(header->id)) break;
             if (!interpret(*header, body)) keep(*header, body);
             at = body + header->bodySize;
         }
         keepRest(at);
         finish();
     }
+
+    // Where sound begins inside of what the tag claims.
+    [[nodiscard]] std::optional<std::uint64_t> soundAt() const { return soundAt_; }
 
  private:
     std::uint64_t behindExtendedHeader(std::uint64_t at) {
@@ -146,7 +149,8 @@ class FrameWalk {
     void keepWording(std::size_t row, const std::string& whole, Bytes body) {
         const FieldFrame& frame = fieldFrames()[row];
         const std::string field = frame.get(record_, version_);
-        if (field == whole || field.empty()) return;
+        // "3" beside a count that another tag told is less, not more.
+        if (field.empty() || field.starts_with(whole)) return;
         const bool isBody = hasUndecoded(whole);
         record_.ID3v2Ext.Wordings.push_back(
             {row, field, isBody ? std::string(textOf(body)) : whole, isBody});
@@ -213,13 +217,24 @@ class FrameWalk {
         kept += textOf(source_.view(at, header.bodySize));
     }
 
-    // What stands behind the last whole frame and is no padding.
+    // A frame of sound never begins like a frame of the tag.
+    static bool isSync(std::string_view bytes) {
+        return bytes.size() > 1 && bytes[0] == '\xFF' && (bytes[1] & 0xE0) == 0xE0;
+    }
+
+    // What stands behind the last whole frame and its padding. Where it is sound, the tag's size is
+    // wrong and the tag ends there.
     void keepRest(std::uint64_t at) {
         if (context_.depth != ReadDepth::Full || at >= end_) return;
-        std::string rest(textOf(source_.view(at, static_cast<std::size_t>(end_ - at))));
-        if (rest.empty() || rest.front() == '\0') return;
-        rest.resize(rest.find_last_not_of('\0') + 1);
-        record_.ID3v2Ext.UnreadRest = std::move(rest);
+        const std::string_view rest = textOf(source_.view(at, static_cast<std::size_t>(end_ - at)));
+        const std::size_t first = rest.find_first_not_of('\0');
+        if (first == std::string_view::npos) return;
+        if (isSync(rest.substr(first))) {
+            soundAt_ = at + first;
+        } else {
+            const std::size_t last = rest.find_last_not_of('\0');
+            record_.ID3v2Ext.UnreadRest = rest.substr(first, last + 1 - first);
+        }
     }
 
     void finish() {
@@ -237,6 +252,7 @@ class FrameWalk {
     std::vector<std::uint8_t> decoded_;
     std::size_t unpacked_ = 0;
     bool hasPicture_ = false;
+    std::optional<std::uint64_t> soundAt_;
     std::vector<std::string> kept_;  // raw frames in file order
     std::size_t chosenPicture_ = 0;  // 1-based place in kept_; 0 = none
 };
@@ -266,7 +282,7 @@ std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContex
     ext.bDamaged = true;  // until everything is seen to be whole
     if (!header) return TagSpan{0, file.size()};
     setHeader(ext, *header);
-    const TagSpan span{0, ID3v2TagEnd(file)};
+    TagSpan span{0, ID3v2TagEnd(file)};
     if (!isReadable(ext)) return span;
     const std::uint64_t end = std::min<std::uint64_t>(TagHeader::size + header->bodySize, span.end);
     // Version 4 marks every unsynchronised frame by itself; before it the body is one piece.
@@ -278,7 +294,9 @@ std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContex
         plain.openMemory(body);
         FrameWalk(plain, record, context).run(0, body.size());
     } else {
-        FrameWalk(file, record, context).run(TagHeader::size, end);
+        FrameWalk walk(file, record, context);
+        walk.run(TagHeader::size, end);
+        span.end = walk.soundAt().value_or(span.end);
     }
     ext.bDamaged = TagHeader::size + std::uint64_t{header->bodySize} > file.size();
     return span;

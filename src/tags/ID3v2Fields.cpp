@@ -90,7 +90,7 @@ constexpr std::array<FieldFrame, fieldFrameCount> rows{{
     {"TENC", "TEN", FrameKind::Text,
      setField<&cID3v2ext::EncodedBy>, longText<&cID3v2ext::EncodedBy>},
     {"TRCK", "TRK", FrameKind::Text, setTrack,
-     [](const ID3tag& r, int) { return withCount(r.GetNumber(), r.TracksCount); }},
+     [](const ID3tag& r, int) { return r.GetNumberAndCount(); }},
     {"TYER", "TYE", FrameKind::Text, setYear, yearText},
     {"TDRC", "", FrameKind::Text, setRecordingTime, recordingTimeText},
     {"WXXX", "", FrameKind::Url,

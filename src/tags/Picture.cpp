@@ -75,8 +75,7 @@ std::optional<ParsedPicture> parsePictureItem(Bytes head, std::size_t contentSiz
     ParsedPicture picture;
     const std::string_view name = textOf(cursor.takeUntil(0));
     picture.art.Description = utf8OrAnsi(name, ansi);
-    picture.art.MIME =
-        mimeOfEnding(name.substr(name.size() - std::min<std::size_t>(name.size(), 3)));
+    picture.art.MIME = mimeOfEnding(name);
     picture.art.PictureType = frontCover;
     picture.dataOffset = head.size() - cursor.left();
     picture.art.Size = contentSize - picture.dataOffset;
@@ -88,8 +87,12 @@ std::string pictureItemName(const cAlbumArt& art) {
         std::find_if(pictureKinds.begin(), pictureKinds.end(),
                      [&](const PictureKind& row) { return equalsNoCase(row.mime, art.MIME); });
     if (kind == pictureKinds.end()) return art.Description;
-    if (mimeOfEnding(art.Description) == kind->mime) return art.Description;
-    return "Cover Art (front)." + std::string(kind->ending);
+    if (pictureType(mimeOfEnding(art.Description)) == kind->type) return art.Description;
+    // The first row of a type has the ending that every program knows.
+    const auto* usual =
+        std::find_if(pictureKinds.begin(), pictureKinds.end(),
+                     [&](const PictureKind& row) { return row.type == kind->type; });
+    return "Cover Art (front)." + std::string(usual->ending);
 }
 
 FileTypes pictureType(std::string_view mime) {

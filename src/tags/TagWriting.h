@@ -25,6 +25,7 @@ struct WriteContext {
     ErrorReport& errors;
     Progress& progress;  ///< lets messages run while a file is waited for
     FileCalls& calls = systemCalls();
+    bool dryRun = false;  ///< only find out what would be done
 };
 
 }  // namespace tavlo

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/FileSystem.h"
 #include "tags/APEv2.h"
 #include "tags/AudioFile.h"
 #include "tags/ByteCursor.h"
@@ -39,6 +40,7 @@ bool openWritable(File& file, const std::string& path) {
 bool openPatiently(File& file, const std::string& path, Progress& progress) {
     constexpr std::chrono::milliseconds patience{500};
     if (openWritable(file, path)) return true;
+    if (!fileInfo(path)) return false;  // it will not come back
     progress.pumpMessages();
     std::this_thread::sleep_for(patience);
     progress.pumpMessages();
@@ -102,7 +104,8 @@ class TagPlan {
 
     // The space that a tag has stays as it is, so that the sound does not move.
     bool planHead() {
-        const std::string frames = encodeID3v2Frames(record_, context_);
+        std::string frames = encodeID3v2Frames(record_, context_);
+        if (record_.ID3v2Ext.MajorVersion == 2) frames = inNewVersion(frames);
         if (frames.size() > largestTagSize) return false;
         const std::uint64_t space =
             layout_.id3v2 ? std::min(layout_.id3v2->end - TagHeader::size, largestTagSize) : 0;
@@ -111,6 +114,18 @@ class TagPlan {
         ends_.head =
             encodeID3v2Tag(frames, fits ? space : roomyTagSize(frames.size()), context_.settings);
         return true;
+    }
+
+    // Old frames that fed no field may do so under their new names, which moves them to their
+    // place.
+    std::string inNewVersion(const std::string& frames) {
+        const std::string tag = encodeID3v2Tag(frames, frames.size(), context_.settings);
+        File written;
+        written.openMemory(bytesOfText(tag));
+        ID3tag again = record_;
+        again.ID3v2Ext = {};
+        ReadID3v2Tag(written, again, {context_.ansi, ReadDepth::Full});
+        return encodeID3v2Frames(again, context_);
     }
 
     // The ID3v1 block and nothing behind it; a block that is not written stays as it is.
@@ -178,14 +193,24 @@ Refusal refusalOf(Rewrite result) {
 
 void report(Refusal refusal, const std::string& path, ErrorReport& errors) {
     const auto text = refusalText(refusal);
-    if (text) errors.report(*text, refusal == Refusal::NotCreated ? path + ".tmp" : path);
+    if (text) errors.report(*text, path);
+}
+
+// Whether something is written all the same.
+bool isPartial(Refusal refusal, const TagSettings& settings) {
+    return refusal == Refusal::None || refusal == Refusal::NoID3v1Tag ||
+           (refusal == Refusal::NoID3v2Tag && settings.ape2);
+}
+
+void markRefused(ID3tag& record, Refusal refusal) {
+    record.Refused = refusal;
+    record.OK = false;
+    record.Path.clear();
 }
 
 TagUpdate refuse(ID3tag& record, Refusal refusal, const WriteContext& context) {
     report(refusal, record.Path, context.errors);
-    record.Refused = refusal;
-    record.OK = false;
-    record.Path.clear();
+    markRefused(record, refusal);
     return TagUpdate::Refused;
 }
 
@@ -213,12 +238,13 @@ std::optional<Text> refusalText(Refusal refusal) {
         Refusal refusal;
         Text text;
     };
-    constexpr std::array<Row, 7> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
+    constexpr std::array<Row, 8> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
                                        {Refusal::NotOpened, Text::FileNotOpenedForWriting},
+                                       {Refusal::NotRead, Text::FileNotRead},
                                        {Refusal::NoID3v2Tag, Text::TagNotMade},
                                        {Refusal::Damaged, Text::TagDamaged},
                                        {Refusal::TooLarge, Text::TagTooLarge},
-                                       {Refusal::NotCreated, Text::FileNotCreated},
+                                       {Refusal::NotCreated, Text::FolderNotWritable},
                                        {Refusal::NotWritten, Text::FileNotWritten}}};
     const auto* row =
         std::find_if(rows.begin(), rows.end(), [&](const Row& r) { return r.refusal == refusal; });
@@ -240,9 +266,9 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     const std::string path = record.Path;
     if (!hasWriter(record.FileType)) return refuse(record, Refusal::NoWriter, context);
     File file(context.calls);
-    if (!openPatiently(file, path, context.progress)) {
-        return refuse(record, Refusal::NotOpened, context);
-    }
+    const bool opened = context.dryRun ? file.open(path, Access::Read)
+                                       : openPatiently(file, path, context.progress);
+    if (!opened) return refuse(record, Refusal::NotOpened, context);
     // The file may have changed since the record was read: what it says now is what stays.
     ID3tag current;
     current.FileType = record.FileType;
@@ -255,8 +281,10 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     }
     TagPlan plan(file, current, layout, context);
     const Refusal planned = plan.make();
-    if (planned == Refusal::Damaged || planned == Refusal::TooLarge) {
-        return refuse(record, planned, context);
+    if (file.hasFailed()) return refuse(record, Refusal::NotRead, context);
+    if (!isPartial(planned, context.settings)) return refuse(record, planned, context);
+    if (context.dryRun) {
+        return wouldChange(file, plan.ends()) ? TagUpdate::Written : TagUpdate::Unchanged;
     }
     const Rewrite result = rewriteEnds(file, path, plan.ends(), context.settings.keepTime);
     const Refusal failed = refusalOf(result);
@@ -264,8 +292,7 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     plan.noteTags(record);
     record.ReadOnly = false;
     markAsRead(record);
-    if (planned != Refusal::None) refuse(record, planned, context);
-    if (planned != Refusal::None && planned != Refusal::NoID3v1Tag) return TagUpdate::Refused;
+    if (planned != Refusal::None) markRefused(record, planned);
     return result == Rewrite::Unchanged ? TagUpdate::Unchanged : TagUpdate::Written;
 }
 

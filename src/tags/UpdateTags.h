@@ -15,9 +15,10 @@ enum class TagUpdate {
 
 /// Writes the edited fields of a record into its file: APEv2, ID3v2 and ID3v1 of an MP3 file as
 /// the settings and the tags that are there ask for, APEv2 alone of Musepack, WavPack and Monkey's
-/// Audio files. Whatever else the tags hold, as the file has them now, stays. Where only the
-/// ID3v1 block may not be made the answer is `Written`, and yet `OK` is false and `Path` empty.
-/// Failures are reported; `before`, if given, gets the record as the file had it.
+/// Audio files. Whatever else the tags hold, as the file has them now, stays. Where only the ID3v1
+/// block may not be made, or APEv2 was written but no ID3v2 tag may be, the answer is `Written`,
+/// and yet `OK` is false and `Path` empty. Failures are reported; `before`, if given, gets the
+/// record as the file had it. With `dryRun` nothing is changed, not even the file's attributes.
 TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before = nullptr);
 
 /// Whether and why `UpdateTags` would leave the file of a record that was just read alone.

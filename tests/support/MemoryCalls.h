@@ -94,10 +94,11 @@ class MemoryCalls final : public FileCalls {
         open_.at(file)->modified = modified;
         return true;
     }
-    void carryAttributes(FileHandle from, FileHandle to) override {
-        if (!happens()) return;
+    bool carryAttributes(FileHandle from, FileHandle to) override {
+        if (!happens()) return false;
         open_.at(to)->isReadOnly = from != noFile && open_.at(from)->isReadOnly;
         open_.at(to)->isTemporary = false;
+        return true;
     }
     bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
                  const std::string& path) override {
