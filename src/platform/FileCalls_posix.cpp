@@ -62,6 +62,13 @@ bool lock(int file) {
     return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
+// Some disks count no names.
+bool isNamed(const struct stat& opened, const std::string& path) {
+    struct stat named {};
+    return opened.st_nlink > 0 || (::stat(path.c_str(), &named) == 0 &&
+                                   opened.st_dev == named.st_dev && opened.st_ino == named.st_ino);
+}
+
 FileHandle told(int file, const struct stat& found, FileStatus& status) {
     status.size = static_cast<std::uint64_t>(found.st_size);
     status.modified = found.st_mtim.tv_sec * nanoseconds + found.st_mtim.tv_nsec;
@@ -97,7 +104,9 @@ class SystemCalls final : public FileCalls {
             const bool isMine = access == Access::Read || lock(opened);
             if (isMine && ::fstat(opened, &found) == 0 && S_ISREG(found.st_mode)) {
                 // Without a name it was replaced before the lock was ours.
-                if (found.st_nlink > 0) return told(opened, found, status);
+                if (access == Access::Read || isNamed(found, path)) {
+                    return told(opened, found, status);
+                }
             } else {
                 tries = mostTries;
             }
@@ -112,7 +121,7 @@ class SystemCalls final : public FileCalls {
         if (created < 0) return noFile;
         struct stat found {};
         // Another run may have taken it for a leftover before it was locked.
-        if (lock(created) && ::fstat(created, &found) == 0 && found.st_nlink > 0) return created;
+        if (lock(created) && ::fstat(created, &found) == 0 && isNamed(found, path)) return created;
         ::close(created);
         return noFile;
     }
