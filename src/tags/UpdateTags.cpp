@@ -105,7 +105,10 @@ class TagPlan {
     // The space that a tag has stays as it is, so that the sound does not move.
     bool planHead() {
         std::string frames = encodeID3v2Frames(record_, context_);
-        if (record_.ID3v2Ext.MajorVersion == 2) frames = inNewVersion(frames);
+        if (record_.ID3v2Ext.MajorVersion == 2) {
+            takeNewNames(frames);
+            frames = encodeID3v2Frames(record_, context_);
+        }
         if (frames.size() > largestTagSize) return false;
         const std::uint64_t space =
             layout_.id3v2 ? std::min(layout_.id3v2->end - TagHeader::size, largestTagSize) : 0;
@@ -116,16 +119,13 @@ class TagPlan {
         return true;
     }
 
-    // Old frames that fed no field may do so under their new names, which moves them to their
-    // place.
-    std::string inNewVersion(const std::string& frames) {
+    // Old frames that fed no field may do so under their new names, in every tag.
+    void takeNewNames(const std::string& frames) {
         const std::string tag = encodeID3v2Tag(frames, frames.size(), context_.settings);
         File written;
         written.openMemory(bytesOfText(tag));
-        ID3tag again = record_;
-        again.ID3v2Ext = {};
-        ReadID3v2Tag(written, again, {context_.ansi, ReadDepth::Full});
-        return encodeID3v2Frames(again, context_);
+        record_.ID3v2Ext = {};
+        ReadID3v2Tag(written, record_, {context_.ansi, ReadDepth::Full});
     }
 
     // The ID3v1 block and nothing behind it; a block that is not written stays as it is.
