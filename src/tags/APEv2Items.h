@@ -12,7 +12,7 @@
 
 namespace tavlo {
 
-/// The marks and sizes of an APEv2 tag (APE tags header and item specification, version 2).
+/// The marks and sizes of an APEv2 tag (APE tags, version 2: header, footer and items).
 namespace ape {
 inline constexpr std::string_view tagMark = "APETAGEX";
 inline constexpr std::size_t footerSize = 32, itemHeadSize = 8, longestKey = 255;
