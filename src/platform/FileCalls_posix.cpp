@@ -62,11 +62,14 @@ bool lock(int file) {
     return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
+bool isSameFile(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
 // Some disks count no names.
 bool isNamed(const struct stat& opened, const std::string& path) {
     struct stat named {};
-    return opened.st_nlink > 0 || (::stat(path.c_str(), &named) == 0 &&
-                                   opened.st_dev == named.st_dev && opened.st_ino == named.st_ino);
+    return opened.st_nlink > 0 || (::stat(path.c_str(), &named) == 0 && isSameFile(opened, named));
 }
 
 FileHandle told(int file, const struct stat& found, FileStatus& status) {
@@ -198,8 +201,7 @@ class SystemCalls final : public FileCalls {
         struct stat opened {};
         struct stat named {};
         const bool same = ::fstat(descriptor(file), &opened) == 0 &&
-                          ::lstat(path.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
-                          opened.st_ino == named.st_ino;
+                          ::lstat(path.c_str(), &named) == 0 && isSameFile(opened, named);
         const bool done = same && ::unlink(path.c_str()) == 0;
         ::close(descriptor(file));
         return done;

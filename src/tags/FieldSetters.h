@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "tags/ID3tag.h"
@@ -10,6 +11,13 @@ namespace tavlo {
 template <std::string cID3v2ext::*field>
 void setField(ID3tag& record, std::string_view text) {
     record.ID3v2Ext.*field = text;
+}
+
+/// "3", or "3/12" where the count is known and the number does not tell it.
+inline std::string withCount(std::string number, int count) {
+    if (count <= 0 || number.find('/') != std::string::npos) return number;
+    if (number.empty()) number = "0";
+    return number + "/" + std::to_string(count);
 }
 
 /// "0" is no track number and does not hide another tag's.

@@ -9,12 +9,13 @@
 
 namespace tavlo {
 
-namespace {
-constexpr std::string_view temporaryEnding = ".tmp";
-
-std::string bytesAt(File& file, std::uint64_t begin, std::uint64_t end) {
+std::string bytesBetween(File& file, std::uint64_t begin, std::uint64_t end) {
+    if (begin >= end) return {};
     return std::string(textOf(file.view(begin, static_cast<std::size_t>(end - begin))));
 }
+
+namespace {
+constexpr std::string_view temporaryEnding = ".tmp";
 
 // A killed run leaves a file with the mark of a temporary one, which goes on with the same sound
 // behind its tag. Anything else that bears the name belongs to somebody.
@@ -24,7 +25,7 @@ bool isLeftover(File& found, File& original) {
     const std::uint64_t begin = ID3v2TagEnd(found);
     if (found.size() == 0) return true;
     if (begin >= found.size()) return false;
-    const std::string sound = bytesAt(found, begin, std::min(begin + compared, found.size()));
+    const std::string sound = bytesBetween(found, begin, std::min(begin + compared, found.size()));
     return sound == textOf(original.view(ID3v2TagEnd(original), sound.size()));
 }
 
@@ -109,8 +110,8 @@ class Rewriter {
           ends_(ends),
           keepTime_(keepTime),
           oldSize_(file.size()),
-          oldHead_(bytesAt(file, 0, ends.headEnd)),
-          oldTail_(bytesAt(file, ends.tailBegin, file.size())) {}
+          oldHead_(bytesBetween(file, 0, ends.headEnd)),
+          oldTail_(bytesBetween(file, ends.tailBegin, file.size())) {}
 
     Rewrite run(const std::string& path) {
         // What cannot be read cannot be put back.
@@ -160,7 +161,7 @@ class Rewriter {
         constexpr std::uint64_t leastSound = 256;
         const std::uint64_t known = std::min(
             std::max<std::uint64_t>(File::headSize, ends_.headEnd + leastSound), ends_.tailBegin);
-        const std::string sound = bytesAt(file_, ends_.headEnd, known);
+        const std::string sound = bytesBetween(file_, ends_.headEnd, known);
         if (sound.size() != known - ends_.headEnd) return Rewrite::NotWritten;
         const bool complete = temporary.append(ends_.head + sound) &&
                               temporary.appendFromOriginal(known, ends_.tailBegin) &&
@@ -184,8 +185,8 @@ Rewrite rewriteEnds(File& file, const std::string& path, const NewEnds& ends, bo
 }
 
 bool wouldChange(File& file, const NewEnds& ends) {
-    return bytesAt(file, 0, ends.headEnd) != ends.head ||
-           bytesAt(file, ends.tailBegin, file.size()) != ends.tail;
+    return bytesBetween(file, 0, ends.headEnd) != ends.head ||
+           bytesBetween(file, ends.tailBegin, file.size()) != ends.tail;
 }
 
 }  // namespace tavlo

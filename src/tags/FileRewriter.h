@@ -7,6 +7,9 @@
 
 namespace tavlo {
 
+/// The bytes from one offset to another; none where the first is not before the second.
+std::string bytesBetween(File& file, std::uint64_t begin, std::uint64_t end);
+
 /// New bytes for a file's two ends. What lies between `headEnd` and `tailBegin` stays.
 struct NewEnds {
     std::uint64_t headEnd = 0;  ///< `head` takes the place of the bytes before it

@@ -5,6 +5,7 @@
 
 #include "platform/FileSystem.h"
 #include "platform/Utf8.h"
+#include "tags/FieldSetters.h"
 #include "tags/TagText.h"
 
 namespace tavlo {
@@ -69,9 +70,7 @@ std::string ID3tag::GetNumber() const {
 }
 
 std::string ID3tag::GetNumberAndCount() const {
-    std::string number = GetNumber();
-    if (TracksCount <= 0 || number.find('/') != std::string::npos) return number;
-    return (number.empty() ? "0" : number) + "/" + std::to_string(TracksCount);
+    return withCount(GetNumber(), TracksCount);
 }
 
 std::string ID3tag::joinedTitleMix(std::string_view brackets) const {

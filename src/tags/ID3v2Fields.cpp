@@ -27,13 +27,6 @@ std::string numberText(int number) {
     return number > 0 ? std::to_string(number) : std::string();
 }
 
-// "3" or "3/12".
-std::string withCount(std::string number, int count) {
-    if (count <= 0 || number.find('/') != std::string::npos) return number;
-    if (number.empty()) number = "0";
-    return number + "/" + std::to_string(count);
-}
-
 void setRecordingTime(ID3tag& record, std::string_view text) {
     record.SetYear(utf8Head(text, yearDigits));
     if (text.size() > yearDigits) record.ID3v2Ext.RecordingTime = text;

@@ -18,11 +18,6 @@
 namespace tavlo {
 
 namespace {
-std::string bytesOf(File& file, std::uint64_t begin, std::uint64_t end) {
-    if (begin >= end) return {};
-    return std::string(textOf(file.view(begin, static_cast<std::size_t>(end - begin))));
-}
-
 bool hasWriter(FileTypes type) {
     return (type & (FileType::Mp3 | FileType::Ape2Only)) != 0;
 }
@@ -132,7 +127,7 @@ class TagPlan {
     std::string blockBytes() {
         constexpr std::size_t blockSize = 128;
         const auto& span = layout_.id3v1;
-        std::string old = span ? bytesOf(file_, span->begin, span->end) : std::string();
+        std::string old = span ? bytesBetween(file_, span->begin, span->end) : std::string();
         if (refusal_ == Refusal::NoID3v1Tag) return {};
         if (refusal_ != Refusal::NoID3v2Tag) {
             return encodeID3v1Block(record_, old, context_.ansi);
@@ -157,7 +152,7 @@ class TagPlan {
         if (layout_.lyrics) ends_.tailBegin = std::min(end, layout_.lyrics->begin);
         if (layout_.ape) ends_.tailBegin = layout_.ape->begin;
         const std::uint64_t kept = layout_.ape ? layout_.ape->end : ends_.tailBegin;
-        ends_.tail = encodeAPETag(record_) + bytesOf(file_, kept, end);
+        ends_.tail = encodeAPETag(record_) + bytesBetween(file_, kept, end);
     }
 
     // A new block behind bytes that nobody knows would push the APEv2 tag in front of them out of
@@ -304,7 +299,7 @@ bool RemoveID3v1Tag(ID3tag& record, const WriteContext& context) {
         const std::uint64_t size = file.size();
         const std::uint64_t block = size - std::min(size, blockSize);
         const std::uint64_t from = size - std::min(size, searchSpan);
-        const std::string end = bytesOf(file, from, size);
+        const std::string end = bytesBetween(file, from, size);
         const std::size_t at = end.find(mark);
         if (std::string_view(end).substr(block - from).starts_with(mark)) {
             ends.tailBegin = block;
@@ -334,7 +329,7 @@ bool RemoveAPETag(ID3tag& record, const WriteContext& context) {
         const TagLayout layout = readTags(file, found, {context.ansi});
         if (!layout.ape) return;
         ends.tailBegin = layout.ape->begin;
-        ends.tail = bytesOf(file, layout.ape->end, file.size());
+        ends.tail = bytesBetween(file, layout.ape->end, file.size());
     });
     if (done) record.IsAPE2Present = false;
     return done;
