@@ -21,6 +21,9 @@ std::optional<std::string> environmentVariable(const std::string& name);
 /// The folder of the program's own file without a separator at the end; empty when not known.
 std::string programFolder();
 
+/// The user's folder for the program's own files; empty when not known. It need not be there.
+std::string settingsFolder();
+
 /// The current folder at the moment of the call; empty when it cannot be told.
 std::string currentFolder();
 

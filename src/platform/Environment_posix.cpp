@@ -33,6 +33,17 @@ std::string programFolder() {
     return error ? std::string() : program.parent_path().string();
 }
 
+std::string settingsFolder() {
+    const auto absolute = [](const char* variable) {
+        const std::string value = environmentVariable(variable).value_or("");
+        return value.starts_with('/') ? value : std::string();
+    };
+    if (const std::string folder = absolute("XDG_CONFIG_HOME"); !folder.empty())
+        return folder + "/tavlo";
+    const std::string home = absolute("HOME");
+    return home.empty() ? std::string() : home + "/.config/tavlo";
+}
+
 std::string currentFolder() {
     std::error_code error;
     const auto folder = std::filesystem::current_path(error);

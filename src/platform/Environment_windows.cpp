@@ -56,6 +56,11 @@ std::string programFolder() {
     return separator == std::wstring::npos ? std::string() : utf8Of(path.substr(0, separator));
 }
 
+std::string settingsFolder() {
+    const std::string folder = environmentVariable("APPDATA").value_or("");
+    return folder.empty() ? std::string() : folder + "\\Tavlo";
+}
+
 std::string currentFolder() {
     std::wstring path(longestPath, L'\0');
     path.resize(GetCurrentDirectoryW(longestPath, path.data()));

@@ -12,6 +12,13 @@ using Bytes = std::span<const std::uint8_t>;
 
 enum class Access { Read, ReadWrite };
 
+enum class Moved {
+    Done,
+    Exists,     ///< the new name is taken; nothing was changed
+    OtherDisk,  ///< it lies on another disk; nothing was changed
+    Failed
+};
+
 using FileHandle = std::intptr_t;
 inline constexpr FileHandle noFile = -1;
 
@@ -59,9 +66,11 @@ class FileCalls {
     /// closed afterwards, whatever comes of it.
     virtual bool replace(FileHandle temporary, const std::string& temporaryPath,
                          FileHandle original, const std::string& path) = 0;
-    /// Removes a file that is open for writing, if it still is what the path leads to, and closes
-    /// it.
+    /// Removes a file that is open, read-only or not, if it still is what the path leads to, and
+    /// closes it.
     virtual bool remove(FileHandle file, const std::string& path) = 0;
+    /// Gives a closed file another name, never one that is taken.
+    virtual Moved move(const std::string& from, const std::string& to) = 0;
     /// Makes a file writable for its owner; other attributes stay. False when it could not be done.
     virtual bool clearReadOnly(const std::string& path) = 0;
 

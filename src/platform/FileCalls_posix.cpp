@@ -93,6 +93,11 @@ mode_t modeOfNewFile() {
     return 0666 & ~mask;
 }
 
+Moved reasonOf(int error) {
+    if (error == EEXIST) return Moved::Exists;
+    return error == EXDEV ? Moved::OtherDisk : Moved::Failed;
+}
+
 class SystemCalls final : public FileCalls {
  public:
     FileHandle open(const std::string& path, Access access, FileStatus& status) override {
@@ -205,6 +210,25 @@ class SystemCalls final : public FileCalls {
         const bool done = same && ::unlink(path.c_str()) == 0;
         ::close(descriptor(file));
         return done;
+    }
+
+    Moved move(const std::string& from, const std::string& to) override {
+        const char* const source = from.c_str();
+        const char* const target = to.c_str();
+        if (::renameat2(AT_FDCWD, source, AT_FDCWD, target, RENAME_NOREPLACE) == 0) {
+            return Moved::Done;
+        }
+        if (errno != EINVAL && errno != ENOSYS) return reasonOf(errno);
+        // Not every disk can refuse to overwrite; a second name for the file never does.
+        if (::link(source, target) == 0) {
+            if (::unlink(source) == 0) return Moved::Done;
+            ::unlink(target);
+            return Moved::Failed;
+        }
+        if (errno != EPERM && errno != EOPNOTSUPP) return reasonOf(errno);
+        struct stat status {};
+        if (::lstat(target, &status) == 0) return Moved::Exists;
+        return ::rename(source, target) == 0 ? Moved::Done : reasonOf(errno);
     }
 
     bool clearReadOnly(const std::string& path) override { return tavlo::clearReadOnly(path); }

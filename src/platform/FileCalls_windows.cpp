@@ -162,7 +162,22 @@ class SystemCalls final : public FileCalls {
     // Nobody else can rename or remove it while it is open here without sharing.
     bool remove(FileHandle file, const std::string& path) override {
         ::CloseHandle(native(file));
-        return ::DeleteFileW(widePath(path).c_str()) != 0;
+        const std::wstring name = widePath(path);
+        if (::DeleteFileW(name.c_str())) return true;
+        const DWORD attributes = ::GetFileAttributesW(name.c_str());
+        const bool isReadOnly =
+            attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+        if (!isReadOnly || !tavlo::clearReadOnly(path)) return false;
+        if (::DeleteFileW(name.c_str())) return true;
+        ::SetFileAttributesW(name.c_str(), attributes);
+        return false;
+    }
+
+    Moved move(const std::string& from, const std::string& to) override {
+        if (::MoveFileExW(widePath(from).c_str(), widePath(to).c_str(), 0)) return Moved::Done;
+        const DWORD error = ::GetLastError();
+        if (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS) return Moved::Exists;
+        return error == ERROR_NOT_SAME_DEVICE ? Moved::OtherDisk : Moved::Failed;
     }
 
     bool clearReadOnly(const std::string& path) override { return tavlo::clearReadOnly(path); }

@@ -16,7 +16,8 @@ struct FolderEntry {
 };
 
 struct FileInfo {
-    std::uint64_t size = 0;  ///< bytes
+    std::uint64_t size = 0;     ///< bytes
+    std::int64_t modified = 0;  ///< in the system's own ticks, as `FileStatus` has it
     bool isFolder = false;
     bool isHidden = false;    ///< Windows: attribute; elsewhere a name that begins with a dot
     bool isReadOnly = false;  ///< Windows: attribute; elsewhere the owner may not write
@@ -57,6 +58,12 @@ enum class Created { Done, Exists, Failed };
 
 /// Writes a file that does not exist yet; one that does stays as it is.
 Created writeNewFile(const std::string& path, std::string_view bytes);
+
+/// Makes one folder; one that is there already is `Exists`.
+Created createFolder(const std::string& path);
+
+/// Makes a folder and every one above it that is missing.
+bool createFolders(const std::string& path);
 
 /// Removes a folder that is empty; false, and no change, when it is not.
 bool removeEmptyFolder(const std::string& path);

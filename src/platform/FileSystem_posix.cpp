@@ -62,6 +62,8 @@ std::optional<FileInfo> fileInfo(const std::string& path) {
     if (::stat(path.c_str(), &status) != 0) return std::nullopt;
     FileInfo info;
     info.size = static_cast<std::uint64_t>(status.st_size);
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    info.modified = status.st_mtim.tv_sec * nanoseconds + status.st_mtim.tv_nsec;
     info.isFolder = S_ISDIR(status.st_mode);
     info.isHidden = isHiddenName(std::string_view(path).substr(path.rfind('/') + 1));
     info.isReadOnly = (status.st_mode & S_IWUSR) == 0;
@@ -128,6 +130,11 @@ Created writeNewFile(const std::string& path, std::string_view bytes) {
     if (::close(file) == 0 && complete) return Created::Done;
     ::unlink(path.c_str());
     return Created::Failed;
+}
+
+Created createFolder(const std::string& path) {
+    if (::mkdir(path.c_str(), 0777) == 0) return Created::Done;
+    return errno == EEXIST && folderExists(path) ? Created::Exists : Created::Failed;
 }
 
 bool removeEmptyFolder(const std::string& path) {

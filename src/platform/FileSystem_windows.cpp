@@ -68,6 +68,9 @@ std::optional<FileInfo> fileInfo(const std::string& path) {
     }
     FileInfo info;
     info.size = static_cast<std::uint64_t>(data.nFileSizeHigh) << 32U | data.nFileSizeLow;
+    const FILETIME& time = data.ftLastWriteTime;
+    info.modified =
+        static_cast<std::int64_t>(std::uint64_t{time.dwHighDateTime} << 32U | time.dwLowDateTime);
     info.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     info.isHidden = (data.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0;
     info.isReadOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
@@ -145,6 +148,12 @@ Created writeNewFile(const std::string& path, std::string_view bytes) {
     if (complete) return Created::Done;
     ::DeleteFileW(wide.c_str());
     return Created::Failed;
+}
+
+Created createFolder(const std::string& path) {
+    if (::CreateDirectoryW(widePath(path).c_str(), nullptr)) return Created::Done;
+    const bool isThere = ::GetLastError() == ERROR_ALREADY_EXISTS && folderExists(path);
+    return isThere ? Created::Exists : Created::Failed;
 }
 
 bool removeEmptyFolder(const std::string& path) {

@@ -31,6 +31,14 @@ constexpr std::string_view trimBlanks(std::string_view text) {
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+/// Every occurrence, from the front on, once.
+inline void replaceAll(std::string& text, std::string_view from, std::string_view to) {
+    for (std::size_t at = text.find(from); at != std::string::npos;
+         at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
+    }
+}
+
 /// Cuts the first line off the front; its end, "\n" and any "\r" before it, belongs to neither
 /// part.
 inline std::string_view takeLine(std::string_view& text) {

@@ -21,7 +21,6 @@ namespace {
 constexpr std::uint64_t largestFile = 16U << 20U;  // bytes; a settings file has a few thousand
 constexpr int lockTries = 200;               // of 10 ms each: a stopped instance must not hang us
 constexpr useconds_t lockPause = 10 * 1000;  // microseconds
-constexpr const char* fileName = "tavlo/settings.txt";
 
 class Descriptor {
  public:
@@ -41,14 +40,8 @@ class Descriptor {
 };
 
 std::string defaultFile() {
-    const auto absolute = [](const char* variable) {
-        const std::string value = environmentVariable(variable).value_or("");
-        return value.starts_with('/') ? value : std::string();
-    };
-    if (const std::string folder = absolute("XDG_CONFIG_HOME"); !folder.empty())
-        return folder + '/' + fileName;
-    const std::string home = absolute("HOME");
-    return home.empty() ? std::string() : home + "/.config/" + fileName;
+    const std::string folder = settingsFolder();
+    return folder.empty() ? std::string() : folder + "/settings.txt";
 }
 
 /// A link to the file must stay a link when the file is replaced, even where it leads to none yet.

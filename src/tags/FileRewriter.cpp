@@ -1,9 +1,10 @@
 #include "tags/FileRewriter.h"
 
 #include <algorithm>
+#include <optional>
 
-#include "core/PathText.h"
 #include "platform/FileSystem.h"
+#include "platform/TemporaryFile.h"
 #include "tags/ByteCursor.h"
 #include "tags/ID3v2.h"
 
@@ -15,93 +16,16 @@ std::string bytesBetween(File& file, std::uint64_t begin, std::uint64_t end) {
 }
 
 namespace {
-constexpr std::string_view temporaryEnding = ".tmp";
-
-// A killed run leaves a file with the mark of a temporary one, which goes on with the same sound
-// behind its tag. Anything else that bears the name belongs to somebody.
+// What a killed run leaves goes on with the same sound behind its tag. Anything else that bears the
+// name belongs to somebody.
 bool isLeftover(File& found, File& original) {
     constexpr std::size_t compared = 4096;
-    if (!found.isTemporary()) return false;
     const std::uint64_t begin = ID3v2TagEnd(found);
     if (found.size() == 0) return true;
     if (begin >= found.size()) return false;
     const std::string sound = bytesBetween(found, begin, std::min(begin + compared, found.size()));
     return sound == textOf(original.view(ID3v2TagEnd(original), sound.size()));
 }
-
-// A file beside the one it is to replace. Unless `moveTo` succeeds it goes away again.
-class TemporaryFile {
- public:
-    explicit TemporaryFile(File& original) : original_(original), calls_(original.calls()) {}
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() {
-        if (handle_ != noFile) calls_.remove(handle_, path_);
-    }
-
-    // The plain name may belong to somebody else's file, or be too long.
-    bool createBeside(const std::string& path) {
-        constexpr int mostNames = 9;
-        if (create(path + std::string(temporaryEnding))) return true;
-        const std::string_view folder = folderOf(path, nativePathStyle());
-        for (int i = 1; i <= mostNames; ++i) {
-            const std::string name = "tavlo-" + std::to_string(i) + std::string(temporaryEnding);
-            if (create(joinPath(folder, name, nativePathStyle()))) return true;
-        }
-        return false;
-    }
-
-    bool append(std::string_view bytes) {
-        const bool done = calls_.write(handle_, size_, bytesOfText(bytes)) == bytes.size();
-        size_ += bytes.size();
-        return done;
-    }
-
-    bool appendFromOriginal(std::uint64_t begin, std::uint64_t end) {
-        const bool done = calls_.copy(original_.handle(), begin, handle_, size_, end - begin);
-        size_ += end - begin;
-        return done;
-    }
-
-    // The mark goes last, right before the file is moved.
-    bool complete(bool keepTime) {
-        if (keepTime) calls_.setModified(handle_, original_.modified());
-        return calls_.flush(handle_) && calls_.carryAttributes(original_.handle(), handle_);
-    }
-
-    bool moveTo(const std::string& path) {
-        const FileHandle handle = handle_;
-        handle_ = noFile;
-        if (calls_.replace(handle, path_, original_.release(), path)) return true;
-        removeUnmoved();
-        return false;
-    }
-
- private:
-    bool create(const std::string& path) {
-        handle_ = calls_.create(path);
-        if (handle_ == noFile && removeLeftover(path)) handle_ = calls_.create(path);
-        path_ = path;
-        return handle_ != noFile;
-    }
-
-    bool removeLeftover(const std::string& path) {
-        File found(calls_);
-        if (!found.open(path, Access::ReadWrite) || !isLeftover(found, original_)) return false;
-        return calls_.remove(found.release(), path);
-    }
-
-    void removeUnmoved() {
-        File found(calls_);
-        if (found.open(path_, Access::ReadWrite)) calls_.remove(found.release(), path_);
-    }
-
-    File& original_;
-    FileCalls& calls_;
-    std::string path_;
-    FileHandle handle_ = noFile;
-    std::uint64_t size_ = 0;
-};
 
 class Rewriter {
  public:
@@ -131,6 +55,10 @@ class Rewriter {
     }
 
  private:
+    [[nodiscard]] std::optional<std::int64_t> keptTime() const {
+        return keepTime_ ? std::optional(file_.modified()) : std::nullopt;
+    }
+
     bool writeTail() {
         tailTouched_ = true;
         if (ends_.tail.size() < oldTail_.size()) {
@@ -154,7 +82,8 @@ class Rewriter {
 
     Rewrite throughTemporary(const std::string& linkedPath) {
         const std::string path = withoutLinks(linkedPath);
-        TemporaryFile temporary(file_);
+        TemporaryFile temporary(file_.calls(),
+                                [this](File& found) { return isLeftover(found, file_); });
         if (!temporary.createBeside(path)) return Rewrite::NotCreated;
         // What the reading of the head brought along need not be read again; and some sound has to
         // be in the first write, by which a leftover is known.
@@ -164,11 +93,11 @@ class Rewriter {
         const std::string sound = bytesBetween(file_, ends_.headEnd, known);
         if (sound.size() != known - ends_.headEnd) return Rewrite::NotWritten;
         const bool complete = temporary.append(ends_.head + sound) &&
-                              temporary.appendFromOriginal(known, ends_.tailBegin) &&
+                              temporary.append(file_.handle(), known, ends_.tailBegin) &&
                               (ends_.tail.empty() || temporary.append(ends_.tail)) &&
-                              temporary.complete(keepTime_);
+                              temporary.complete(file_.handle(), keptTime());
         if (!complete) return Rewrite::NotWritten;
-        return temporary.moveTo(path) ? Rewrite::Done : Rewrite::NotWritten;
+        return temporary.replace(path, file_.release()) ? Rewrite::Done : Rewrite::NotWritten;
     }
 
     File& file_;

@@ -114,6 +114,14 @@ class MemoryCalls final : public FileCalls {
         close(file);
         return happens() && !isOpen(path) && files_.erase(path) > 0;
     }
+    Moved move(const std::string& from, const std::string& to) override {
+        if (!happens() || !files_.contains(from) || isOpen(from)) return Moved::Failed;
+        if (files_.contains(to)) return Moved::Exists;
+        if (diskOf(from) != diskOf(to)) return Moved::OtherDisk;
+        files_[to] = files_.at(from);
+        files_.erase(from);
+        return Moved::Done;
+    }
     bool clearReadOnly(const std::string& path) override {
         if (!happens() || !files_.contains(path)) return false;
         files_[path]->isReadOnly = false;
@@ -122,6 +130,11 @@ class MemoryCalls final : public FileCalls {
 
  private:
     using File = std::shared_ptr<Stored>;
+
+    // "disk:name"; without a colon all lie on one.
+    static std::string diskOf(const std::string& path) {
+        return path.substr(0, path.find(':') + 1);
+    }
 
     [[nodiscard]] bool isKilled() const { return fault_ == Fault::Killed && done_ >= at_; }
     bool happens() {

@@ -1,0 +1,68 @@
+#include "platform/FileTransfer.h"
+
+#include "platform/FileSystem.h"
+#include "platform/TemporaryFile.h"
+
+namespace tavlo {
+
+namespace {
+Transfer resultOf(Moved moved) {
+    if (moved == Moved::Done) return Transfer::Done;
+    return moved == Moved::Exists ? Transfer::Exists : Transfer::Failed;
+}
+
+Transfer copyOpened(File& source, const std::string& to) {
+    TemporaryFile copy(source.calls());
+    const bool complete = copy.createBeside(to) && copy.append(source.handle(), 0, source.size()) &&
+                          copy.complete(source.handle(), source.modified()) &&
+                          copy.holdsAllOf(source);
+    return complete ? resultOf(copy.moveTo(to)) : Transfer::Failed;
+}
+
+// Opened for writing, where that may be, nobody else of this program changes it meanwhile.
+bool openToMove(File& file, const std::string& path) {
+    return file.open(path, Access::ReadWrite) || file.open(path, Access::Read);
+}
+}  // namespace
+
+bool removeFile(const std::string& path, FileCalls& calls) {
+    File file(calls);
+    return openToMove(file, path) && calls.remove(file.release(), path);
+}
+
+Transfer copyFile(const std::string& from, const std::string& to, FileCalls& calls) {
+    File source(calls);
+    return source.open(from, Access::Read) ? copyOpened(source, to) : Transfer::Failed;
+}
+
+Transfer moveFile(const std::string& from, const std::string& to, FileCalls& calls) {
+    const Moved moved = calls.move(from, to);
+    if (moved != Moved::OtherDisk) return resultOf(moved);
+    File source(calls);
+    if (!openToMove(source, from)) return Transfer::Failed;
+    const Transfer copied = copyOpened(source, to);
+    if (copied != Transfer::Done || calls.remove(source.release(), from)) return copied;
+    removeFile(to, calls);
+    return Transfer::Failed;
+}
+
+bool replaceFile(const std::string& linkedPath, std::string_view bytes, FileCalls& calls) {
+    const std::string path = withoutLinks(linkedPath);
+    File old(calls);
+    const bool isThere = openToMove(old, path);
+    TemporaryFile file(calls);
+    const bool complete = file.createBeside(path) && file.append(bytes) &&
+                          file.complete(isThere ? old.handle() : noFile, std::nullopt);
+    if (!complete) return false;
+    if (isThere && old.isReadOnly()) calls.clearReadOnly(path);
+    return file.replace(path, isThere ? old.release() : noFile);
+}
+
+Transfer writeFile(const std::string& path, std::string_view bytes, FileCalls& calls) {
+    TemporaryFile file(calls);
+    const bool complete =
+        file.createBeside(path) && file.append(bytes) && file.complete(noFile, std::nullopt);
+    return complete ? resultOf(file.moveTo(path)) : Transfer::Failed;
+}
+
+}  // namespace tavlo

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/FileCalls.h"
+
+namespace tavlo {
+
+enum class Transfer {
+    Done,
+    Exists,  ///< the new name is taken; nothing was changed
+    Failed   ///< the source is as it was, and nothing lies under the new name
+};
+
+/// Copies a file with its time and attributes: beside its new place, flushed, read back and
+/// compared, and only then under its new name, which it never overwrites.
+Transfer copyFile(const std::string& from, const std::string& to, FileCalls& calls = systemCalls());
+
+/// Gives a file another name, on another disk by a copy; the source goes when that is whole.
+Transfer moveFile(const std::string& from, const std::string& to, FileCalls& calls = systemCalls());
+
+/// Writes a whole file beside its place, flushed, and puts it there in one step, whether or not
+/// there is one of that name, which then gives it its attributes. False, and no change, on failure.
+bool replaceFile(const std::string& path, std::string_view bytes, FileCalls& calls = systemCalls());
+
+/// Writes a whole file in the same way, but never over another.
+Transfer writeFile(const std::string& path, std::string_view bytes,
+                   FileCalls& calls = systemCalls());
+
+/// Removes a file, read-only or not.
+bool removeFile(const std::string& path, FileCalls& calls = systemCalls());
+
+}  // namespace tavlo
