@@ -9,6 +9,7 @@
 #include "tags/ID3v2.h"
 #include "tags/Lyrics3.h"
 #include "tags/MpegStream.h"
+#include "tags/WaveFile.h"
 
 namespace tavlo {
 
@@ -49,6 +50,7 @@ ID3tag ReadAudioFile(const std::string& path, const ReadContext& context) {
     } else if ((type & FileType::Ape2Only) != 0) {
         readTags(file, record, context);
     }
+    if (type == FileType::Wave && !readWave(file, record)) record.OK = false;
     markAsRead(record);
     return record;
 }
