@@ -127,6 +127,25 @@ std::string upperCase(std::string_view text) {
     return converted(text, [](char32_t point) { return upperCase(point); });
 }
 
+std::string capitalizeWords(std::string_view text) {
+    bool begins = true;
+    return converted(text, [&](char32_t point) {
+        const char32_t letter = begins ? upperCase(point) : lowerCase(point);
+        begins = std::u32string_view(U" \t_-–—.,;:/\\&+()[]{}<>\"«»“”!?").find(point) !=
+                 std::u32string_view::npos;
+        return letter;
+    });
+}
+
+std::string capitalizeFirst(std::string_view text) {
+    bool begins = true;
+    return converted(text, [&](char32_t point) {
+        const char32_t letter = begins ? upperCase(point) : lowerCase(point);
+        begins = false;
+        return letter;
+    });
+}
+
 bool equalsNoCase(std::string_view a, std::string_view b) {
     while (!a.empty() && !b.empty()) {
         const Folded first = firstFolded(a);

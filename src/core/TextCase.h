@@ -14,6 +14,12 @@ char32_t upperCase(char32_t point);
 std::string lowerCase(std::string_view text);
 std::string upperCase(std::string_view text);
 
+/// A capital at the front of every word, all else in lower case; a word begins behind a blank, a
+/// bracket, a hyphen and the like, not behind an apostrophe.
+std::string capitalizeWords(std::string_view text);
+/// A capital at the front, all else in lower case.
+std::string capitalizeFirst(std::string_view text);
+
 bool equalsNoCase(std::string_view a, std::string_view b);
 
 /// A hash that is equal for texts that `equalsNoCase` holds equal.
