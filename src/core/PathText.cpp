@@ -58,6 +58,11 @@ std::string_view extensionOf(std::string_view path, PathStyle style) {
     return dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
 }
 
+std::string_view parentOf(std::string_view folder, PathStyle style) {
+    const std::string_view above = folderOf(folder, style);
+    return above.size() < folder.size() ? above : std::string_view();
+}
+
 std::string joinPath(std::string_view folder, std::string_view name, PathStyle style) {
     std::string path;
     path.reserve(folder.size() + name.size() + 1);

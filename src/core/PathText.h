@@ -22,6 +22,9 @@ std::string_view fileNameOf(std::string_view path, PathStyle style);   ///< "nam
 std::string_view baseNameOf(std::string_view path, PathStyle style);   ///< "name"
 std::string_view extensionOf(std::string_view path, PathStyle style);  ///< "ext"
 
+/// The folder above a folder; empty above a root.
+std::string_view parentOf(std::string_view folder, PathStyle style);
+
 /// The folder with exactly one separator between it and the name.
 std::string joinPath(std::string_view folder, std::string_view name, PathStyle style);
 

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/PathText.h"
+#include "tags/ID3tag.h"
+
+namespace tavlo {
+
+/// A template of names read backwards: the text that stands at a placeholder becomes the field.
+/// %N %A %T %M %Z %Y %G %L and %C as in a template of names, %0 skips, "\" is a folder's border.
+class ReverseTemplate {
+ public:
+    static constexpr std::size_t mostTokens = 50;
+
+    struct Token {
+        std::string text;  ///< "%" and a letter, "%\" for a border, else the text between
+        bool isPlaceholder = false;
+    };
+
+    ReverseTemplate() = default;
+    explicit ReverseTemplate(std::string_view nameTemplate) {
+        CompileReverseTemplate(nameTemplate);
+    }
+
+    /// Cuts the template into tokens; what follows the fiftieth is left out.
+    void CompileReverseTemplate(std::string_view nameTemplate);
+    [[nodiscard]] const std::vector<Token>& tokens() const { return tokens_; }
+    /// Whether it can set any field.
+    [[nodiscard]] bool hasFields() const;
+
+    /// Reads a file's full path; levels above the template's first one are left alone. Fields that
+    /// the path has no place for stay.
+    void RetrieveTags(std::string_view path, PathStyle style, ID3tag& record) const;
+    /// The same of a line of text, in which "\" or "/" stands between folders.
+    void retrieveFromText(std::string_view text, ID3tag& record) const;
+
+ private:
+    void readPath(std::string_view path, std::string_view separators, ID3tag& record) const;
+    void readLevel(std::string_view text, std::size_t first, std::size_t last,
+                   ID3tag& record) const;
+
+    std::vector<Token> tokens_;
+};
+
+/// Sets the field of a placeholder; "_" counts as a blank, and an empty text empties the field.
+void SetFieldFromToken(ID3tag& record, std::string_view token, std::string_view text);
+
+}  // namespace tavlo
