@@ -2,7 +2,10 @@
 #include <vector>
 
 #include "collection/ChangeJob.h"
+#include "collection/CopyJob.h"
 #include "collection/ListJob.h"
+#include "collection/PlaylistJob.h"
+#include "collection/RenameJob.h"
 #include "core/ConsoleProgress.h"
 #include "core/ConsoleSink.h"
 #include "core/StartUp.h"
@@ -35,9 +38,13 @@ int main(int argc, char** argv) {
                              isTerminal(Stream::Error) ? terminalColumns(Stream::Error) : 0);
     cancelOnInterrupt(cancel);
     // Without a window to show it in, the list is printed.
-    const std::vector<JobRow> jobs{{RunMode::MainWindow, printList},
-                                   {RunMode::Scan, printList},
-                                   {RunMode::Change, changeTags}};
+    const std::vector<JobRow> jobs{
+        {RunMode::MainWindow, printList}, {RunMode::Scan, printList},
+        {RunMode::Change, changeTags},    {RunMode::Rename, renameFiles},
+        {RunMode::Rename2, renameFiles},  {RunMode::AutoRename, renameFiles},
+        {RunMode::Undo, undoRename},      {RunMode::MakeLists, makePlaylists},
+        {RunMode::Copy, copyPlaylist},
+    };
     StartUp startUp({registry, output, progress, progress, cancel, TAVLO_VERSION}, jobs);
     return startUp.run(programCommandLine(argc, argv));
 }

@@ -1,71 +1,58 @@
 #include "collection/ChangeJob.h"
 
-#include <array>
 #include <string>
 #include <vector>
 
 #include "collection/JobFiles.h"
-#include "collection/JsonText.h"
+#include "collection/JsonLine.h"
+#include "collection/ReverseTemplate.h"
+#include "collection/TagColumns.h"
 #include "tags/AudioFile.h"
 #include "tags/UpdateTags.h"
 
 namespace tavlo {
 
 namespace {
-template <auto getter>
-std::string gotten(const ID3tag& record) {
-    return std::string((record.*getter)());
-}
+// What the job makes of a record: fields from the file's name, then the fields that were given.
+class Filling {
+ public:
+    explicit Filling(const JobOptions& options) {
+        if (options.nameTemplate) names_.CompileReverseTemplate(*options.nameTemplate);
+        for (const TagColumn& column : tagColumns()) {
+            // Empty ones leave theirs alone.
+            const auto& text = options.*column.option;
+            if (!text || text->empty() || (column.name == "TrackNumber" && *text == "0")) continue;
+            fields_.*column.given = *text;
+            hasFields_ = true;
+        }
+    }
 
-struct ChangeField {
-    std::string_view name;
-    Text caption;
-    std::string_view BasicFields::*given;
-    std::optional<std::string> JobOptions::*option;
-    std::string (*get)(const ID3tag&);
+    [[nodiscard]] bool isEmpty() const { return !hasFields_ && !names_.hasFields(); }
+    [[nodiscard]] bool readsNames() const { return names_.hasFields(); }
+
+    void fill(const std::string& path, ID3tag& record) const {
+        names_.RetrieveTags(path, nativePathStyle(), record);
+        record.SetBasicFields(fields_);
+    }
+
+ private:
+    ReverseTemplate names_;
+    BasicFields fields_;
+    bool hasFields_ = false;
 };
 
-// clang-format off
-constexpr std::array<ChangeField, 7> changeFields{{
-    {"Artist", Text::ColumnArtist, &BasicFields::artist, &JobOptions::artist,
-     gotten<&ID3tag::GetArtist>},
-    {"Title", Text::ColumnTitle, &BasicFields::title, &JobOptions::title,
-     gotten<&ID3tag::GetTitle>},
-    {"Mix", Text::ColumnMix, &BasicFields::mix, &JobOptions::mix, gotten<&ID3tag::GetMix>},
-    {"Album", Text::ColumnAlbum, &BasicFields::album, &JobOptions::album,
-     gotten<&ID3tag::GetAlbum>},
-    {"Year", Text::ColumnYear, &BasicFields::year, &JobOptions::year, gotten<&ID3tag::GetYear>},
-    {"TrackNumber", Text::ColumnTrack, &BasicFields::number, &JobOptions::trackNumber,
-     [](const ID3tag& r) { return r.GetNumberAndCount(); }},
-    {"Genre", Text::ColumnGenre, &BasicFields::genre, &JobOptions::genre,
-     gotten<&ID3tag::GetGenre>},
-}};
-// clang-format on
-
-// The fields that were given; empty ones leave theirs alone.
-std::optional<BasicFields> wantedFields(const JobOptions& options) {
-    BasicFields fields;
-    bool any = false;
-    for (const ChangeField& field : changeFields) {
-        const auto& text = options.*field.option;
-        if (!text || text->empty() || (field.name == "TrackNumber" && *text == "0")) continue;
-        fields.*field.given = *text;
-        any = true;
-    }
-    return any ? std::optional(fields) : std::nullopt;
-}
-
 struct Change {
-    const ChangeField* field;
+    const TagColumn* field;
     std::string from, to;
 };
 
-std::vector<Change> changesOf(const ID3tag& before, const BasicFields& fields) {
+std::vector<Change> changesOf(const ID3tag& before, const std::string& path,
+                              const Filling& filling) {
     ID3tag after = before;
-    after.SetBasicFields(fields);
+    filling.fill(path, after);
     after.SplitTitle();
     std::vector<Change> changes;
-    for (const ChangeField& field : changeFields) {
+    for (const TagColumn& field : tagColumns()) {
         std::string from = field.get(before), to = field.get(after);
         if (from != to) changes.push_back({&field, std::move(from), std::move(to)});
     }
@@ -74,9 +61,9 @@ std::vector<Change> changesOf(const ID3tag& before, const BasicFields& fields) {
 
 class ChangeJob {
  public:
-    ChangeJob(Services& services, const BasicFields& fields)
+    ChangeJob(Services& services, const Filling& filling)
         : services_(services),
-          fields_(fields),
+          filling_(filling),
           ansi_(services.ansiCodePage),
           context_{ansi_,           tagSettings(services.settings),
                    services.errors, services.progress,
@@ -102,18 +89,21 @@ class ChangeJob {
  private:
     static constexpr std::size_t outputBlock = 1U << 16U;  // bytes written at once
 
-    // A record that holds nothing but the new values changes nothing else.
-    void changeFile(const std::string& path, const std::string& subPath) {
-        const bool dryRun = services_.options.dryRun, json = services_.options.json;
-        ID3tag record, before;
+    // A record that holds nothing but the new values changes nothing else. What a name tells may
+    // also empty a field; that shows against what was read only.
+    ID3tag filledRecord(const std::string& path) const {
+        ID3tag record = filling_.readsNames() ? ReadAudioFile(path, {ansi_}) : ID3tag();
         record.Path = path;
         record.FileType = GetFileType(path);
         record.OK = true;
-        if (dryRun) {
-            record.SetBasicFields(fields_);
-        } else {
-            record.UpdateBasicFields(fields_);
-        }
+        filling_.fill(path, record);
+        return record;
+    }
+
+    void changeFile(const std::string& path, const std::string& subPath) {
+        const bool dryRun = services_.options.dryRun, json = services_.options.json;
+        ID3tag record = filledRecord(path), before;
+        if (!dryRun) record.ClearReadOnlyFlag();
         const TagUpdate result = UpdateTags(record, context_, json || dryRun ? &before : nullptr);
         if (result == TagUpdate::Refused) {
             tellFailure(path, refusalText(record.Refused).value_or(Text::UnknownError));
@@ -122,7 +112,7 @@ class ChangeJob {
         const bool isSame = result == TagUpdate::Unchanged;
         ++(isSame ? unchanged_ : changed_);
         if (!json && !dryRun) return;
-        const std::vector<Change> changes = changesOf(before, fields_);
+        const std::vector<Change> changes = changesOf(before, path, filling_);
         if (json) {
             tell(path, isSame ? std::vector<Change>() : changes,
                  isSame   ? "unchanged"
@@ -154,24 +144,16 @@ class ChangeJob {
 
     void tellLine(const std::string& path, const Change* change, std::string_view result,
                   std::string_view message) {
-        rapidjson::StringBuffer buffer;
-        JsonWriter json(buffer);
-        json.StartObject();
-        json.Key("Path");
-        writeName(json, path);
-        const auto add = [&](const char* key, std::string_view text) {
-            json.Key(key);
-            writeText(json, text);
-        };
+        JsonLine line;
+        line.addName("Path", path);
         if (change != nullptr) {
-            add("Field", change->field->name);
-            add("From", change->from);
-            add("To", change->to);
+            line.add("Field", change->field->name);
+            line.add("From", change->from);
+            line.add("To", change->to);
         }
-        add("Result", result);
-        if (!message.empty()) add("Message", message);
-        json.EndObject();
-        out_.append(buffer.GetString(), buffer.GetSize()) += '\n';
+        line.add("Result", result);
+        if (!message.empty()) line.add("Message", message);
+        out_ += line.finish();
     }
 
     [[nodiscard]] std::string summary() const {
@@ -193,7 +175,7 @@ class ChangeJob {
     }
 
     Services& services_;
-    const BasicFields fields_;
+    const Filling& filling_;
     const CodePage ansi_;
     const WriteContext context_;
     std::string out_;
@@ -202,16 +184,16 @@ class ChangeJob {
 }  // namespace
 
 int changeTags(Services& services) {
-    const auto fields = wantedFields(services.options);
-    if (!fields) {
-        services.errors.report(Text::NothingToChange, "/a /t /m /l /y /tn /g");
+    const Filling filling(services.options);
+    if (filling.isEmpty()) {
+        services.errors.report(Text::NothingToChange, "/a /t /m /l /y /tn /g /template");
         return unusableCommandLine;
     }
     cFilesCollection files(services.progress, services.cancel);
     const JobFiles wanted{FileType::Tagged, Text::FormatNotWritten};
     if (!gatherFilesToChange(services, wanted, files)) return unusableCommandLine;
     // A scan that was cancelled found a part of the files only: then nothing is changed.
-    if (!services.cancel.load() && !ChangeJob(services, *fields).run(files)) {
+    if (!services.cancel.load() && !ChangeJob(services, filling).run(files)) {
         services.errors.report(Text::OutputNotWritten);
     }
     if (services.cancel.load()) services.errors.report(Text::Cancelled);

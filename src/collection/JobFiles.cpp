@@ -1,31 +1,11 @@
 #include "collection/JobFiles.h"
 
-#include <string>
-#include <vector>
-
 #include "core/WildcardMask.h"
 #include "platform/FileSystem.h"
 
 namespace tavlo {
 
 namespace {
-// What was asked for; without it a window shows what the settings name, a job works where it was
-// started.
-std::vector<std::string> wantedPaths(const Services& services) {
-    const JobOptions& options = services.options;
-    if (options.paths.size() > 1) return options.paths;
-    if (options.folder) return {*options.folder};
-    if (options.mode == RunMode::MainWindow) {
-        const Settings& settings = services.settings;
-        const bool hasStartup = settings.flag(Setting::StartupFolderEn);
-        for (const Setting kept : {Setting::StartupFolder, Setting::CurrentFolder}) {
-            const bool asked = kept != Setting::StartupFolder || hasStartup;
-            if (asked && folderExists(settings.text(kept))) return {settings.text(kept)};
-        }
-    }
-    return {options.startFolder};
-}
-
 // Adds a folder's files, a playlist's, or the one file that the path names; false when it cannot be
 // read.
 bool gatherPath(Services& services, const JobFiles& wanted, const std::string& path,
@@ -56,6 +36,23 @@ bool gatherPath(Services& services, const JobFiles& wanted, const std::string& p
 
 }  // namespace
 
+// What was asked for; without it a window shows what the settings name, a job works where it was
+// started.
+std::vector<std::string> wantedPaths(const Services& services) {
+    const JobOptions& options = services.options;
+    if (options.paths.size() > 1) return options.paths;
+    if (options.folder) return {*options.folder};
+    if (options.mode == RunMode::MainWindow) {
+        const Settings& settings = services.settings;
+        const bool hasStartup = settings.flag(Setting::StartupFolderEn);
+        for (const Setting kept : {Setting::StartupFolder, Setting::CurrentFolder}) {
+            const bool asked = kept != Setting::StartupFolder || hasStartup;
+            if (asked && folderExists(settings.text(kept))) return {settings.text(kept)};
+        }
+    }
+    return {options.startFolder};
+}
+
 bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection& files) {
     bool found = false;
     const std::vector<std::string> paths = wantedPaths(services);
@@ -81,9 +78,16 @@ bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection
     return found;
 }
 
+bool isUnderstood(Services& services) {
+    if (services.options.ignored.empty()) return true;
+    services.errors.report(Text::NothingDone);
+    return false;
+}
+
 bool gatherFilesToChange(Services& services, const JobFiles& wanted, cFilesCollection& files) {
+    if (!isUnderstood(services)) return false;
     const std::size_t errors = services.errors.count();
-    const bool found = services.options.ignored.empty() && gatherJobFiles(services, wanted, files);
+    const bool found = gatherJobFiles(services, wanted, files);
     if (found && services.errors.count() == errors + files.unreadFolders().size()) return true;
     services.errors.report(Text::NothingDone);
     return false;

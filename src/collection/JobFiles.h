@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "collection/cFilesCollection.h"
 #include "core/StartUp.h"
 
@@ -18,5 +21,11 @@ bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection
 /// The same for a job that changes files: false as well, with a word that nothing was done, when an
 /// option is not known or any of what was named is missing, for then something else was meant.
 bool gatherFilesToChange(Services& services, const JobFiles& wanted, cFilesCollection& files);
+
+/// Whether every option was understood; otherwise the word that nothing was done.
+bool isUnderstood(Services& services);
+
+/// The paths that the command line names; without one the settings' or the current folder.
+std::vector<std::string> wantedPaths(const Services& services);
 
 }  // namespace tavlo

@@ -10,7 +10,6 @@ namespace tavlo {
 
 namespace {
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-constexpr std::uint64_t largestPlaylist = 64U << 20U;  // bytes
 
 bool isDrivePath(std::string_view entry) {
     return entry.size() >= 3 && entry[1] == ':' && (entry[2] == '\\' || entry[2] == '/');
@@ -28,39 +27,133 @@ std::string nativeEntry(std::string_view entry, PathStyle style) {
     return native;
 }
 
-std::string resolved(std::string_view entry, std::string_view folder, PathStyle style) {
-    std::string native = nativeEntry(entry, style);
-    if (isAbsolutePath(native, style) || isDrivePath(entry)) return native;
-    while (native.starts_with(std::string(".") + separatorOf(style))) native.erase(0, 2);
-    return joinPath(folder, native, style);
+// "." and ".." steps taken out; a step above the root stays.
+std::string withoutSteps(const std::string& path, PathStyle style) {
+    const char separator = separatorOf(style);
+    std::string out;
+    std::vector<std::size_t> levels;  // where each named level begins
+    for (std::size_t at = 0; at <= path.size();) {
+        const std::size_t end = std::min(path.find(separator, at), path.size());
+        const std::string_view level = std::string_view(path).substr(at, end - at);
+        if (level == ".." && !levels.empty()) {
+            out.resize(levels.back());
+            levels.pop_back();
+        } else if (level != ".") {
+            const bool isNamed = !level.empty() && level != ".." && !level.ends_with(':');
+            if (isNamed) levels.push_back(out.size());
+            out += level;
+            if (end < path.size()) out += separator;
+        }
+        at = end + 1;
+    }
+    return out;
 }
 
+bool isEntry(std::string_view line) {
+    const bool isAddress = line.find("://") != std::string_view::npos;
+    return !trimBlanks(line).empty() && line[0] != '#' && !isAddress;
+}
+
+bool isAbsoluteEntry(std::string_view entry, PathStyle style) {
+    return isAbsolutePath(nativeEntry(entry, style), style) || isDrivePath(entry);
+}
+
+// From one folder to a file, up with ".." where it must; the full path where none leads there.
+std::string relativePath(std::string_view path, std::string_view folder, PathStyle style) {
+    std::string up;
+    while (!folder.empty() && !liesIn(path, folder, style)) {
+        up += std::string("..") + separatorOf(style);
+        folder = parentOf(folder, style);
+    }
+    if (folder.empty()) return std::string(path);
+    path.remove_prefix(folder.size());
+    while (!path.empty() && isSeparator(path[0], style)) path.remove_prefix(1);
+    return up + std::string(path);
+}
+
+// In the form that the old entry had.
+std::string newEntry(std::string_view entry, std::string_view path, std::string_view folder,
+                     PathStyle style) {
+    std::string text =
+        isAbsoluteEntry(entry, style) ? std::string(path) : relativePath(path, folder, style);
+    const std::size_t at = entry.find_first_of("\\/");
+    const char separator = at == std::string_view::npos ? separatorOf(style) : entry[at];
+    std::replace(text.begin(), text.end(), separatorOf(style), separator);
+    return text;
+}
+
+// The list without a mark, which tells that it is UTF-8.
+std::string_view withoutMark(std::string_view bytes, bool& isUtf8) {
+    if (!bytes.starts_with(utf8Mark)) return bytes;
+    isUtf8 = true;
+    return bytes.substr(utf8Mark.size());
+}
 }  // namespace
 
-std::vector<std::string> parsePlaylist(std::string_view bytes, std::string_view folder, bool isUtf8,
-                                       const CodePage& ansi, PathStyle style) {
-    if (bytes.starts_with(utf8Mark)) {
-        bytes.remove_prefix(utf8Mark.size());
-        isUtf8 = true;
-    }
-    std::vector<std::string> entries;
+bool isUtf8Playlist(std::string_view path) {
+    return equalsNoCase(extensionOf(path, nativePathStyle()), "m3u8");
+}
+
+PlaylistPlace playlistPlace(std::string_view path) {
+    return {folderOf(path, nativePathStyle()), isUtf8Playlist(path)};
+}
+
+std::string resolveEntry(std::string_view entry, std::string_view folder, PathStyle style) {
+    const std::string native = nativeEntry(entry, style);
+    if (isAbsoluteEntry(entry, style)) return withoutSteps(native, style);
+    return withoutSteps(joinPath(folder, native, style), style);
+}
+
+PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& place,
+                                const CodePage& ansi) {
+    bool isUtf8 = place.isUtf8;
+    bytes = withoutMark(bytes, isUtf8);
+    PlaylistEntries entries;
     while (!bytes.empty()) {
         const std::string_view line = takeLine(bytes);
-        const bool isAddress = line.find("://") != std::string_view::npos;
-        if (trimBlanks(line).empty() || line[0] == '#' || isAddress) continue;
+        if (!isEntry(line)) continue;
         const std::string entry = isUtf8 ? std::string(line) : ansi.toUtf8(line);
-        entries.push_back(resolved(entry, folder, style));
+        entries.push_back(
+            {resolveEntry(entry, place.folder, place.style), isAbsoluteEntry(entry, place.style)});
     }
     return entries;
 }
 
-std::optional<std::vector<std::string>> readPlaylist(const std::string& path,
-                                                     const CodePage& ansi) {
-    const PathStyle style = nativePathStyle();
-    const auto text = readFile(path, largestPlaylist);
-    if (!text) return std::nullopt;
-    const bool isUtf8 = equalsNoCase(extensionOf(path, style), "m3u8");
-    return parsePlaylist(*text, folderOf(path, style), isUtf8, ansi, style);
+std::optional<PlaylistEntries> readPlaylistEntries(const std::string& path, const CodePage& ansi) {
+    const auto bytes = readFile(path, largestPlaylist);
+    if (!bytes) return std::nullopt;
+    return playlistEntries(*bytes, playlistPlace(path), ansi);
+}
+
+std::optional<std::string> rewrittenPlaylist(std::string_view bytes, const PlaylistPlace& place,
+                                             const CodePage& ansi, const NewPathOf& newPath) {
+    bool isUtf8 = place.isUtf8;
+    const std::string_view text = withoutMark(bytes, isUtf8);
+    const std::string_view mark = bytes.substr(0, bytes.size() - text.size());
+    std::string own, wide;  // the list in its own encoding, and in UTF-8
+    bool changes = false, fits = true;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view before = rest;
+        const std::string_view line = takeLine(rest);
+        const std::string_view end =
+            before.substr(line.size(), before.size() - rest.size() - line.size());
+        std::string shown = isUtf8 ? std::string(line) : ansi.toUtf8(line);
+        const std::string path =
+            isEntry(line) ? newPath(resolveEntry(shown, place.folder, place.style)) : std::string();
+        if (path.empty()) {
+            own.append(line).append(end);
+        } else {
+            shown = newEntry(shown, path, place.folder, place.style);
+            const CodePage::Encoded encoded = ansi.fromUtf8(shown);
+            fits = fits && !encoded.lossy;
+            own.append(isUtf8 ? shown : encoded.bytes).append(end);
+            changes = true;
+        }
+        wide.append(shown).append(end);
+    }
+    if (!changes) return std::nullopt;
+    if (isUtf8 || fits) return std::string(mark) + own;
+    return std::string(utf8Mark) + wide;
 }
 
 }  // namespace tavlo

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,12 +12,40 @@
 
 namespace tavlo {
 
-/// The files that an M3U playlist names, in its order, as full paths; nothing when the list cannot
-/// be read. Entries may use "\" or "/"; relative ones start from the list's folder.
-std::optional<std::vector<std::string>> readPlaylist(const std::string& path, const CodePage& ansi);
+inline constexpr std::uint64_t largestPlaylist = 64U << 20U;  ///< bytes; a larger one is not read
 
-/// The entries of a playlist's bytes. `folder` is where relative entries start from.
-std::vector<std::string> parsePlaylist(std::string_view bytes, std::string_view folder, bool isUtf8,
-                                       const CodePage& ansi, PathStyle style);
+/// What the entries of a list mean beyond their bytes.
+struct PlaylistPlace {
+    std::string_view folder;  ///< where relative entries start from
+    bool isUtf8 = false;      ///< also without a mark; otherwise the code page's text
+    PathStyle style = nativePathStyle();
+};
+/// Of a list on the disk; ".m3u8" is UTF-8.
+PlaylistPlace playlistPlace(std::string_view path);
+bool isUtf8Playlist(std::string_view path);
+
+struct PlaylistEntry {
+    std::string path;  ///< full
+    bool isAbsolute;
+};
+using PlaylistEntries = std::vector<PlaylistEntry>;
+
+/// The files that an M3U playlist names, in its order. Entries may use "\" or "/".
+PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& place,
+                                const CodePage& ansi);
+/// Of a list on the disk; nothing when it cannot be read.
+std::optional<PlaylistEntries> readPlaylistEntries(const std::string& path, const CodePage& ansi);
+
+/// The full path of an entry, "." and ".." steps resolved by the text alone.
+std::string resolveEntry(std::string_view entry, std::string_view folder, PathStyle style);
+
+/// Gives the new full path of a file; empty for one that keeps its name.
+using NewPathOf = std::function<std::string(const std::string& path)>;
+
+/// The list's bytes with every entry changed whose file has another path now: a relative entry
+/// stays relative, with the separator that it had; everything else stays byte for byte. A list
+/// whose code page cannot hold a name becomes UTF-8 with its mark. Nothing when nothing changes.
+std::optional<std::string> rewrittenPlaylist(std::string_view bytes, const PlaylistPlace& place,
+                                             const CodePage& ansi, const NewPathOf& newPath);
 
 }  // namespace tavlo

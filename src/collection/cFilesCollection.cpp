@@ -135,10 +135,10 @@ void cFilesCollection::DeleteEmptyFolders() {
 
 bool cFilesCollection::FillFromPlaylist(const std::string& path, FileTypes mask,
                                         const CodePage& ansi) {
-    const auto entries = readPlaylist(path, ansi);
+    const auto entries = readPlaylistEntries(path, ansi);
     if (!entries) return false;
-    for (const std::string& entry : *entries) {
-        if ((tavlo::GetFileType(entry) & mask) != 0) AddFile(entry);
+    for (const PlaylistEntry& entry : *entries) {
+        if ((tavlo::GetFileType(entry.path) & mask) != 0) AddFile(entry.path);
     }
     return true;
 }

@@ -141,6 +141,8 @@ inline constexpr auto optionTable = std::to_array<OptionRow>({
     {{"/lng"}, TakeSpecial::Language, Text::GroupProgram, Text::HelpLanguage},
     {{"/scan"}, SetMode{RunMode::Scan}, Text::GroupJobs, Text::HelpScan},
     {{"/json"}, SetMark{&JobOptions::json}, Text::GroupFiles, Text::HelpJson},
+    {{"/undo"}, SetMode{RunMode::Undo}, Text::GroupJobs, Text::HelpUndo},
+    {{"/u8"}, SetMark{&JobOptions::utf8List}, Text::GroupFiles, Text::HelpUtf8List},
     {{"/dryrun"}, SetMark{&JobOptions::dryRun}, Text::GroupFiles, Text::HelpDryRun},
     {{"/version"}, SetMode{RunMode::Version}, Text::GroupProgram, Text::HelpVersion},
 });

@@ -27,6 +27,7 @@ enum class RunMode : int {
     MakeDiscFiles = 16,
     LanguageTemplate = 17,
     Scan = 18,
+    Undo = 19,
     Version = 100,
 };
 
@@ -43,6 +44,7 @@ struct JobOptions {
     bool agent = false;
     bool json = false;
     bool dryRun = false;
+    bool utf8List = false;
 
     std::optional<bool> showExec;
     std::optional<PriorityClass> priority;

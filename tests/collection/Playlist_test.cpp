@@ -11,6 +11,12 @@ namespace {
 
 using Names = std::vector<std::string>;
 
+Names pathsOf(const PlaylistEntries& entries) {
+    Names paths;
+    for (const PlaylistEntry& entry : entries) paths.push_back(entry.path);
+    return paths;
+}
+
 TEST(Playlist, EntriesAreResolvedAgainstTheFolder) {
     struct Case {
         PathStyle style;
@@ -37,7 +43,8 @@ TEST(Playlist, EntriesAreResolvedAgainstTheFolder) {
     };
     const CodePage ansi(1252);
     for (const Case& c : cases) {
-        EXPECT_EQ(parsePlaylist(c.bytes, c.folder, false, ansi, c.style), c.entries) << c.bytes;
+        const PlaylistPlace place{c.folder, false, c.style};
+        EXPECT_EQ(pathsOf(playlistEntries(c.bytes, place, ansi)), c.entries) << c.bytes;
     }
 }
 
@@ -48,11 +55,11 @@ TEST(Playlist, NamesAreInTheCodePageUnlessTheListIsUtf8) {
     const std::pair<std::string, std::string> lists[] = {
         {"ansi.m3u", cyrillic}, {"marked.m3u", "\xEF\xBB\xBFПёс.mp3"}, {"named.M3U8", "Пёс.mp3"}};
     for (const auto& [name, bytes] : lists) {
-        const auto entries = readPlaylist(folder.write(name, bytes), ansi);
+        const auto entries = readPlaylistEntries(folder.write(name, bytes), ansi);
         ASSERT_TRUE(entries) << name;
-        EXPECT_EQ(*entries, Names{folder.path("Пёс.mp3")}) << name;
+        EXPECT_EQ(pathsOf(*entries), Names{folder.path("Пёс.mp3")}) << name;
     }
-    EXPECT_FALSE(readPlaylist(folder.path("none.m3u"), ansi));
+    EXPECT_FALSE(readPlaylistEntries(folder.path("none.m3u"), ansi));
 }
 
 TEST(Playlist, CollectionTakesTheEntriesOfItsTypes) {

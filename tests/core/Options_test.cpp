@@ -29,6 +29,7 @@ const Field<bool> markFields[] = {
     {"agent", &JobOptions::agent},
     {"json", &JobOptions::json},
     {"dryrun", &JobOptions::dryRun},
+    {"u8", &JobOptions::utf8List},
     {"nolanguage", &JobOptions::noLanguageFile},
     {"compilation", &JobOptions::compilation},
     {"notags", &JobOptions::noTags},
@@ -114,6 +115,7 @@ const std::vector<Case> optionCases{
     {"/idle", "priority=64"}, {"/normal", "priority=32"}, {"/high", "priority=128"},
     {"/s", "subfolders=on"}, {"/lng my.lng", "language='my.lng'"}, {"/scan", "mode=18"},
     {"/json", "json=on"}, {"/dryrun", "dryrun=on"}, {"/version", "mode=100"},
+    {"/undo", "mode=19"}, {"/u8", "u8=on"},
 };
 // clang-format on
 

@@ -1,0 +1,158 @@
+#include "collection/CopyJob.h"
+
+#include <set>
+
+#include "collection/JobFiles.h"
+#include "collection/JsonLine.h"
+#include "collection/RenamePlan.h"
+#include "collection/cFilesCollection.h"
+#include "core/TextCase.h"
+#include "platform/FileSystem.h"
+#include "platform/FileTransfer.h"
+
+namespace tavlo {
+
+namespace {
+struct CopyStep {
+    std::string from, to;  // full paths
+    bool isThere = false;
+    bool isCopied = false;
+    std::optional<Text> failure;
+};
+
+// A copy keeps size and time, so that a second run finds what is there.
+bool isCopyOf(std::string_view copy, const std::string& source) {
+    const auto a = fileInfo(std::string(copy)), b = fileInfo(source);
+    return a && b && a->size == b->size && a->modified == b->modified;
+}
+
+// The folder below the target in which a file of the collection goes.
+std::string folderInTarget(const cFilesCollection& files, std::size_t index,
+                           const std::string& target, bool keepPaths) {
+    const std::string below = keepPaths ? files.GetFileSubPathOnly(index) : std::string();
+    return below.empty() || isAbsolutePath(below, nativePathStyle())
+               ? target
+               : joinPath(target, below, nativePathStyle());
+}
+
+std::vector<CopyStep> planCopies(const cFilesCollection& files, const std::string& target,
+                                 bool keepPaths) {
+    std::vector<CopyStep> plan;
+    std::set<std::string> given;
+    for (std::size_t i = 1; i <= files.count(); ++i) {
+        CopyStep step;
+        step.from = files.GetFile(i);
+        const std::string wanted = joinPath(folderInTarget(files, i, target, keepPaths),
+                                            files.GetFileName(i), nativePathStyle());
+        step.to = freePath(wanted, nativePathStyle(), [&](std::string_view path) {
+            if (given.contains(lowerCase(path))) return false;
+            return isCopyOf(path, step.from) || !fileInfo(std::string(path));
+        });
+        given.insert(lowerCase(step.to));
+        if (!fileInfo(step.from)) {
+            step.failure = Text::FileNotRead;
+        } else if (step.to.empty()) {
+            step.failure = Text::FileNotCreated;
+            step.to = wanted;
+        } else {
+            step.isThere = isCopyOf(step.to, step.from);
+        }
+        plan.push_back(std::move(step));
+    }
+    return plan;
+}
+
+void copyOne(CopyStep& step) {
+    if (!createFolders(std::string(folderOf(step.to, nativePathStyle())))) {
+        step.failure = Text::FolderNotCreated;
+    } else if (copyFile(step.from, step.to) == Transfer::Done) {
+        step.isCopied = true;
+    } else {
+        step.failure = Text::FileNotCreated;
+    }
+}
+
+class CopyRun {
+ public:
+    explicit CopyRun(Services& services) : services_(services) {}
+
+    // False when the output takes no more.
+    bool run(std::vector<CopyStep> plan) {
+        const bool performs = !services_.options.dryRun;
+        services_.progress.setRange(plan.size());
+        for (CopyStep& step : plan) {
+            const bool isWanted = !step.isThere && !step.failure && !services_.cancel.load();
+            services_.progress.report(fileNameOf(step.from, nativePathStyle()));
+            if (performs && isWanted) copyOne(step);
+            tell(step);
+            services_.progress.step();
+            services_.progress.pumpMessages();
+        }
+        services_.progress.setRange(0);
+        const Texts& texts = services_.texts;
+        if (!services_.options.json) {
+            out_ += texts.get(performs ? Text::SummaryCopied : Text::SummaryWouldCopy,
+                              std::to_string(copied_)) +
+                    "  " + texts.get(Text::SummaryThere, std::to_string(there_)) + '\n';
+        }
+        return services_.output.write(out_);
+    }
+
+ private:
+    void tell(const CopyStep& step) {
+        const bool dryRun = services_.options.dryRun;
+        const bool isPlanned = dryRun && !step.isThere && !step.failure;
+        if (step.isCopied || isPlanned) ++copied_;
+        if (step.isThere) ++there_;
+        std::string message;
+        if (step.failure) {
+            const std::string about = *step.failure == Text::FileNotRead ? step.from
+                                      : *step.failure == Text::FolderNotCreated
+                                          ? std::string(folderOf(step.to, nativePathStyle()))
+                                          : step.to;
+            services_.errors.report(*step.failure, about);
+            message = services_.texts.get(*step.failure, about);
+        }
+        if (services_.options.json) {
+            const std::string_view result = step.failure    ? "failed"
+                                            : step.isThere  ? "there"
+                                            : step.isCopied ? "copied"
+                                            : dryRun        ? "planned"
+                                                            : "cancelled";
+            out_ += pathsLine(step.from, step.to, result, message);
+        } else if (isPlanned) {
+            out_ += step.from + " -> " + step.to + '\n';
+        }
+    }
+
+    Services& services_;
+    std::string out_;
+    std::size_t copied_ = 0, there_ = 0;
+};
+}  // namespace
+
+int copyPlaylist(Services& services) {
+    const JobOptions& options = services.options;
+    const std::string target =
+        options.targetFolder.value_or(services.settings.text(Setting::TargetFolderPath));
+    if (!isUnderstood(services)) return unusableCommandLine;
+    if (!options.playlist || target.empty()) {
+        services.errors.report(options.playlist ? Text::NoTarget : Text::ListNotGiven);
+        return unusableCommandLine;
+    }
+    const std::string list = absolutePath(*options.playlist);
+    cFilesCollection files(services.progress, services.cancel);
+    if (!files.FillFromPlaylist(list, FileType::Audio, CodePage(services.ansiCodePage))) {
+        services.errors.report(Text::FileNotRead, list);
+        return unusableCommandLine;
+    }
+    files.BaseFolder = folderOf(list, nativePathStyle());
+    CopyRun copies(services);
+    if (!copies.run(planCopies(files, absolutePath(target), options.keepPaths))) {
+        services.errors.report(Text::OutputNotWritten);
+    }
+    if (services.cancel.load()) services.errors.report(Text::Cancelled);
+    return services.errors.exitCode();
+}
+
+}  // namespace tavlo

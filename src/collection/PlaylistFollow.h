@@ -1,0 +1,47 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "collection/RenamePlan.h"
+#include "core/ErrorReport.h"
+#include "platform/CodePage.h"
+#include "platform/FileCalls.h"
+
+namespace tavlo {
+
+bool isPlaylist(std::string_view path);
+
+/// The playlists in a folder, or in it and all below it, in the order of their paths.
+std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders);
+
+/// The playlists that may name a file of a batch: those in the folders that its files leave or
+/// enter and in the folders above these, up to one above the folder that they all lie in.
+std::vector<std::string> playlistsAround(const RenamePlan& plan);
+
+/// The files that playlists name by relative entries, each once.
+std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi);
+
+/// The bytes of a list that a plan which was carried out turns `before` into; nothing where it does
+/// not touch the list.
+std::optional<std::string> followed(std::string_view before, std::string_view path,
+                                    const RenamePlan& done, const CodePage& ansi);
+
+/// A playlist that has to follow renamed files.
+struct ListChange {
+    std::string path;
+    std::string before, after;  ///< bytes
+};
+
+/// What the playlists, of which each may be given more than once, have to become by a plan that was
+/// carried out.
+std::vector<ListChange> listChanges(std::vector<std::string> lists, const RenamePlan& done,
+                                    const CodePage& ansi);
+
+/// Puts each new list in its old one's place and reports those that stayed as they were.
+void writeLists(std::span<const ListChange> changes, ErrorReport& errors, FileCalls& calls);
+
+}  // namespace tavlo

@@ -1,0 +1,89 @@
+#include "collection/RenamePlan.h"
+
+#include "core/TextCase.h"
+
+namespace tavlo {
+
+std::uint32_t& TakenNames::countOf(std::string_view path) {
+    const std::string_view folder = folderOf(path, style_);
+    const auto [found, isNew] = folders_.try_emplace(hashNoCase(folder));
+    auto& names = found->second;
+    if (isNew) {
+        for (const std::string& name : list_(std::string(folder))) ++names[hashNoCase(name)];
+    }
+    return names[hashNoCase(fileNameOf(path, style_))];
+}
+
+bool TakenNames::isTaken(std::string_view path) {
+    return countOf(path) > 0;
+}
+
+void TakenNames::remove(std::string_view path) {
+    std::uint32_t& count = countOf(path);
+    if (count > 0) --count;
+}
+
+std::string freePath(const std::string& wanted, PathStyle style,
+                     const std::function<bool(std::string_view path)>& isFree) {
+    constexpr int mostTries = 10000;
+    if (isFree(wanted)) return wanted;
+    const std::string_view extension = extensionOf(wanted, style);
+    const std::size_t endSize = extension.empty() ? 0 : extension.size() + 1;
+    const std::string front = wanted.substr(0, wanted.size() - endSize) + " (";
+    const std::string end = ")" + wanted.substr(wanted.size() - endSize);
+    for (int counter = 1; counter <= mostTries; ++counter) {
+        std::string path = front + std::to_string(counter) + end;
+        if (isFree(path)) return path;
+    }
+    return {};
+}
+
+void settleNames(RenamePlan& plan, TakenNames& taken, PathStyle style) {
+    const auto isFree = [&](std::string_view path) { return !taken.isTaken(path); };
+    for (const RenameStep& step : plan) {
+        if (step.moves()) taken.remove(step.from);
+    }
+    for (RenameStep& step : plan) {
+        if (!step.moves()) continue;
+        std::string settled = freePath(step.to, style, isFree);
+        step.isNumbered = settled != step.to;
+        if (settled.empty()) {
+            step.result = RenameResult::NotCreated;
+            settled = step.from;
+        } else {
+            // Only the letters' case would change.
+            step.to = equalsNoCase(settled, step.from) ? step.from : settled;
+        }
+        taken.add(settled);
+    }
+}
+
+std::vector<MoveStep> moveOrder(const RenamePlan& plan) {
+    std::unordered_map<std::uint64_t, std::size_t> bearers;  // by the name that they have now
+    for (std::size_t i = 0; i < plan.size(); ++i) {
+        if (plan[i].moves()) bearers.emplace(hashNoCase(plan[i].from), i);
+    }
+    enum class State : std::uint8_t { New, Waiting, Placed };
+    std::vector<State> states(plan.size(), State::New);
+    std::vector<MoveStep> order;
+    std::vector<std::size_t> waiting;
+    order.reserve(plan.size());
+    for (std::size_t start = 0; start < plan.size(); ++start) {
+        // Each file waits for the one that bears its new name.
+        for (std::size_t at = start; plan[at].moves() && states[at] == State::New;) {
+            states[at] = State::Waiting;
+            waiting.push_back(at);
+            const auto bearer = bearers.find(hashNoCase(plan[at].to));
+            if (bearer == bearers.end()) break;
+            at = bearer->second;
+            if (states[at] == State::Waiting) order.push_back({at, true});
+        }
+        for (; !waiting.empty(); waiting.pop_back()) {
+            states[waiting.back()] = State::Placed;
+            order.push_back({waiting.back(), false});
+        }
+    }
+    return order;
+}
+
+}  // namespace tavlo

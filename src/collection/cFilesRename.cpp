@@ -1,0 +1,276 @@
+#include "collection/cFilesRename.h"
+
+#include <algorithm>
+#include <ranges>
+
+#include "collection/Playlist.h"
+#include "core/Numbers.h"
+#include "core/TextCase.h"
+#include "core/WildcardMask.h"
+#include "platform/File.h"
+#include "platform/FileSystem.h"
+#include "platform/FileTransfer.h"
+#include "tags/AudioFile.h"
+
+namespace tavlo {
+
+namespace {
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (FolderEntry& entry : listFolder(folder)) names.push_back(std::move(entry.name));
+    return names;
+}
+
+bool isFreeOnDisk(std::string_view path) {
+    return !fileInfo(std::string(path));
+}
+
+std::string nativePath(const std::string& folder, std::string levels) {
+    std::replace(levels.begin(), levels.end(), '\\', separatorOf(nativePathStyle()));
+    return joinPath(folder, levels, nativePathStyle());
+}
+
+std::vector<std::string> pathsOf(const cFilesCollection& files) {
+    std::vector<std::string> paths;
+    paths.reserve(files.count());
+    for (std::size_t i = 1; i <= files.count(); ++i) paths.push_back(files.GetFile(i));
+    return paths;
+}
+}  // namespace
+
+// --- The plan ------------------------------------------------------------------------------------
+
+void cFilesRename::ApplyFormat() {
+    Template = formatTemplate(parseInteger(Format).value_or(0), Template);
+}
+
+std::string cFilesRename::GetNameByTemplate(const ID3tag& record, std::size_t extensionSize) const {
+    return nameByTemplate(record, Template,
+                          {nativePathStyle(), context_.transliteration, extensionSize});
+}
+
+RenameStep cFilesRename::wantedName(const ID3tag& record, const std::string& path,
+                                    const std::string& folder) const {
+    RenameStep step{path, path, RenameResult::Skipped};
+    if (record.Path.empty() || (record.GetArtist().empty() && record.GetTitle().empty())) {
+        return step;
+    }
+    std::string extension = lowerCase(extensionOf(path, nativePathStyle()));
+    if (!extension.empty()) extension.insert(0, 1, '.');
+    const std::string name = GetNameByTemplate(record, extension.size());
+    step.to = nativePath(folder, name + extension);
+    step.result = name.empty() ? RenameResult::NotCreated : RenameResult::Done;
+    if (equalsNoCase(step.to, path)) step.to = path;
+    return step;
+}
+
+RenamePlan cFilesRename::plan(std::span<const std::string> paths, const std::string& targetFolder) {
+    ApplyFormat();
+    const bool hasTarget = !targetFolder.empty() && folderExists(targetFolder);
+    RenamePlan plan;
+    plan.reserve(paths.size());
+    context_.progress.setRange(paths.size());
+    for (const std::string& path : paths) {
+        const std::string own(folderOf(path, nativePathStyle()));
+        plan.push_back(
+            wantedName(ReadAudioFile(path, {context_.ansi}), path, hasTarget ? targetFolder : own));
+        context_.progress.step();
+        context_.progress.pumpMessages();
+        if (isCancelled()) return {};
+    }
+    TakenNames taken(nativePathStyle(), namesIn);
+    settleNames(plan, taken, nativePathStyle());
+    return plan;
+}
+
+// --- Carrying it out -----------------------------------------------------------------------------
+
+void cFilesRename::moveFiles(RenamePlan& plan) {
+    const std::vector<MoveStep> order = moveOrder(plan);
+    context_.progress.setRange(order.size());
+    for (std::size_t at = 0; at < order.size() && !isCancelled();) {
+        const std::size_t first = at++;
+        if (order[first].aside) {
+            // A circle that was begun is gone through to its end.
+            while (order[at++].row != order[first].row) {
+            }
+            moveCircle(plan, std::span(order).subspan(first + 1, at - first - 1));
+        } else {
+            move(plan[order[first].row], plan[order[first].row].from);
+        }
+        for (std::size_t i = first; i < at; ++i) context_.progress.step();
+        context_.progress.pumpMessages();
+    }
+    for (const RenameStep& step : plan) {
+        if (step.isMoved) AddValue(step.from, step.to);
+        reportFailure(step);
+    }
+    lastFolder_.clear();
+    context_.progress.setRange(0);
+}
+
+bool cFilesRename::move(RenameStep& step, const std::string& from) {
+    const std::string_view folder = folderOf(step.to, nativePathStyle());
+    if (folder != lastFolder_ && !createFolders(std::string(folder))) {
+        step.result = RenameResult::FolderNotCreated;
+        return false;
+    }
+    lastFolder_ = folder;
+    step.isMoved = moveFile(from, step.to, context_.calls) == Transfer::Done;
+    if (!step.isMoved) step.result = RenameResult::NotCreated;
+    return step.isMoved;
+}
+
+// The last of the moves is that of the file that goes aside first.
+void cFilesRename::moveCircle(RenamePlan& plan, std::span<const MoveStep> moves) {
+    const std::string& start = plan[moves.back().row].from;
+    const std::string aside =
+        freePath(start + std::string(asideEnding), nativePathStyle(), isFreeOnDisk);
+    bool isWhole = moveFile(start, aside, context_.calls) == Transfer::Done;
+    for (const MoveStep& each : moves) {
+        RenameStep& step = plan[each.row];
+        const bool isLast = each.row == moves.back().row;
+        isWhole = isWhole && move(step, isLast ? aside : step.from);
+        if (!isWhole && step.result == RenameResult::Done) step.result = RenameResult::NotCreated;
+    }
+    if (!isWhole) takeCircleBack(plan, moves, aside);
+}
+
+void cFilesRename::takeCircleBack(RenamePlan& plan, std::span<const MoveStep> moves,
+                                  const std::string& aside) {
+    for (const MoveStep& each : std::views::reverse(moves)) {
+        RenameStep& step = plan[each.row];
+        if (!step.isMoved) continue;
+        step.isMoved = moveFile(step.to, step.from, context_.calls) != Transfer::Done;
+        step.result = step.isMoved ? RenameResult::Done : RenameResult::NotCreated;
+    }
+    moveFile(aside, plan[moves.back().row].from, context_.calls);
+}
+
+void cFilesRename::reportFailure(const RenameStep& step) {
+    switch (step.result) {
+        case RenameResult::Unknown:
+            return context_.errors.report(Text::UnknownError);
+        case RenameResult::NotCreated:
+            return context_.errors.report(Text::FileNotCreated, step.to);
+        case RenameResult::FolderNotCreated:
+            return context_.errors.report(Text::FolderNotCreated,
+                                          folderOf(step.to, nativePathStyle()));
+        default:
+            return;
+    }
+}
+
+std::vector<ListChange> cFilesRename::moveAndFollow(RenamePlan& plan,
+                                                    std::vector<std::string> lists) {
+    moveFiles(plan);
+    std::ranges::move(playlistsAround(plan), std::back_inserter(lists));
+    return listChanges(std::move(lists), plan, context_.ansi);
+}
+
+// --- What a batch works on -----------------------------------------------------------------------
+
+RenamePlan cFilesRename::rename(std::span<const std::string> paths,
+                                std::vector<std::string> lists) {
+    RenamePlan all = plan(paths);
+    writeLists(moveAndFollow(all, std::move(lists)), context_.errors, context_.calls);
+    return all;
+}
+
+RenameResult cFilesRename::CreateName(const std::string& path, const std::string& targetFolder,
+                                      std::string& newPath) {
+    RenamePlan one = plan({&path, 1}, targetFolder);
+    newPath = path;
+    if (one.empty()) return RenameResult::Unknown;
+    writeLists(moveAndFollow(one), context_.errors, context_.calls);
+    if (one[0].isMoved) newPath = one[0].to;
+    return one[0].result;
+}
+
+void cFilesRename::RenameFilesCollection(cFilesCollection& files) {
+    const std::vector<std::string> paths = pathsOf(files);
+    const RenamePlan done = rename(paths);
+    if (done.empty()) return;
+    files.Clean();
+    for (const RenameStep& step : done) files.AddFile(step.isMoved ? step.to : step.from);
+}
+
+std::vector<std::string> cFilesRename::filesOf(const std::string& folder, bool subfolders) const {
+    const WildcardMask mask(Mask);
+    std::vector<std::string> paths, below;
+    for (const FolderEntry& entry : listFolder(folder)) {
+        std::string path = joinPath(folder, entry.name, nativePathStyle());
+        if (entry.isFolder) {
+            if (subfolders && !entry.isLink) below.push_back(std::move(path));
+        } else if (mask.matches(entry.name)) {
+            paths.push_back(std::move(path));
+        }
+    }
+    std::sort(paths.begin(), paths.end());
+    std::sort(below.begin(), below.end());
+    for (const std::string& subfolder : below) {
+        std::ranges::move(filesOf(subfolder, true), std::back_inserter(paths));
+    }
+    return paths;
+}
+
+void cFilesRename::RenameFiles(const std::string& folder) {
+    rename(filesOf(folder, false));
+}
+
+void cFilesRename::RenameFilesTree(const std::string& folder) {
+    rename(filesOf(folder, true), playlistsIn(folder, true));
+}
+
+std::vector<std::string> cFilesRename::playlistsOf(const std::string& folder) const {
+    const WildcardMask mask(Mask);
+    std::vector<std::string> lists = playlistsIn(folder, true);
+    std::erase_if(lists, [&](const std::string& path) {
+        return !mask.matches(fileNameOf(path, nativePathStyle()));
+    });
+    return lists;
+}
+
+void cFilesRename::RenamePlaylists(const std::string& folder) {
+    std::vector<std::string> lists = playlistsOf(folder);
+    rename(relativeEntries(lists, context_.ansi), std::move(lists));
+}
+
+void cFilesRename::RenameFilesEx(cFilesCollection& playlists) {
+    std::vector<std::string> lists = pathsOf(playlists);
+    std::erase_if(lists, [](const std::string& path) { return !isPlaylist(path); });
+    RenamePlan all = plan(relativeEntries(lists, context_.ansi));
+    std::vector<ListChange> changes = moveAndFollow(all);
+    std::erase_if(changes, [&](const ListChange& change) {
+        return std::ranges::find(lists, change.path) != lists.end();
+    });
+    writeLists(changes, context_.errors, context_.calls);
+    for (const std::string& list : lists) writeNewPlaylist(list, all);
+}
+
+void cFilesRename::writeNewPlaylist(const std::string& list, const RenamePlan& done) {
+    const std::vector<ListChange> changes = listChanges({list}, done, context_.ansi);
+    const auto bytes =
+        changes.empty() ? readFile(list, largestPlaylist) : std::optional(changes[0].after);
+    if (!bytes) return;
+    const std::size_t endSize = extensionOf(list, nativePathStyle()).size() + 1;
+    const std::string path = freePath(list.substr(0, list.size() - endSize) + " (new)" +
+                                          lowerCase(list.substr(list.size() - endSize)),
+                                      nativePathStyle(), isFreeOnDisk);
+    if (writeFile(path, *bytes, context_.calls) != Transfer::Done) {
+        context_.errors.report(Text::FileNotCreated, path);
+    }
+}
+
+// --- What was renamed ----------------------------------------------------------------------------
+
+std::string cFilesRename::GetValue(const std::string& oldPath) const {
+    const auto found = map_.find(oldPath);
+    return found == map_.end() ? std::string() : found->second;
+}
+
+void cFilesRename::AddValue(const std::string& oldPath, const std::string& newPath) {
+    map_[oldPath] = newPath;
+}
+
+}  // namespace tavlo
