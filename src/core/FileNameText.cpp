@@ -67,7 +67,7 @@ std::string_view cutTo(std::string_view name, std::size_t most, PathStyle style)
 std::string cleanLevel(std::string_view text, PathStyle style) {
     const std::string plain = withoutForbidden(text);
     std::string level(trimmedLevel(plain));
-    if (isDeviceName(level)) level.insert(std::min(level.find('.'), level.size()), "_");
+    if (isDeviceName(level)) level.insert(std::min(level.find('.'), level.size()), 1, '_');
     if (style == PathStyle::Posix && level.starts_with('.')) level[0] = '_';
     return level;
 }
