@@ -12,7 +12,7 @@ namespace tavlo {
 
 struct PlaylistWish {
     std::string folder;
-    std::string playlistPath;  ///< empty: "!Playlist.m3u" in the folder
+    std::string playlistPath = {};  ///< empty: "!Playlist.m3u" in the folder
     bool absolutePaths = false;
     bool subfolders = false;
     bool utf8 = false;  ///< a second list in UTF-8 beside it, ".m3u8"

@@ -99,11 +99,11 @@ class RenameReport {
         if (result == "unchanged") ++unchanged_;
         if (result == "planned" || result == "renamed") ++renamed_;
         if (services_.options.json) {
-            out_ += pathsLine(step.from, step.to, result, messageOf(step));
+            out_ += pathsLine(step.from, step.to, result, remarkOn(step));
         } else if (result == "planned") {
-            const std::string message = messageOf(step);
+            const std::string remark = remarkOn(step);
             out_ += step.from + " -> " + step.to;
-            out_ += message.empty() ? "\n" : "  (" + message + ")\n";
+            out_ += remark.empty() ? "\n" : "  (" + remark + ")\n";
         }
     }
 
@@ -115,20 +115,11 @@ class RenameReport {
         return services_.options.dryRun ? "planned" : "cancelled";
     }
 
-    [[nodiscard]] std::string messageOf(const RenameStep& step) const {
+    [[nodiscard]] std::string remarkOn(const RenameStep& step) const {
         const Texts& texts = services_.texts;
-        switch (step.result) {
-            case RenameResult::Done:
-                return step.isNumbered ? texts.get(Text::NameTaken) : std::string();
-            case RenameResult::Skipped:
-                return texts.get(Text::NoArtistOrTitle);
-            case RenameResult::NotCreated:
-                return texts.get(Text::FileNotCreated, step.to);
-            case RenameResult::FolderNotCreated:
-                return texts.get(Text::FolderNotCreated, folderOf(step.to, nativePathStyle()));
-            default:
-                return texts.get(Text::UnknownError);
-        }
+        if (const auto failure = messageOf(step)) return texts.get(failure->text, failure->about);
+        if (step.result == RenameResult::Skipped) return texts.get(Text::NoArtistOrTitle);
+        return step.isNumbered ? texts.get(Text::NameTaken) : std::string();
     }
 
     Services& services_;
@@ -214,7 +205,9 @@ int renameFiles(Services& services) {
     // A scan that was cancelled found a part of the files only: then nothing is renamed.
     if (!services.cancel.load()) {
         RenamePlan plan = renamer.plan(batch.paths, target.empty() ? target : absolutePath(target));
-        if (!services.options.dryRun) {
+        if (services.options.dryRun) {
+            renamer.reportFailures(plan);
+        } else {
             performNoted(services, renamer, plan, std::move(batch.lists));
         }
         report.tell(plan);

@@ -83,6 +83,19 @@ RenamePlan cFilesRename::plan(std::span<const std::string> paths, const std::str
     return plan;
 }
 
+std::optional<RenameMessage> messageOf(const RenameStep& step) {
+    switch (step.result) {
+        case RenameResult::NotCreated:
+            return RenameMessage{Text::FileNotCreated, step.to};
+        case RenameResult::FolderNotCreated:
+            return RenameMessage{Text::FolderNotCreated, folderOf(step.to, nativePathStyle())};
+        case RenameResult::Unknown:
+            return RenameMessage{Text::UnknownError, {}};
+        default:
+            return std::nullopt;
+    }
+}
+
 // --- Carrying it out -----------------------------------------------------------------------------
 
 void cFilesRename::moveFiles(RenamePlan& plan) {
@@ -103,8 +116,8 @@ void cFilesRename::moveFiles(RenamePlan& plan) {
     }
     for (const RenameStep& step : plan) {
         if (step.isMoved) AddValue(step.from, step.to);
-        reportFailure(step);
     }
+    reportFailures(plan);
     lastFolder_.clear();
     context_.progress.setRange(0);
 }
@@ -147,17 +160,11 @@ void cFilesRename::takeCircleBack(RenamePlan& plan, std::span<const MoveStep> mo
     moveFile(aside, plan[moves.back().row].from, context_.calls);
 }
 
-void cFilesRename::reportFailure(const RenameStep& step) {
-    switch (step.result) {
-        case RenameResult::Unknown:
-            return context_.errors.report(Text::UnknownError);
-        case RenameResult::NotCreated:
-            return context_.errors.report(Text::FileNotCreated, step.to);
-        case RenameResult::FolderNotCreated:
-            return context_.errors.report(Text::FolderNotCreated,
-                                          folderOf(step.to, nativePathStyle()));
-        default:
-            return;
+void cFilesRename::reportFailures(const RenamePlan& plan) {
+    for (const RenameStep& step : plan) {
+        if (const auto message = messageOf(step)) {
+            context_.errors.report(message->text, message->about);
+        }
     }
 }
 
@@ -232,8 +239,8 @@ std::vector<std::string> cFilesRename::playlistsOf(const std::string& folder) co
 }
 
 void cFilesRename::RenamePlaylists(const std::string& folder) {
-    std::vector<std::string> lists = playlistsOf(folder);
-    rename(relativeEntries(lists, context_.ansi), std::move(lists));
+    const std::vector<std::string> lists = playlistsOf(folder);
+    rename(relativeEntries(lists, context_.ansi), lists);
 }
 
 void cFilesRename::RenameFilesEx(cFilesCollection& playlists) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,6 +25,13 @@ struct RenameContext {
     const CancelFlag& cancel;
     FileCalls& calls = systemCalls();
 };
+
+/// What is told of a row that failed.
+struct RenameMessage {
+    Text text;
+    std::string_view about;
+};
+std::optional<RenameMessage> messageOf(const RenameStep& step);
 
 /// Gives files new names by a template of their tags. Every operation makes a plan first, which can
 /// be shown, and then carries it out: no file is ever overwritten, names that the batch itself
@@ -65,8 +72,11 @@ class cFilesRename {
     [[nodiscard]] RenameStep wantedName(const ID3tag& record, const std::string& path,
                                         const std::string& folder) const;
 
-    /// Moves the files of a plan and reports what fails in its rows; a row that a cancel left alone
-    /// is neither moved nor failed.
+    /// Reports what fails in the rows of a plan.
+    void reportFailures(const RenamePlan& plan);
+
+    /// Moves the files of a plan and reports what fails; a row that a cancel left alone is neither
+    /// moved nor failed.
     void moveFiles(RenamePlan& plan);
     /// The same, and what playlists have to become then: those around the files, and `lists`.
     std::vector<ListChange> moveAndFollow(RenamePlan& plan, std::vector<std::string> lists = {});
@@ -86,7 +96,6 @@ class cFilesRename {
     void moveCircle(RenamePlan& plan, std::span<const MoveStep> moves);
     void takeCircleBack(RenamePlan& plan, std::span<const MoveStep> moves,
                         const std::string& aside);
-    void reportFailure(const RenameStep& step);
 
     RenamePlan rename(std::span<const std::string> paths, std::vector<std::string> lists = {});
     [[nodiscard]] std::vector<std::string> filesOf(const std::string& folder,

@@ -48,6 +48,36 @@ TEST(Playlist, EntriesAreResolvedAgainstTheFolder) {
     }
 }
 
+TEST(Playlist, EntriesFollowTheirFilesAndAllElseStays) {
+    struct Case {
+        PathStyle style;
+        std::string_view folder, before, from, to, after;
+        bool isUtf8 = false;
+    };
+    constexpr PathStyle posix = PathStyle::Posix, windows = PathStyle::Windows;
+    const Case cases[] = {
+        {windows, "C:\\m", "#a.mp3\r\na.mp3\n\r\nb.mp3", "C:\\m\\a.mp3", "C:\\m\\X\\a.mp3",
+         "#a.mp3\r\nX\\a.mp3\n\r\nb.mp3"},
+        {windows, "C:\\m", "X/a.mp3", "C:\\m\\X\\a.mp3", "C:\\m\\Y\\a.mp3", "Y/a.mp3"},
+        {windows, "C:\\m", "D:\\a.mp3", "D:\\a.mp3", "D:\\X\\b.mp3", "D:\\X\\b.mp3"},
+        {windows, "C:\\m", "a.mp3", "C:\\m\\a.mp3", "D:\\a.mp3", "D:\\a.mp3"},
+        {posix, "/m/l", "..\\a.mp3", "/m/a.mp3", "/m/X/a.mp3", "..\\X\\a.mp3"},
+        {posix, "/m/l", "./../l//a.mp3", "/m/l/a.mp3", "/n/a.mp3", "../../n/a.mp3"},
+        {posix, "/m", "b.mp3\r\n", "/m/a.mp3", "/m/c.mp3", ""},
+        {posix, "/m", "\xC0.mp3\r\n\xC1.mp3", "/m/А.mp3", "/m/Ж.mp3", "\xC6.mp3\r\n\xC1.mp3"},
+        {posix, "/m", "\xC0.mp3\r\na.mp3", "/m/a.mp3", "/m/é.mp3", "\xEF\xBB\xBFА.mp3\r\né.mp3"},
+        {posix, "/m", "\xEF\xBB\xBF" "a.mp3", "/m/a.mp3", "/m/Ж.mp3", "\xEF\xBB\xBFЖ.mp3"},
+        {posix, "/m", "А.mp3\na.mp3", "/m/a.mp3", "/m/Ж.mp3", "А.mp3\nЖ.mp3", true},
+    };
+    const CodePage ansi(1251);
+    for (const Case& c : cases) {
+        const auto after = rewrittenPlaylist(
+            c.before, {c.folder, c.isUtf8, c.style}, ansi,
+            [&](const std::string& path) { return std::string(path == c.from ? c.to : ""); });
+        EXPECT_EQ(after.value_or(""), c.after) << c.before;
+    }
+}
+
 TEST(Playlist, NamesAreInTheCodePageUnlessTheListIsUtf8) {
     const TempFolder folder;
     const CodePage ansi(1251);

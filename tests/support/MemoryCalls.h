@@ -47,6 +47,7 @@ class MemoryCalls final : public FileCalls {
         return static_cast<std::size_t>(std::count_if(
             files_.begin(), files_.end(), [](const auto& f) { return f.second->isTemporary; }));
     }
+    [[nodiscard]] bool contains(const std::string& path) const { return files_.contains(path); }
     [[nodiscard]] const Stored& at(const std::string& path) const { return *files_.at(path); }
     Stored& put(const std::string& path, std::string bytes) {
         auto& file = files_[path] = std::make_shared<Stored>();

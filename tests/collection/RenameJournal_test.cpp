@@ -1,0 +1,78 @@
+#include "collection/RenameJournal.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "platform/FileSystem.h"
+#include "support/TempFolder.h"
+
+namespace tavlo::test {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+Texts textsOf(const JournalBatch& batch) {
+    Texts texts = batch.newFolders;
+    for (const JournalRow& row : batch.rows) {
+        texts.push_back(std::to_string(row.size) + "|" + std::to_string(row.modified) + "|" +
+                        row.from + "|" + row.to);
+    }
+    for (const JournalList& list : batch.lists) texts.push_back(list.path + "|" + list.before);
+    return texts;
+}
+
+const JournalBatch strange = {{{0, -1, "/m/a\tb.mp3", "/m/a\nbatch\tb.mp3"},
+                               {1, 0, "C:\\new\\table\\r.mp3", "C:\\m\\\\t\\"},
+                               {~std::uint64_t{0}, INT64_MAX, "/m/\r\n\t\\", "/m/\\n\\t\\\\"},
+                               {5, INT64_MIN, "/m/Пёс.mp3", "/m/file\t5\t5\tx\ty.mp3"}},
+                              {"/m/a", "/m/a\tb\n\\c"},
+                              {{"/m/l.m3u", "#EXTM3U\r\n\xCF\\x.mp3\r\n"}, {"/m/e.m3u", ""}}};
+
+TEST(RenameJournal, BatchComesBackAsItWas) {
+    const TempFolder folder;
+    RenameJournal journal(folder.path("new/deep"));
+    EXPECT_TRUE(journal.last().rows.empty());
+    JournalBatch first = strange;
+    first.lists.clear();
+    ASSERT_TRUE(journal.begin("2026-05-01 18:30:00", first));
+    EXPECT_TRUE(journal.addLists(strange.lists));
+    EXPECT_TRUE(journal.addLists({}));
+    EXPECT_EQ(textsOf(RenameJournal(folder.path("new/deep")).last()), textsOf(strange));
+    EXPECT_FALSE(RenameJournal("").begin("now", strange));
+    EXPECT_FALSE(RenameJournal(folder.write("file", "")).begin("now", strange));
+}
+
+TEST(RenameJournal, LastBatchIsKeptInPartOrGoes) {
+    const TempFolder folder;
+    RenameJournal journal(folder.path());
+    folder.write("notes.txt", "somebody's");
+    for (std::size_t i = 0; i < RenameJournal::mostBatches + 3; ++i) {
+        ASSERT_TRUE(journal.begin("now", {{{i, 0, "a", "b"}}, {}, {}}));
+    }
+    EXPECT_EQ(listFolder(folder.path()).size(), RenameJournal::mostBatches + 1);
+    const JournalBatch rest = {{{7, 0, "x", "y"}}, {}, {}};
+    EXPECT_EQ(journal.last().rows[0].size, RenameJournal::mostBatches + 2);
+    EXPECT_TRUE(journal.keep("now", rest));
+    EXPECT_EQ(textsOf(journal.last()), textsOf(rest));
+    EXPECT_TRUE(journal.keep("now", {}));
+    EXPECT_EQ(journal.last().rows[0].size, RenameJournal::mostBatches + 1);
+}
+
+TEST(RenameJournal, CutFileKeepsTheLinesBeforeTheCut) {
+    const TempFolder folder;
+    RenameJournal journal(folder.path());
+    ASSERT_TRUE(journal.begin("now", strange));
+    const std::string name = "000001.txt", whole = folder.read(name);
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+        folder.write(name, whole.substr(0, size));
+        const auto end = whole.begin() + static_cast<std::ptrdiff_t>(size);
+        const std::ptrdiff_t lines = std::count(whole.begin(), end, '\n');
+        const JournalBatch last = journal.last();
+        const std::size_t parts = last.rows.size() + last.newFolders.size() + last.lists.size();
+        EXPECT_EQ(parts, static_cast<std::size_t>(std::max<std::ptrdiff_t>(lines - 1, 0))) << size;
+    }
+}
+
+}  // namespace
+}  // namespace tavlo::test
