@@ -53,7 +53,8 @@ std::vector<Change> changesOf(const ID3tag& before, const std::string& path,
     after.SplitTitle();
     std::vector<Change> changes;
     for (const TagColumn& field : tagColumns()) {
-        std::string from = field.get(before), to = field.get(after);
+        std::string from = field.get(before);
+        std::string to = field.get(after);
         if (from != to) changes.push_back({&field, std::move(from), std::move(to)});
     }
     return changes;
@@ -101,8 +102,10 @@ class ChangeJob {
     }
 
     void changeFile(const std::string& path, const std::string& subPath) {
-        const bool dryRun = services_.options.dryRun, json = services_.options.json;
-        ID3tag record = filledRecord(path), before;
+        const bool dryRun = services_.options.dryRun;
+        const bool json = services_.options.json;
+        ID3tag record = filledRecord(path);
+        ID3tag before;
         if (!dryRun) record.ClearReadOnlyFlag();
         const TagUpdate result = UpdateTags(record, context_, json || dryRun ? &before : nullptr);
         if (result == TagUpdate::Refused) {

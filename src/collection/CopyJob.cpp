@@ -18,11 +18,18 @@ struct CopyStep {
     bool isThere = false;
     bool isCopied = false;
     std::optional<Text> failure;
+    std::string about;  // what the failure speaks of
+
+    void fail(Text text, std::string_view what) {
+        failure = text;
+        about = what;
+    }
 };
 
 // A copy keeps size and time, so that a second run finds what is there.
 bool isCopyOf(std::string_view copy, const std::string& source) {
-    const auto a = fileInfo(std::string(copy)), b = fileInfo(source);
+    const auto a = fileInfo(std::string(copy));
+    const auto b = fileInfo(source);
     return a && b && a->size == b->size && a->modified == b->modified;
 }
 
@@ -50,10 +57,9 @@ std::vector<CopyStep> planCopies(const cFilesCollection& files, const std::strin
         });
         given.insert(lowerCase(step.to));
         if (!fileInfo(step.from)) {
-            step.failure = Text::FileNotRead;
+            step.fail(Text::FileNotRead, step.from);
         } else if (step.to.empty()) {
-            step.failure = Text::FileNotCreated;
-            step.to = wanted;
+            step.fail(Text::FileNotCreated, wanted);
         } else {
             step.isThere = isCopyOf(step.to, step.from);
         }
@@ -63,12 +69,13 @@ std::vector<CopyStep> planCopies(const cFilesCollection& files, const std::strin
 }
 
 void copyOne(CopyStep& step) {
-    if (!createFolders(std::string(folderOf(step.to, nativePathStyle())))) {
-        step.failure = Text::FolderNotCreated;
+    const std::string folder(folderOf(step.to, nativePathStyle()));
+    if (!createFolders(folder)) {
+        step.fail(Text::FolderNotCreated, folder);
     } else if (copyFile(step.from, step.to) == Transfer::Done) {
         step.isCopied = true;
     } else {
-        step.failure = Text::FileNotCreated;
+        step.fail(Text::FileNotCreated, step.to);
     }
 }
 
@@ -100,29 +107,23 @@ class CopyRun {
 
  private:
     void tell(const CopyStep& step) {
-        const bool dryRun = services_.options.dryRun;
-        const bool isPlanned = dryRun && !step.isThere && !step.failure;
-        if (step.isCopied || isPlanned) ++copied_;
-        if (step.isThere) ++there_;
-        std::string message;
-        if (step.failure) {
-            const std::string about = *step.failure == Text::FileNotRead ? step.from
-                                      : *step.failure == Text::FolderNotCreated
-                                          ? std::string(folderOf(step.to, nativePathStyle()))
-                                          : step.to;
-            services_.errors.report(*step.failure, about);
-            message = services_.texts.get(*step.failure, about);
-        }
+        const std::string_view result = resultOf(step);
+        if (result == "planned" || result == "copied") ++copied_;
+        if (result == "there") ++there_;
+        if (step.failure) services_.errors.report(*step.failure, step.about);
         if (services_.options.json) {
-            const std::string_view result = step.failure    ? "failed"
-                                            : step.isThere  ? "there"
-                                            : step.isCopied ? "copied"
-                                            : dryRun        ? "planned"
-                                                            : "cancelled";
-            out_ += pathsLine(step.from, step.to, result, message);
-        } else if (isPlanned) {
+            out_ += pathsLine(step.from, step.to, result,
+                              step.failure ? services_.texts.get(*step.failure, step.about) : "");
+        } else if (result == "planned") {
             out_ += step.from + " -> " + step.to + '\n';
         }
+    }
+
+    [[nodiscard]] std::string_view resultOf(const CopyStep& step) const {
+        if (step.failure) return "failed";
+        if (step.isThere) return "there";
+        if (step.isCopied) return "copied";
+        return services_.options.dryRun ? "planned" : "cancelled";
     }
 
     Services& services_;

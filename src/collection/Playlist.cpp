@@ -130,8 +130,10 @@ std::optional<std::string> rewrittenPlaylist(std::string_view bytes, const Playl
     bool isUtf8 = place.isUtf8;
     const std::string_view text = withoutMark(bytes, isUtf8);
     const std::string_view mark = bytes.substr(0, bytes.size() - text.size());
-    std::string own, wide;  // the list in its own encoding, and in UTF-8
-    bool changes = false, fits = true;
+    std::string own;   // the list in its own encoding
+    std::string wide;  // and in UTF-8
+    bool changes = false;
+    bool fits = true;
     for (std::string_view rest = text; !rest.empty();) {
         const std::string_view before = rest;
         const std::string_view line = takeLine(rest);

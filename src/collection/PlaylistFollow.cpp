@@ -70,11 +70,15 @@ bool isPlaylist(std::string_view path) {
 }
 
 std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders) {
-    std::vector<std::string> lists, below;
+    std::vector<std::string> lists;
+    std::vector<std::string> below;
     for (const FolderEntry& entry : listFolder(folder)) {
         std::string path = joinPath(folder, entry.name, nativePathStyle());
-        if (!entry.isFolder && isPlaylist(entry.name)) lists.push_back(std::move(path));
-        if (entry.isFolder && !entry.isLink && subfolders) below.push_back(std::move(path));
+        if (entry.isFolder) {
+            if (subfolders && !entry.isLink) below.push_back(std::move(path));
+        } else if (isPlaylist(entry.name)) {
+            lists.push_back(std::move(path));
+        }
     }
     std::sort(lists.begin(), lists.end());
     std::sort(below.begin(), below.end());

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ranges>
 #include <set>
 
 #include "collection/JobFiles.h"
@@ -272,8 +271,8 @@ void takeBack(Services& services, const JournalBatch& batch, RenamePlan& plan,
     const JournalBatch rest = restOf(batch, plan);
     if (rest.rows.empty()) restoreBytes(changes, batch, ansi);
     writeLists(changes, services.errors, systemCalls());
-    for (const std::string& folder : std::views::reverse(batch.newFolders)) {
-        removeEmptyFolder(folder);
+    for (auto folder = batch.newFolders.rbegin(); folder != batch.newFolders.rend(); ++folder) {
+        removeEmptyFolder(*folder);
     }
     if (!journal.keep(timeText(), rest)) {
         services.errors.report(Text::FileNotWritten, journal.path());

@@ -32,7 +32,8 @@ std::string freePath(const std::string& wanted, PathStyle style,
     const std::string front = wanted.substr(0, wanted.size() - endSize) + " (";
     const std::string end = ")" + wanted.substr(wanted.size() - endSize);
     for (int counter = 1; counter <= mostTries; ++counter) {
-        std::string path = front + std::to_string(counter) + end;
+        std::string path = front;
+        path.append(std::to_string(counter)).append(end);
         if (isFree(path)) return path;
     }
     return {};

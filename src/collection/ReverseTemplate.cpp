@@ -38,7 +38,8 @@ const FieldToken* fieldOf(std::string_view token) {
 
 bool startsWithNoCase(std::string_view text, std::string_view wanted) {
     while (!text.empty() && !wanted.empty()) {
-        const CodePoint a = firstCodePoint(text), b = firstCodePoint(wanted);
+        const CodePoint a = firstCodePoint(text);
+        const CodePoint b = firstCodePoint(wanted);
         const bool same =
             a.valid && b.valid ? lowerCase(a.value) == lowerCase(b.value) : text[0] == wanted[0];
         if (!same) return false;

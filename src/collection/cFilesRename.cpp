@@ -1,7 +1,6 @@
 #include "collection/cFilesRename.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "collection/Playlist.h"
 #include "core/Numbers.h"
@@ -151,8 +150,8 @@ void cFilesRename::moveCircle(RenamePlan& plan, std::span<const MoveStep> moves)
 
 void cFilesRename::takeCircleBack(RenamePlan& plan, std::span<const MoveStep> moves,
                                   const std::string& aside) {
-    for (const MoveStep& each : std::views::reverse(moves)) {
-        RenameStep& step = plan[each.row];
+    for (auto each = moves.rbegin(); each != moves.rend(); ++each) {
+        RenameStep& step = plan[each->row];
         if (!step.isMoved) continue;
         step.isMoved = moveFile(step.to, step.from, context_.calls) != Transfer::Done;
         step.result = step.isMoved ? RenameResult::Done : RenameResult::NotCreated;
@@ -204,7 +203,8 @@ void cFilesRename::RenameFilesCollection(cFilesCollection& files) {
 
 std::vector<std::string> cFilesRename::filesOf(const std::string& folder, bool subfolders) const {
     const WildcardMask mask(Mask);
-    std::vector<std::string> paths, below;
+    std::vector<std::string> paths;
+    std::vector<std::string> below;
     for (const FolderEntry& entry : listFolder(folder)) {
         std::string path = joinPath(folder, entry.name, nativePathStyle());
         if (entry.isFolder) {

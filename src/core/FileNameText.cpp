@@ -26,7 +26,8 @@ bool isDeviceName(std::string_view name) {
     for (const std::string_view device : devices) {
         if (sameAscii(base, device)) return true;
     }
-    const std::string_view port = base.substr(0, 3), number = base.substr(port.size());
+    const std::string_view port = base.substr(0, 3);
+    const std::string_view number = base.substr(port.size());
     const bool isNumber = (number.size() == 1 && number[0] >= '1' && number[0] <= '9') ||
                           number == "\u00B9" || number == "\u00B2" || number == "\u00B3";
     return isNumber && (sameAscii(port, "com") || sameAscii(port, "lpt"));
@@ -54,7 +55,8 @@ std::string_view trimmedLevel(std::string_view level) {
 
 // As many whole characters as fit; Windows counts units of UTF-16.
 std::string_view cutTo(std::string_view name, std::size_t most, PathStyle style) {
-    std::size_t size = 0, bytes = 0;
+    std::size_t size = 0;
+    std::size_t bytes = 0;
     while (bytes < name.size()) {
         const CodePoint next = firstCodePoint(name.substr(bytes));
         size += style == PathStyle::Posix ? next.length : next.value > 0xFFFF ? 2 : 1;

@@ -13,7 +13,8 @@ bool sameBytes(File& a, File& b) {
     constexpr std::size_t block = std::size_t{1} << 18U;
     if (a.size() != b.size()) return false;
     for (std::uint64_t at = 0; at < a.size(); at += block) {
-        const Bytes left = a.view(at, block), right = b.view(at, block);
+        const Bytes left = a.view(at, block);
+        const Bytes right = b.view(at, block);
         const std::uint64_t wanted = std::min<std::uint64_t>(block, a.size() - at);
         if (left.size() != wanted || !std::ranges::equal(left, right)) return false;
     }

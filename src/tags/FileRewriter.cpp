@@ -42,7 +42,8 @@ class Rewriter {
         if (oldHead_.size() != ends_.headEnd || oldTail_.size() != oldSize_ - ends_.tailBegin) {
             return Rewrite::NotWritten;
         }
-        const bool newHead = ends_.head != oldHead_, newTail = ends_.tail != oldTail_;
+        const bool newHead = ends_.head != oldHead_;
+        const bool newTail = ends_.tail != oldTail_;
         if (!newHead && !newTail) return Rewrite::Unchanged;
         const bool headFits = ends_.head.size() == oldHead_.size();
         const bool tailFits =
