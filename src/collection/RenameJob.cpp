@@ -131,17 +131,17 @@ JournalRow rowOf(const RenameStep& step) {
     return {info ? info->size : 0, info ? info->modified : 0, step.from, step.to};
 }
 
-// The folders that have to be made for the new names, outer ones first.
+// The folders that have to be made for the new names, inner ones first.
 std::vector<std::string> newFolders(const RenamePlan& plan) {
-    std::set<std::string> missing;
+    std::set<std::string, std::greater<>> missing;
     std::string_view last;
     for (const RenameStep& step : plan) {
         std::string_view folder = folderOf(step.to, nativePathStyle());
         if (!step.moves() || folder == last) continue;
         last = folder;
-        for (; !folder.empty(); folder = parentOf(folder, nativePathStyle())) {
-            const std::string path(folder);
-            if (missing.contains(path) || folderExists(path) || !missing.insert(path).second) break;
+        while (!folder.empty() && !missing.contains(folder) && !folderExists(std::string(folder))) {
+            missing.emplace(folder);
+            folder = parentOf(folder, nativePathStyle());
         }
     }
     return {missing.begin(), missing.end()};
@@ -235,6 +235,7 @@ bool isAtOldName(const JournalRow& row) {
 void restoreBytes(std::vector<ListChange>& changes, const JournalBatch& batch,
                   const CodePage& ansi) {
     RenamePlan forward;
+    forward.reserve(batch.rows.size());
     for (const JournalRow& row : batch.rows) {
         forward.push_back({row.from, row.to, RenameResult::Done, false, true});
     }
@@ -271,9 +272,7 @@ void takeBack(Services& services, const JournalBatch& batch, RenamePlan& plan,
     const JournalBatch rest = restOf(batch, plan);
     if (rest.rows.empty()) restoreBytes(changes, batch, ansi);
     writeLists(changes, services.errors, systemCalls());
-    for (auto folder = batch.newFolders.rbegin(); folder != batch.newFolders.rend(); ++folder) {
-        removeEmptyFolder(*folder);
-    }
+    for (const std::string& folder : batch.newFolders) removeEmptyFolder(folder);
     if (!journal.keep(timeText(), rest)) {
         services.errors.report(Text::FileNotWritten, journal.path());
     }

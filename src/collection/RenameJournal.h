@@ -22,7 +22,7 @@ struct JournalList {
 
 struct JournalBatch {
     std::vector<JournalRow> rows;
-    std::vector<std::string> newFolders;  ///< that were not there before; outer ones first
+    std::vector<std::string> newFolders;  ///< that were not there before; inner ones first
     std::vector<JournalList> lists;
 };
 

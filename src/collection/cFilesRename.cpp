@@ -150,8 +150,8 @@ void cFilesRename::moveCircle(RenamePlan& plan, std::span<const MoveStep> moves)
 
 void cFilesRename::takeCircleBack(RenamePlan& plan, std::span<const MoveStep> moves,
                                   const std::string& aside) {
-    for (auto each = moves.rbegin(); each != moves.rend(); ++each) {
-        RenameStep& step = plan[each->row];
+    for (std::size_t i = moves.size(); i-- > 0;) {
+        RenameStep& step = plan[moves[i].row];
         if (!step.isMoved) continue;
         step.isMoved = moveFile(step.to, step.from, context_.calls) != Transfer::Done;
         step.result = step.isMoved ? RenameResult::Done : RenameResult::NotCreated;
