@@ -107,6 +107,11 @@ SEEDS = {
                 b"\x98\x81\x8d\x83\x5c\xff", "İıſßǅΣς".encode()],
     "order": [b"track 2\0track 10\0Track 02", "ё2\0Ё2\0е".encode(), b"007\0" b"7\0" b"07a"],
     "mask": [b"*.mp3\0Song.MP3", b"[!a-c]?#[x]*z\0dq1x..z", b"[abc\0[abc", b"*a*a*a*b\0aaaaaaaac"],
+    "template": [b"%A\\%L\\%N3 - %T (%M) %BS\0AC\\DC\0%A %N\0Mix\0con.\0"
+                 b"1999\0" b"3/12\0/m/a/07 - b.mp3",
+                 "%Y%R %Z\0Щука\0../é\0\0a\0\0\0C:\\Щ\\x.mp3".encode(),
+                 "%N%% - %0 - %A%Z %W\0日本\0"
+                 "[]\t😀\0\0\0\0" "7\0\\\\s\\t\\7% - b - c".encode()],
     "json": ["/a/Имя \xff.mp3\0Title\0Artist\0Al\tbum\0".encode("latin-1", "replace")
              + b"2001\0Rock\0003/12\0Mix\0LAME\0image/png\0comment \"\\\n",
              b"/\xff\xed\xa0\x80.mp3\0\0\0\0\0\0" b"7\0", "/a/é.mp3\0日本 é́".encode()],
