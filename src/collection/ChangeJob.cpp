@@ -7,6 +7,7 @@
 #include "collection/JsonLine.h"
 #include "collection/ReverseTemplate.h"
 #include "collection/TagColumns.h"
+#include "platform/PlainText.h"
 #include "tags/AudioFile.h"
 #include "tags/UpdateTags.h"
 
@@ -30,9 +31,11 @@ class Filling {
     [[nodiscard]] bool isEmpty() const { return !hasFields_ && !names_.hasFields(); }
     [[nodiscard]] bool readsNames() const { return names_.hasFields(); }
 
-    void fill(const std::string& path, ID3tag& record) const {
-        names_.RetrieveTags(path, nativePathStyle(), record);
+    // False where neither the name nor an option gives anything.
+    bool fill(const std::string& path, ID3tag& record) const {
+        const bool fits = names_.RetrieveTags(path, nativePathStyle(), record);
         record.SetBasicFields(fields_);
+        return fits || hasFields_;
     }
 
  private:
@@ -92,24 +95,24 @@ class ChangeJob {
 
     // A record that holds nothing but the new values changes nothing else. What a name tells may
     // also empty a field; that shows against what was read only.
-    ID3tag filledRecord(const std::string& path) const {
+    std::optional<ID3tag> filledRecord(const std::string& path) const {
         ID3tag record = filling_.readsNames() ? ReadAudioFile(path, {ansi_}) : ID3tag();
         record.Path = path;
         record.FileType = GetFileType(path);
         record.OK = true;
-        filling_.fill(path, record);
-        return record;
+        return filling_.fill(path, record) ? std::optional(std::move(record)) : std::nullopt;
     }
 
     void changeFile(const std::string& path, const std::string& subPath) {
         const bool dryRun = services_.options.dryRun;
         const bool json = services_.options.json;
-        ID3tag record = filledRecord(path);
+        std::optional<ID3tag> record = filledRecord(path);
+        if (!record) return skip(path);
         ID3tag before;
-        if (!dryRun) record.ClearReadOnlyFlag();
-        const TagUpdate result = UpdateTags(record, context_, json || dryRun ? &before : nullptr);
+        if (!dryRun) record->ClearReadOnlyFlag();
+        const TagUpdate result = UpdateTags(*record, context_, json || dryRun ? &before : nullptr);
         if (result == TagUpdate::Refused) {
-            tellFailure(path, refusalText(record.Refused).value_or(Text::UnknownError));
+            tellFailure(path, refusalText(record->Refused).value_or(Text::UnknownError));
             return;
         }
         const bool isSame = result == TagUpdate::Unchanged;
@@ -126,11 +129,18 @@ class ChangeJob {
         }
     }
 
+    void skip(const std::string& path) {
+        ++skipped_;
+        if (!services_.options.json) return;
+        tellLine(path, nullptr, "skipped", services_.texts.get(Text::NameDoesNotFit));
+    }
+
     void tellText(const std::string& subPath, const std::vector<Change>& changes) {
         if (changes.empty()) out_ += subPath + "  " + services_.texts.get(Text::TagsAnew) + '\n';
         for (const Change& change : changes) {
-            out_ += subPath + "  " + services_.texts.get(change.field->caption) + ": " +
-                    change.from + " -> " + change.to + "\n";
+            out_ += withoutControls(subPath + "  " + services_.texts.get(change.field->caption) +
+                                    ": " + change.from + " -> " + change.to) +
+                    '\n';
         }
     }
 
@@ -165,6 +175,9 @@ class ChangeJob {
             services_.options.dryRun ? Text::SummaryWouldChange : Text::SummaryChanged;
         std::string line = texts.get(changed, std::to_string(changed_)) + "  " +
                            texts.get(Text::SummaryUnchanged, std::to_string(unchanged_));
+        if (skipped_ > 0) {
+            line += "  " + texts.get(Text::SummaryNotFitting, std::to_string(skipped_));
+        }
         const std::size_t errors = services_.errors.count();
         if (errors > 0) line += "  " + texts.get(Text::SummaryErrors, std::to_string(errors));
         return line + "\n";
@@ -182,12 +195,16 @@ class ChangeJob {
     const CodePage ansi_;
     const WriteContext context_;
     std::string out_;
-    std::size_t changed_ = 0, unchanged_ = 0;
+    std::size_t changed_ = 0, unchanged_ = 0, skipped_ = 0;
 };
 }  // namespace
 
 int changeTags(Services& services) {
     const Filling filling(services.options);
+    if (filling.isEmpty() && services.options.nameTemplate) {
+        services.errors.report(Text::TemplateWithoutFields, *services.options.nameTemplate);
+        return unusableCommandLine;
+    }
     if (filling.isEmpty()) {
         services.errors.report(Text::NothingToChange, "/a /t /m /l /y /tn /g /template");
         return unusableCommandLine;

@@ -1,14 +1,18 @@
 #include "collection/CopyJob.h"
 
+#include <algorithm>
 #include <set>
 
 #include "collection/JobFiles.h"
 #include "collection/JsonLine.h"
+#include "collection/Playlist.h"
 #include "collection/RenamePlan.h"
 #include "collection/cFilesCollection.h"
 #include "core/TextCase.h"
+#include "platform/File.h"
 #include "platform/FileSystem.h"
 #include "platform/FileTransfer.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 
@@ -26,11 +30,17 @@ struct CopyStep {
     }
 };
 
-// A copy keeps size and time, so that a second run finds what is there.
+// Files of one size that begin and end alike, with everything that tags are made of. Times do not
+// tell: some disks round them, and tags may be written without a change of time.
 bool isCopyOf(std::string_view copy, const std::string& source) {
-    const auto a = fileInfo(std::string(copy));
-    const auto b = fileInfo(source);
-    return a && b && a->size == b->size && a->modified == b->modified;
+    constexpr std::size_t compared = std::size_t{1} << 17U;
+    File a;
+    File b;
+    if (!a.open(std::string(copy), Access::Read) || !b.open(source, Access::Read)) return false;
+    if (a.size() != b.size()) return false;
+    const std::uint64_t tail = a.size() - std::min<std::uint64_t>(a.size(), compared);
+    return std::ranges::equal(a.view(0, compared), b.view(0, compared)) &&
+           std::ranges::equal(a.view(tail, compared), b.view(tail, compared));
 }
 
 // The folder below the target in which a file of the collection goes.
@@ -56,7 +66,8 @@ std::vector<CopyStep> planCopies(const cFilesCollection& files, const std::strin
             return isCopyOf(path, step.from) || !fileInfo(std::string(path));
         });
         given.insert(lowerCase(step.to));
-        if (!fileInfo(step.from)) {
+        const auto source = fileInfo(step.from);
+        if (!source || source->isFolder) {
             step.fail(Text::FileNotRead, step.from);
         } else if (step.to.empty()) {
             step.fail(Text::FileNotCreated, wanted);
@@ -72,11 +83,12 @@ void copyOne(CopyStep& step) {
     const std::string folder(folderOf(step.to, nativePathStyle()));
     if (!createFolders(folder)) {
         step.fail(Text::FolderNotCreated, folder);
-    } else if (copyFile(step.from, step.to) == Transfer::Done) {
-        step.isCopied = true;
-    } else {
-        step.fail(Text::FileNotCreated, step.to);
+        return;
     }
+    const Transfer result = copyFile(step.from, step.to);
+    step.isCopied = result == Transfer::Done;
+    if (result == Transfer::NotRead) return step.fail(Text::FileNotRead, step.from);
+    if (!step.isCopied) step.fail(Text::FileNotCreated, step.to);
 }
 
 class CopyRun {
@@ -115,7 +127,7 @@ class CopyRun {
             out_ += pathsLine(step.from, step.to, result,
                               step.failure ? services_.texts.get(*step.failure, step.about) : "");
         } else if (result == "planned") {
-            out_ += step.from + " -> " + step.to + '\n';
+            out_ += withoutControls(step.from + " -> " + step.to) + '\n';
         }
     }
 
@@ -132,6 +144,29 @@ class CopyRun {
 };
 }  // namespace
 
+namespace {
+// The list's audio files; its other entries are told. False when there is no such list.
+bool gatherEntries(Services& services, const std::string& list, cFilesCollection& files) {
+    const CodePage ansi(services.ansiCodePage);
+    if (!isPlaylist(list)) {
+        services.errors.report(Text::NotAPlaylist, list);
+        return false;
+    }
+    const auto entries = readPlaylistEntries(list, ansi);
+    if (!entries) {
+        services.errors.report(Text::FileNotRead, list);
+        return false;
+    }
+    for (const PlaylistEntry& entry : *entries) {
+        const bool isAudio = (GetFileType(entry.path) & FileType::Audio) != 0;
+        if (!isAudio) services.errors.report(Text::NoAudioFile, entry.path);
+    }
+    files.FillFromPlaylist(list, FileType::Audio, ansi);
+    files.BaseFolder = folderOf(list, nativePathStyle());
+    return true;
+}
+}  // namespace
+
 int copyPlaylist(Services& services) {
     const JobOptions& options = services.options;
     const std::string target =
@@ -141,13 +176,13 @@ int copyPlaylist(Services& services) {
         services.errors.report(options.playlist ? Text::NoTarget : Text::ListNotGiven);
         return unusableCommandLine;
     }
-    const std::string list = absolutePath(*options.playlist);
-    cFilesCollection files(services.progress, services.cancel);
-    if (!files.FillFromPlaylist(list, FileType::Audio, CodePage(services.ansiCodePage))) {
-        services.errors.report(Text::FileNotRead, list);
+    if (options.folder) {
+        services.errors.report(Text::OneListOnly, *options.folder);
         return unusableCommandLine;
     }
-    files.BaseFolder = folderOf(list, nativePathStyle());
+    const std::string list = absolutePath(*options.playlist);
+    cFilesCollection files(services.progress, services.cancel);
+    if (!gatherEntries(services, list, files)) return unusableCommandLine;
     CopyRun copies(services);
     if (!copies.run(planCopies(files, absolutePath(target), options.keepPaths))) {
         services.errors.report(Text::OutputNotWritten);

@@ -1,6 +1,8 @@
 #include "collection/FolderPlaylist.h"
 
+#include "collection/Playlist.h"
 #include "collection/cFilesCollection.h"
+#include "core/WildcardMask.h"
 #include "platform/FileTransfer.h"
 #include "tags/AudioFile.h"
 
@@ -23,6 +25,12 @@ std::optional<std::string> infoLine(const ID3tag& record, const std::string& bas
     const bool isNamed = !record.GetArtist().empty() || !record.GetTitle().empty();
     return onOneLine("#EXTINF:" + std::to_string(record.Seconds) + "," +
                      (isNamed ? record.GetArtistTitleMix() : baseName));
+}
+
+// A line's end begins another entry, and readers take "\" as a border of folders.
+bool isReadAsItIs(std::string_view entry) {
+    const bool isPosix = nativePathStyle() == PathStyle::Posix;
+    return entry.find_first_of(isPosix ? "\r\n\\" : "\r\n") == std::string_view::npos;
 }
 
 class Lines {
@@ -53,6 +61,10 @@ std::optional<FolderPlaylist> folderPlaylist(const PlaylistWish& wish, const Cod
     cFilesCollection files(progress, cancel);
     files.BaseFolder = wish.folder;
     files.FillFromFolder(wish.folder, listedTypes, wish.subfolders, true, true);
+    const WildcardMask mask(wish.mask);
+    files.keepIf([&](std::string_view path) {
+        return mask.takesAll() || mask.matches(fileNameOf(path, nativePathStyle()));
+    });
     files.Sort();
     Lines lines(list, ansi);
     lines.add("#EXTM3U");
@@ -60,9 +72,9 @@ std::optional<FolderPlaylist> folderPlaylist(const PlaylistWish& wish, const Cod
         const std::string path = files.GetFile(i);
         const auto info = infoLine(ReadAudioFile(path, {ansi}), files.GetFileBaseName(i));
         if (info) lines.add(*info);
-        const std::string entry = wish.absolutePaths ? path : files.GetFileSubPath(i);
-        const std::string line = onOneLine(entry);
-        if (!lines.add(line) || line != entry) ++list.notHeld;
+        const std::string entry =
+            plainEntry(wish.absolutePaths ? path : files.GetFileSubPath(i), nativePathStyle());
+        if (!lines.add(onOneLine(entry)) || !isReadAsItIs(entry)) ++list.notHeld;
         ++list.files;
         progress.pumpMessages();
     }

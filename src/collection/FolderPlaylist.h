@@ -13,6 +13,7 @@ namespace tavlo {
 struct PlaylistWish {
     std::string folder;
     std::string playlistPath = {};  ///< empty: "!Playlist.m3u" in the folder
+    std::string mask = "*.*";       ///< of the files' names
     bool absolutePaths = false;
     bool subfolders = false;
     bool utf8 = false;  ///< a second list in UTF-8 beside it, ".m3u8"
@@ -24,7 +25,7 @@ struct FolderPlaylist {
     std::string bytes;  ///< in the code page
     std::string utf8;   ///< the same in UTF-8
     std::size_t files = 0;
-    std::size_t notHeld = 0;  ///< entries that the code page cannot hold
+    std::size_t notHeld = 0;  ///< entries that the list in the code page cannot hold
 };
 
 /// Reads the folder; nothing when it was cancelled.

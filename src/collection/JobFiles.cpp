@@ -1,5 +1,6 @@
 #include "collection/JobFiles.h"
 
+#include "collection/Playlist.h"
 #include "core/WildcardMask.h"
 #include "platform/FileSystem.h"
 
@@ -22,11 +23,10 @@ bool gatherPath(Services& services, const JobFiles& wanted, const std::string& p
     if (info->isFolder) {
         return files.FillFromFolder(path, wanted.types, services.options.subfolders, false, false);
     }
-    const FileTypes type = GetFileType(path);
-    if (type == FileType::M3u) {
+    if (isPlaylist(path)) {
         return files.FillFromPlaylist(path, wanted.types, CodePage(services.ansiCodePage));
     }
-    if ((type & wanted.types) != 0) {
+    if ((GetFileType(path) & wanted.types) != 0) {
         files.AddFile(path);
     } else {
         services.errors.report(wanted.otherType, path);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/PlainText.h"
 #include "platform/Utf8.h"
 
 namespace tavlo {
@@ -59,12 +60,6 @@ constexpr std::array<Column, 11> columns{{
      [](const ListRow& row) { return numberOrNothing(row.record.SampleRate); }},
     {Text::ColumnTags, false, [](const ListRow& row) { return tagsOf(row.record); }},
 }};
-
-void replaceControls(std::string& text) {
-    std::replace_if(
-        text.begin(), text.end(),
-        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
-}
 
 struct WidthRange {
     char32_t first, last;
@@ -171,10 +166,8 @@ std::size_t displayWidth(std::string_view text) {
 void appendTabLine(std::string& out, const ListRow& row) {
     const std::size_t start = out.size();
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        std::string value = i == 0 ? row.path : columns[i].value(row);
-        replaceControls(value);
         if (out.size() > start || i > 0) out += '\t';
-        out += value;
+        out += withoutControls(i == 0 ? row.path : columns[i].value(row));
     }
     out += '\n';
 }

@@ -27,6 +27,10 @@ std::string nativeEntry(std::string_view entry, PathStyle style) {
     return native;
 }
 
+std::string_view withoutBlanksBehind(std::string_view entry) {
+    return entry.substr(0, entry.find_last_not_of(" \t") + 1);
+}
+
 // "." and ".." steps taken out; a step above the root stays.
 std::string withoutSteps(const std::string& path, PathStyle style) {
     const char separator = separatorOf(style);
@@ -79,7 +83,7 @@ std::string newEntry(std::string_view entry, std::string_view path, std::string_
     const std::size_t at = entry.find_first_of("\\/");
     const char separator = at == std::string_view::npos ? separatorOf(style) : entry[at];
     std::replace(text.begin(), text.end(), separatorOf(style), separator);
-    return text;
+    return plainEntry(std::move(text), style);
 }
 
 // The list without a mark, which tells that it is UTF-8.
@@ -94,12 +98,20 @@ bool isUtf8Playlist(std::string_view path) {
     return equalsNoCase(extensionOf(path, nativePathStyle()), "m3u8");
 }
 
+bool isPlaylist(std::string_view path) {
+    return equalsNoCase(extensionOf(path, nativePathStyle()), "m3u") || isUtf8Playlist(path);
+}
+
+std::string plainEntry(std::string entry, PathStyle style) {
+    return entry.starts_with('#') ? std::string(".") + separatorOf(style) + entry : entry;
+}
+
 PlaylistPlace playlistPlace(std::string_view path) {
     return {folderOf(path, nativePathStyle()), isUtf8Playlist(path)};
 }
 
 std::string resolveEntry(std::string_view entry, std::string_view folder, PathStyle style) {
-    const std::string native = nativeEntry(entry, style);
+    const std::string native = nativeEntry(withoutBlanksBehind(entry), style);
     if (isAbsoluteEntry(entry, style)) return withoutSteps(native, style);
     return withoutSteps(joinPath(folder, native, style), style);
 }

@@ -23,6 +23,7 @@ struct PlaylistPlace {
 /// Of a list on the disk; ".m3u8" is UTF-8.
 PlaylistPlace playlistPlace(std::string_view path);
 bool isUtf8Playlist(std::string_view path);
+bool isPlaylist(std::string_view path);
 
 struct PlaylistEntry {
     std::string path;  ///< full
@@ -30,7 +31,11 @@ struct PlaylistEntry {
 };
 using PlaylistEntries = std::vector<PlaylistEntry>;
 
-/// The files that an M3U playlist names, in its order. Entries may use "\" or "/".
+/// A relative entry as a list has to hold it: what would read as a comment gets "./" before it.
+std::string plainEntry(std::string entry, PathStyle style);
+
+/// The files that an M3U playlist names, in its order. Entries may use "\" or "/"; blanks behind
+/// one are none of it.
 PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& place,
                                 const CodePage& ansi);
 /// Of a list on the disk; nothing when it cannot be read.

@@ -64,11 +64,6 @@ std::string commonFolder(const Folders& folders) {
 }
 }  // namespace
 
-bool isPlaylist(std::string_view path) {
-    const std::string_view extension = extensionOf(path, nativePathStyle());
-    return equalsNoCase(extension, "m3u") || isUtf8Playlist(path);
-}
-
 std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders) {
     std::vector<std::string> lists;
     std::vector<std::string> below;

@@ -13,8 +13,6 @@
 
 namespace tavlo {
 
-bool isPlaylist(std::string_view path);
-
 /// The playlists in a folder, or in it and all below it, in the order of their paths.
 std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders);
 

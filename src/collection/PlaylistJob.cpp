@@ -4,6 +4,7 @@
 #include "collection/JobFiles.h"
 #include "collection/JsonLine.h"
 #include "platform/FileSystem.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 
@@ -19,13 +20,14 @@ std::string jsonOf(const FolderPlaylist& list, std::string_view result,
     return line.finish();
 }
 
-std::string textOf(const FolderPlaylist& list, const Texts& texts) {
-    std::string line =
-        list.path + "  " + texts.get(Text::SummaryListed, std::to_string(list.files));
+std::string textOf(const FolderPlaylist& list, bool isPlanned, const Texts& texts) {
+    std::string line = list.path + "  " +
+                       texts.get(isPlanned ? Text::SummaryWouldList : Text::SummaryListed,
+                                 std::to_string(list.files));
     if (list.notHeld > 0) {
         line += "  " + texts.get(Text::SummaryNotHeld, std::to_string(list.notHeld));
     }
-    return line + '\n';
+    return withoutControls(line) + '\n';
 }
 
 // What is told of a list that was made, or would be.
@@ -33,27 +35,42 @@ std::string makeList(Services& services, const FolderPlaylist& list) {
     const JobOptions& options = services.options;
     const bool done = options.dryRun || writePlaylist(list, options.utf8List);
     if (!done) services.errors.report(Text::FileNotCreated, list.path);
-    if (!options.json) return done ? textOf(list, services.texts) : std::string();
+    if (!options.json) return done ? textOf(list, options.dryRun, services.texts) : std::string();
     return jsonOf(list,
                   !done            ? "failed"
                   : options.dryRun ? "planned"
                                    : "written",
                   done ? std::string() : services.texts.get(Text::FileNotCreated, list.path));
 }
+// The job's folders; nothing when any of what was named is none.
+std::optional<std::vector<std::string>> wantedFolders(Services& services) {
+    const std::size_t errors = services.errors.count();
+    std::vector<std::string> folders;
+    for (const std::string& wanted : wantedPaths(services)) {
+        folders.push_back(absolutePath(wanted));
+        const auto info = fileInfo(folders.back());
+        if (!info) {
+            services.errors.report(Text::FolderNotFound, folders.back());
+        } else if (!info->isFolder) {
+            services.errors.report(Text::NotAFolder, folders.back());
+        } else if (!isReadableFolder(folders.back())) {
+            services.errors.report(Text::FolderNotRead, folders.back());
+        }
+    }
+    if (services.errors.count() == errors) return folders;
+    services.errors.report(Text::NothingDone);
+    return std::nullopt;
+}
 }  // namespace
 
 int makePlaylists(Services& services) {
     if (!isUnderstood(services)) return unusableCommandLine;
+    const auto folders = wantedFolders(services);
+    if (!folders) return unusableCommandLine;
     const CodePage ansi(services.ansiCodePage);
     const JobOptions& options = services.options;
-    for (const std::string& wanted : wantedPaths(services)) {
-        const std::string folder = absolutePath(wanted);
-        if (!folderExists(folder) || !isReadableFolder(folder)) {
-            const bool isThere = folderExists(folder);
-            services.errors.report(isThere ? Text::FolderNotRead : Text::FolderNotFound, folder);
-            continue;
-        }
-        const PlaylistWish wish{folder, {}, options.keepPaths, options.subfolders};
+    for (const std::string& folder : *folders) {
+        const PlaylistWish wish{folder, {}, options.mask, options.keepPaths, options.subfolders};
         const auto list = folderPlaylist(wish, ansi, services.progress, services.cancel);
         if (!list) break;
         if (!services.output.write(makeList(services, *list))) {

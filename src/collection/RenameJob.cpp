@@ -6,10 +6,12 @@
 
 #include "collection/JobFiles.h"
 #include "collection/JsonLine.h"
+#include "collection/Playlist.h"
 #include "collection/RenameJournal.h"
 #include "collection/cFilesRename.h"
 #include "platform/Environment.h"
 #include "platform/FileSystem.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 
@@ -101,7 +103,7 @@ class RenameReport {
             out_ += pathsLine(step.from, step.to, result, remarkOn(step));
         } else if (result == "planned") {
             const std::string remark = remarkOn(step);
-            out_ += step.from + " -> " + step.to;
+            out_ += withoutControls(step.from + " -> " + step.to);
             out_ += remark.empty() ? "\n" : "  (" + remark + ")\n";
         }
     }

@@ -69,7 +69,7 @@ std::string_view withoutExtension(std::string_view name) {
 
 // "C:\", "\\server\share\" or "/".
 std::string_view withoutDrive(std::string_view path, PathStyle style) {
-    if (style == PathStyle::Posix) return path.substr(std::min(path.size(), std::size_t{1}));
+    if (style == PathStyle::Posix) return path.substr(path.starts_with('/') ? 1 : 0);
     if (path.size() >= 2 && path[1] == ':')
         return path.substr(std::min<std::size_t>(path.size(), 3));
     if (path.size() < 2 || !isSeparator(path[0], style) || !isSeparator(path[1], style))
@@ -83,12 +83,13 @@ std::string_view withoutDrive(std::string_view path, PathStyle style) {
 }
 }  // namespace
 
-void SetFieldFromToken(ID3tag& record, std::string_view token, std::string_view text) {
+bool SetFieldFromToken(ID3tag& record, std::string_view token, std::string_view text) {
     const FieldToken* const field = fieldOf(token);
-    if (field == nullptr) return;
+    if (field == nullptr) return false;
     std::string value(text);
     std::replace(value.begin(), value.end(), '_', ' ');
     (record.*field->set)(value);
+    return true;
 }
 
 bool ReverseTemplate::hasFields() const {
@@ -121,34 +122,36 @@ void ReverseTemplate::CompileReverseTemplate(std::string_view nameTemplate) {
     }
 }
 
-void ReverseTemplate::RetrieveTags(std::string_view path, PathStyle style, ID3tag& record) const {
-    readPath(withoutDrive(path, style), style == PathStyle::Windows ? "\\/" : "/", record);
+bool ReverseTemplate::RetrieveTags(std::string_view path, PathStyle style, ID3tag& record) const {
+    return readPath(withoutDrive(path, style), style == PathStyle::Windows ? "\\/" : "/", record);
 }
 
-void ReverseTemplate::retrieveFromText(std::string_view text, ID3tag& record) const {
-    readPath(text, "\\/", record);
+bool ReverseTemplate::retrieveFromText(std::string_view text, ID3tag& record) const {
+    return readPath(text, "\\/", record);
 }
 
 // From the name upwards, as far as both the template and the path have levels.
-void ReverseTemplate::readPath(std::string_view path, std::string_view separators,
+bool ReverseTemplate::readPath(std::string_view path, std::string_view separators,
                                ID3tag& record) const {
     std::size_t last = tokens_.size();
+    bool any = false;
     for (bool isName = true;; isName = false) {
         const std::size_t above = path.find_last_of(separators);
         const std::string_view level = path.substr(above + 1);  // npos + 1 is the whole path
         std::size_t first = last;
         while (first > 0 && tokens_[first - 1].text != border) --first;
-        readLevel(isName ? withoutExtension(level) : level, first, last, record);
-        if (first == 0 || above == std::string_view::npos) return;
+        any = readLevel(isName ? withoutExtension(level) : level, first, last, record) || any;
+        if (first == 0 || above == std::string_view::npos) return any;
         last = first - 1;
         path = path.substr(0, above);
     }
 }
 
 // A literal moves on by its length; a placeholder takes what stands before the next literal.
-void ReverseTemplate::readLevel(std::string_view text, std::size_t first, std::size_t last,
+bool ReverseTemplate::readLevel(std::string_view text, std::size_t first, std::size_t last,
                                 ID3tag& record) const {
     std::size_t at = 0;
+    bool any = false;
     for (std::size_t i = first; i < last; ++i) {
         const Token& token = tokens_[i];
         if (!token.isPlaceholder) {
@@ -160,10 +163,11 @@ void ReverseTemplate::readLevel(std::string_view text, std::size_t first, std::s
         const bool isLast = i + 1 == last;
         if (!isLast && tokens_[i + 1].isPlaceholder) continue;
         const std::size_t end = isLast ? text.size() : findNoCase(text, tokens_[i + 1].text, at);
-        if (end == std::string_view::npos) return;
-        SetFieldFromToken(record, token.text, trimBlanks(text.substr(at, end - at)));
+        if (end == std::string_view::npos) return any;
+        any = SetFieldFromToken(record, token.text, trimBlanks(text.substr(at, end - at))) || any;
         at = end;
     }
+    return any;
 }
 
 }  // namespace tavlo

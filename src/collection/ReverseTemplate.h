@@ -33,20 +33,21 @@ class ReverseTemplate {
     [[nodiscard]] bool hasFields() const;
 
     /// Reads a file's full path; levels above the template's first one are left alone. Fields that
-    /// the path has no place for stay.
-    void RetrieveTags(std::string_view path, PathStyle style, ID3tag& record) const;
+    /// the path has no place for stay; false where it has none for any.
+    bool RetrieveTags(std::string_view path, PathStyle style, ID3tag& record) const;
     /// The same of a line of text, in which "\" or "/" stands between folders.
-    void retrieveFromText(std::string_view text, ID3tag& record) const;
+    bool retrieveFromText(std::string_view text, ID3tag& record) const;
 
  private:
-    void readPath(std::string_view path, std::string_view separators, ID3tag& record) const;
-    void readLevel(std::string_view text, std::size_t first, std::size_t last,
+    bool readPath(std::string_view path, std::string_view separators, ID3tag& record) const;
+    bool readLevel(std::string_view text, std::size_t first, std::size_t last,
                    ID3tag& record) const;
 
     std::vector<Token> tokens_;
 };
 
 /// Sets the field of a placeholder; "_" counts as a blank, and an empty text empties the field.
-void SetFieldFromToken(ID3tag& record, std::string_view token, std::string_view text);
+/// False where the placeholder has none.
+bool SetFieldFromToken(ID3tag& record, std::string_view token, std::string_view text);
 
 }  // namespace tavlo

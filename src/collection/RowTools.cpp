@@ -56,7 +56,7 @@ std::string numberFromFileName(std::string_view name) {
         for (std::size_t at = lower.find(word); at != std::string::npos;
              at = lower.find(word, at + 1)) {
             digits = name.substr(at + word.size()).substr(0, 2);
-            if (parseInteger(digits)) break;
+            if (WildcardMask("##").matches(digits)) break;
         }
     } else if (WildcardMask("##[ _.-]*.*").matches(name)) {
         digits = name.substr(0, 2);

@@ -138,7 +138,7 @@ bool cFilesCollection::FillFromPlaylist(const std::string& path, FileTypes mask,
     const auto entries = readPlaylistEntries(path, ansi);
     if (!entries) return false;
     for (const PlaylistEntry& entry : *entries) {
-        if ((tavlo::GetFileType(entry.path) & mask) != 0) AddFile(entry.path);
+        if ((tavlo::GetFileType(entry.path) & mask) != 0) files_.add(entry.path, foundMatch());
     }
     return true;
 }

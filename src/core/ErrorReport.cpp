@@ -1,5 +1,7 @@
 #include "core/ErrorReport.h"
 
+#include "platform/PlainText.h"
+
 namespace tavlo {
 
 void ErrorReport::report(Text text, std::string_view argument) {
@@ -8,7 +10,7 @@ void ErrorReport::report(Text text, std::string_view argument) {
 }
 
 void ErrorReport::note(Text text, std::string_view argument) {
-    sink_.write(texts_.get(text, argument) + '\n');
+    sink_.write(texts_.get(text, withoutControls(std::string(argument))) + '\n');
 }
 
 }  // namespace tavlo

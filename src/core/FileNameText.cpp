@@ -66,10 +66,14 @@ std::string_view cutTo(std::string_view name, std::size_t most, PathStyle style)
     return name.substr(0, bytes);
 }
 
-std::string cleanLevel(std::string_view text, PathStyle style) {
+// At most `most` units; cutting may bring blanks, dots or a device's name to light.
+std::string cleanLevel(std::string_view text, std::size_t most, PathStyle style) {
     const std::string plain = withoutForbidden(text);
-    std::string level(trimmedLevel(plain));
-    if (isDeviceName(level)) level.insert(std::min(level.find('.'), level.size()), 1, '_');
+    std::string level(trimmedLevel(cutTo(trimmedLevel(plain), most, style)));
+    if (isDeviceName(level)) {
+        level.insert(std::min(level.find('.'), level.size()), 1, '_');
+        level = trimmedLevel(cutTo(level, most, style));
+    }
     if (style == PathStyle::Posix && level.starts_with('.')) level[0] = '_';
     return level;
 }
@@ -78,7 +82,7 @@ std::vector<std::string> cleanLevels(std::string_view text, PathStyle style) {
     std::vector<std::string> levels;
     while (true) {
         const std::size_t end = text.find('\\');
-        std::string level = cleanLevel(text.substr(0, end), style);
+        std::string level = cleanLevel(text.substr(0, end), longestName, style);
         if (!level.empty()) levels.push_back(std::move(level));
         if (end == std::string_view::npos) return levels;
         text.remove_prefix(end + 1);
@@ -87,14 +91,17 @@ std::vector<std::string> cleanLevels(std::string_view text, PathStyle style) {
 }  // namespace
 
 std::string cleanFileName(std::string_view text, PathStyle style, std::size_t extensionSize) {
-    const std::vector<std::string> levels = cleanLevels(text, style);
     const std::size_t reserved = std::min(extensionSize + counterRoom, longestName - 1);
+    std::vector<std::string> levels = cleanLevels(text, style);
+    while (!levels.empty()) {
+        levels.back() = cleanLevel(levels.back(), longestName - reserved, style);
+        if (!levels.back().empty()) break;
+        levels.pop_back();
+    }
     std::string out;
-    for (std::size_t i = 0; i < levels.size(); ++i) {
-        const bool isLast = i + 1 == levels.size();
-        const std::size_t most = isLast ? longestName - reserved : longestName;
-        if (i > 0) out += '\\';
-        out += trimmedLevel(cutTo(levels[i], most, style));
+    for (const std::string& level : levels) {
+        if (!out.empty()) out += '\\';
+        out += level;
     }
     return out;
 }

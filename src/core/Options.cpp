@@ -136,6 +136,8 @@ class OptionReader {
     }
 
     void setMode(RunMode mode) {
+        const bool isSecond = options_.mode != RunMode::MainWindow && options_.mode != mode;
+        if (isSecond) options_.secondJob = line_.Parameter(at_);
         options_.mode = mode;
         options_.modeWord = line_.Parameter(at_);
     }

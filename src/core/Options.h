@@ -36,6 +36,7 @@ enum class RunMode : int {
 struct JobOptions {
     RunMode mode = RunMode::MainWindow;
     std::string modeWord;               ///< the option that set the mode, as the table spells it
+    std::string secondJob;              ///< one that asks for another job than one before it
     std::string startFolder;            ///< current folder when the command line was read
     std::optional<std::string> folder;  ///< the last one named
     std::vector<std::string> paths;     ///< every bare word that is no mask

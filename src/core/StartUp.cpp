@@ -113,6 +113,10 @@ int StartUp::dispatch() {
         default:
             break;
     }
+    if (!options_.secondJob.empty()) {
+        errors_.report(Text::TwoJobs, options_.secondJob);
+        return unusableCommandLine;
+    }
     const auto job = std::ranges::find(jobs_, options_.mode, &JobRow::mode);
     if (job != jobs_.end()) return runJob(*job);
     errors_.report(Text::JobNotAvailable, options_.modeWord);

@@ -51,7 +51,7 @@ std::string canonicalPath(const std::string& path);
 /// Where a link leads to; any other path as it is.
 std::string withoutLinks(const std::string& path);
 
-/// The path from the root, without "." steps; links and ".." stay as they are where they matter.
+/// The path from the root, without "." and ".." steps; links stay where no ".." follows them.
 std::string absolutePath(const std::string& path);
 
 enum class Created { Done, Exists, Failed };

@@ -112,6 +112,11 @@ std::string absolutePath(const std::string& path) {
         const std::size_t end = std::min(rest.find('/'), rest.size());
         const std::string_view step = rest.substr(0, end);
         if (!step.empty() && step != ".") absolute.append("/").append(step);
+        if (step == "..") {
+            // What lies above a link is known to the system only.
+            const std::string above = canonicalPath(absolute);
+            if (!above.empty()) absolute = above == "/" ? std::string() : above;
+        }
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     return absolute.empty() ? "/" : absolute;

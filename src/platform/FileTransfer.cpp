@@ -32,14 +32,14 @@ bool removeFile(const std::string& path, FileCalls& calls) {
 
 Transfer copyFile(const std::string& from, const std::string& to, FileCalls& calls) {
     File source(calls);
-    return source.open(from, Access::Read) ? copyOpened(source, to) : Transfer::Failed;
+    return source.open(from, Access::Read) ? copyOpened(source, to) : Transfer::NotRead;
 }
 
 Transfer moveFile(const std::string& from, const std::string& to, FileCalls& calls) {
     const Moved moved = calls.move(from, to);
     if (moved != Moved::OtherDisk) return resultOf(moved);
     File source(calls);
-    if (!openToMove(source, from)) return Transfer::Failed;
+    if (!openToMove(source, from)) return Transfer::NotRead;
     const Transfer copied = copyOpened(source, to);
     if (copied != Transfer::Done || calls.remove(source.release(), from)) return copied;
     removeFile(to, calls);

@@ -9,8 +9,9 @@ namespace tavlo {
 
 enum class Transfer {
     Done,
-    Exists,  ///< the new name is taken; nothing was changed
-    Failed   ///< the source is as it was, and nothing lies under the new name
+    Exists,   ///< the new name is taken; nothing was changed
+    NotRead,  ///< the source is no file that can be read; nothing was changed
+    Failed    ///< the source is as it was, and nothing lies under the new name
 };
 
 /// Copies a file with its time and attributes: beside its new place, flushed, read back and

@@ -1,6 +1,7 @@
 #include "tags/WaveFile.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "tags/ByteCursor.h"
 
@@ -55,7 +56,8 @@ bool readWave(File& file, ID3tag& record) {
             const std::uint64_t left = file.size() - chunk->data;
             const std::uint64_t size =
                 chunk->size == 0 ? left : std::min<std::uint64_t>(chunk->size, left);
-            record.Seconds = static_cast<std::int32_t>(size / rate);
+            record.Seconds = static_cast<std::int32_t>(
+                std::min<std::uint64_t>(size / rate, std::numeric_limits<std::int32_t>::max()));
             return true;
         }
         at = chunk->data + chunk->size + chunk->size % 2;

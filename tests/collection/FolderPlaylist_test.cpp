@@ -39,7 +39,7 @@ TEST(FolderPlaylist, ListsAudioFilesWithTimesAndTitles) {
     ASSERT_TRUE(MakeFolderPlaylist({folder.path()}, ansi, progress, progress.cancel));
     EXPECT_EQ(folder.read("!Playlist.m3u"), top);
 
-    PlaylistWish wish{folder.path(), folder.path("all.m3u"), true, true, true};
+    PlaylistWish wish{folder.path(), folder.path("all.m3u"), "*.*", true, true, true};
     const auto list = folderPlaylist(wish, ansi, progress, progress.cancel);
     ASSERT_TRUE(list && writePlaylist(*list, true));
     EXPECT_EQ(list->files, 5U);

@@ -97,7 +97,7 @@ TEST(Playlist, CollectionTakesTheEntriesOfItsTypes) {
     const CodePage ansi(1252);
     TestProgress progress;
     cFilesCollection files(progress, progress.cancel);
-    const std::string list = folder.write("l.m3u", "a.mp3\r\nCD1\\b.ogg\r\nA.MP3\r\nc.jpg\r\n");
+    const std::string list = folder.write("l.m3u", "a.mp3\r\nCD1\\b.ogg\r\na.mp3\r\nc.jpg\r\n");
     EXPECT_TRUE(files.FillFromPlaylist(list, FileType::Audio, ansi));
     ASSERT_EQ(files.count(), 2U);
     EXPECT_EQ(files.GetFile(1), folder.path("a.mp3"));

@@ -26,6 +26,8 @@ TEST(FileNameText, EverySystemCanHoldTheName) {
         {times(200, "я"), times(121, "я"), times(200, "я"), 4},
         {times(200, "😀"), times(60, "😀"), times(121, "😀"), 4},
         {times(245, "a") + ". b", times(245, "a")},
+        // What cutting brings to light is cleaned as well.
+        {"con" + times(300, " ") + "x", "con_"}, {"a\\" + times(300, ".") + "x\\..", "a"},
         {"nul." + times(300, "a"), "nul_." + times(242, "a")},
     };
     // clang-format on

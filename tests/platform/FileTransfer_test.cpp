@@ -34,7 +34,7 @@ const std::vector<Operation> operations = {
     {"copy", text, "-", text, text, copy},
     {"copy of nothing", "", "-", "", "", copy},
     {"copy onto a file", text, other, text, other, copy, Transfer::Exists},
-    {"copy without a source", "-", "-", "-", "-", copy, Transfer::Failed},
+    {"copy without a source", "-", "-", "-", "-", copy, Transfer::NotRead},
     {"move to another disk", text, "-", "-", text, move},
     {"move onto a file", text, other, text, other, move, Transfer::Exists},
     {"write", "-", "-", "-", text, write},
