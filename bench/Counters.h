@@ -32,6 +32,35 @@ struct Counters {
 
 inline std::uint64_t allocationCount = 0;
 
+/// The most heap in use at once while one of these lives, beyond what was in use before.
+class PeakWatch {
+ public:
+    PeakWatch() { watch_ = this; }
+    ~PeakWatch() { watch_ = nullptr; }
+    PeakWatch(const PeakWatch&) = delete;
+    PeakWatch& operator=(const PeakWatch&) = delete;
+
+    [[nodiscard]] std::uint64_t bytes() const { return static_cast<std::uint64_t>(peak_); }
+
+    static void took(void* memory) {
+        if (watch_ == nullptr) return;
+        watch_->held_ += sizeOf(memory);
+        watch_->peak_ = std::max(watch_->peak_, watch_->held_);
+    }
+    static void gives(void* memory) {
+        if (watch_ != nullptr && memory != nullptr) watch_->held_ -= sizeOf(memory);
+    }
+
+ private:
+    // With the word that the system keeps in front.
+    static std::int64_t sizeOf(void* memory) {
+        return static_cast<std::int64_t>(::malloc_usable_size(memory) + sizeof(std::size_t));
+    }
+
+    static inline PeakWatch* watch_ = nullptr;
+    std::int64_t held_ = 0, peak_ = 0;
+};
+
 inline Counters counters() {
     Counters now;
     std::ifstream io("/proc/self/io");
@@ -59,14 +88,19 @@ inline std::vector<std::string> mp3FilesBelow(const std::string& folder) {
 
 }  // namespace tavlo
 
-void* operator new(std::size_t size) {
+// Not inlined: the compiler must not see that they end in the C library.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     ++tavlo::allocationCount;
-    if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
-    throw std::bad_alloc();
+    void* const memory = std::malloc(size != 0 ? size : 1);
+    if (memory == nullptr) throw std::bad_alloc();
+    tavlo::PeakWatch::took(memory);
+    return memory;
 }
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    tavlo::PeakWatch::gives(memory);
     std::free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    tavlo::PeakWatch::gives(memory);
     std::free(memory);
 }

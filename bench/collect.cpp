@@ -4,19 +4,10 @@
 #include <cstdio>
 
 #include "bench/Counters.h"
+#include "bench/Quiet.h"
 #include "collection/cFilesCollection.h"
 
 using namespace tavlo;
-
-namespace {
-class NoProgress : public Progress {
- public:
-    void setRange(std::size_t) override {}
-    void step() override {}
-    void report(std::string_view) override {}
-    void pumpMessages() override {}
-};
-}  // namespace
 
 int main(int argc, char** argv) {
     if (argc < 2) return 2;

@@ -5,7 +5,8 @@ FOLDER/music gets 10,000 MP3 files with every kind of tag around the audio of sa
 twelve with a picture of 200 KB, up to 4 KB of padding, eight texts of another program in a quarter
 of the ID3v2 tags. FOLDER/empty gets 200,000 empty files in 2,000 folders. FOLDER/room and
 FOLDER/tight get 1,000 files each of some 200 KB with an ID3v2.3 tag in UTF-16 alone, with 1 KB of
-padding and with none.
+padding and with none. FOLDER/rename gets 2,000 files like those of FOLDER/music in one folder, all
+with tags and each with a title of its own.
 """
 
 import io
@@ -83,8 +84,9 @@ def v1(values):
         values["TIT2"], values["TPE1"], values["TALB"], "2001", values["comment"])), 7, 17)
 
 
-def dressed(kind, audio, rng):
+def dressed(kind, audio, rng, mark=""):
     values = texts(rng, LATIN if kind == "latin1" or rng.random() < 0.6 else CYRILLIC)
+    values["TIT2"] = mark + values["TIT2"]
     utf16 = id3v2(rng, 3, id3.Encoding.UTF16, values) if kind in ("v23 v1", "utf16", "lyrics") \
         else b""
     if kind == "v22":
@@ -122,6 +124,16 @@ def make_music(folder, count=10000):
         (album / f"{number % 100:02d} - {deck[number % 100]}.mp3").write_bytes(data)
 
 
+def make_renaming(folder, count=2000):
+    rng = random.Random(3)
+    sounds = list(bare_audio())
+    deck = [kind for kind, share in KINDS.items() for _ in range(share) if kind != "none"]
+    folder.mkdir(parents=True)
+    for number in range(count):
+        data = dressed(deck[number % len(deck)], rng.choice(sounds), rng, f"{number} ")
+        (folder / f"track{number:04d}.mp3").write_bytes(data)
+
+
 def make_writing(folder, padding, count=1000, size=200000):
     rng = random.Random(2)
     sound = max(bare_audio(), key=len)
@@ -146,3 +158,4 @@ if __name__ == "__main__":
     make_empty(Path(sys.argv[1]) / "empty")
     make_writing(Path(sys.argv[1]) / "room", 1024)
     make_writing(Path(sys.argv[1]) / "tight", 0)
+    make_renaming(Path(sys.argv[1]) / "rename")

@@ -14,11 +14,12 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "bench/Copies.h"
 #include "bench/Counters.h"
+#include "bench/Quiet.h"
 #include "bench/Rounds.h"
 #include "platform/File.h"
 #include "tags/UpdateTags.h"
-#include "tests/support/TestProgress.h"
 
 using namespace tavlo;
 
@@ -87,17 +88,12 @@ bool writeWithTagLib(const std::string& path) {
     return file.save(File::ID3v2, File::StripNone, TagLib::ID3v2::v3, File::DoNotDuplicate);
 }
 
-class NoSink : public TextSink {
- public:
-    bool write(std::string_view) override { return true; }
-};
-
 bool writeTitle(const std::string& path, const std::string& title) {
     static const CodePage ansi(1252);
     static const Texts texts;
     static NoSink sink;
     static ErrorReport errors(texts, sink);
-    static test::TestProgress progress;
+    static NoProgress progress;
     TagSettings settings;
     settings.id3v1 = false;
     settings.id3v2Unicode = true;
@@ -118,14 +114,6 @@ using Writer = bool (*)(const std::string&);
 
 bool writeAll(const std::vector<std::string>& paths, Writer write) {
     return std::all_of(paths.begin(), paths.end(), write);
-}
-
-bool copyFresh(const std::string& from, const std::string& to) {
-    std::error_code error;
-    std::filesystem::remove_all(to, error);
-    std::filesystem::copy(from, to, error);
-    ::sync();
-    return !error;
 }
 
 std::string bytesBehindTag(const std::string& path) {
