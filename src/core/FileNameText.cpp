@@ -14,8 +14,9 @@ constexpr std::size_t longestName = 255;  // bytes, or on Windows units of UTF-1
 constexpr std::size_t counterRoom = 8;    // for " (123)" behind a name that is taken
 
 bool isForbidden(char32_t point) {
-    const bool isControl = point < 0x20 || (point >= 0x7F && point < 0xA0);
-    return isControl || std::u32string_view(U"<>:\"/|?*").find(point) != std::u32string_view::npos;
+    if (point >= 0x7F) return point < 0xA0;
+    constexpr std::string_view marks = "<>:\"/|?*";
+    return point < 0x20 || marks.find(static_cast<char>(point)) != std::string_view::npos;
 }
 
 // Names that mean a device whatever the extension.
@@ -55,6 +56,7 @@ std::string_view trimmedLevel(std::string_view level) {
 
 // As many whole characters as fit; Windows counts units of UTF-16.
 std::string_view cutTo(std::string_view name, std::size_t most, PathStyle style) {
+    if (name.size() <= most) return name;  // no character has more units than bytes
     std::size_t size = 0;
     std::size_t bytes = 0;
     while (bytes < name.size()) {

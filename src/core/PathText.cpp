@@ -6,10 +6,6 @@
 namespace tavlo {
 
 namespace {
-std::size_t lastSeparator(std::string_view path, PathStyle style) {
-    return path.find_last_of(style == PathStyle::Windows ? "\\/" : "/");
-}
-
 // Where the extension's dot stands in a name, or npos.
 std::size_t extensionDot(std::string_view name) {
     const std::size_t dot = name.rfind('.');
@@ -34,6 +30,12 @@ char separatorOf(PathStyle style) {
 
 bool isSeparator(char c, PathStyle style) {
     return c == '/' || (c == '\\' && style == PathStyle::Windows);
+}
+
+std::size_t lastSeparator(std::string_view path, PathStyle style) {
+    std::size_t at = path.size();
+    while (at > 0 && !isSeparator(path[at - 1], style)) --at;
+    return at - 1;
 }
 
 std::string_view folderOf(std::string_view path, PathStyle style) {

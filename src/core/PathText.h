@@ -14,6 +14,7 @@ PathStyle nativePathStyle();
 
 char separatorOf(PathStyle style);
 bool isSeparator(char c, PathStyle style);
+std::size_t lastSeparator(std::string_view path, PathStyle style);  ///< npos where there is none
 
 /// The parts of "folder/name.ext"; each is a piece of `path` and may be empty. A name that only
 /// begins with a dot has no extension.

@@ -1,7 +1,9 @@
 #include "core/TextCase.h"
 
+#include <algorithm>
 #include <array>
 
+#include "platform/PlainText.h"
 #include "platform/Utf8.h"
 
 namespace tavlo {
@@ -40,13 +42,18 @@ struct Folded {
     std::size_t length;
 };
 
-// The first letter in lower case; a byte that is no text as a value of its own beyond all letters.
-Folded firstFolded(std::string_view text) {
-    const auto byte = static_cast<unsigned char>(text[0]);
-    if (byte < 0x80) return {byte >= 'A' && byte <= 'Z' ? byte + 32U : byte, 1};
+// A byte that is no text is a value of its own beyond all letters.
+Folded firstFoldedBeyondAscii(std::string_view text) {
     const CodePoint next = firstCodePoint(text);
-    if (!next.valid) return {0x110000U + byte, 1};
+    if (!next.valid) return {0x110000U + static_cast<unsigned char>(text[0]), 1};
     return {lowerCase(next.value), next.length};
+}
+
+// The first letter in lower case.
+inline Folded firstFolded(std::string_view text) {
+    const auto byte = static_cast<unsigned char>(text[0]);
+    if (byte >= 0x80) return firstFoldedBeyondAscii(text);
+    return {byte >= 'A' && byte <= 'Z' ? byte + 32U : byte, 1};
 }
 
 template <typename Convert>
@@ -85,7 +92,22 @@ std::strong_ordering compareNumbers(std::string_view& a, std::string_view& b) {
     return first.compare(second) <=> 0;
 }
 
+// How many bytes two texts begin with in common, short of a letter or number that is cut there.
+std::size_t commonFront(std::string_view a, std::string_view b) {
+    const auto differ = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    auto front = static_cast<std::size_t>(differ.first - a.begin());
+    const auto cutsLetter = [&](std::string_view text) {
+        return front < text.size() && isUtf8Continuation(text[front]);
+    };
+    while (front > 0 && (cutsLetter(a) || cutsLetter(b))) --front;
+    while (front > 0 && startsWithDigit(a.substr(front - 1))) --front;
+    return front;
+}
+
 std::strong_ordering compareFolded(std::string_view a, std::string_view b) {
+    const std::size_t front = commonFront(a, b);
+    a.remove_prefix(front);
+    b.remove_prefix(front);
     while (!a.empty() && !b.empty()) {
         if (startsWithDigit(a) && startsWithDigit(b)) {
             if (const auto order = compareNumbers(a, b); std::is_neq(order)) return order;
@@ -102,6 +124,7 @@ std::strong_ordering compareFolded(std::string_view a, std::string_view b) {
 }  // namespace
 
 char32_t lowerCase(char32_t point) {
+    if (point < 0x80) return point >= 'A' && point <= 'Z' ? point + 32 : point;
     constexpr char32_t firstSmallCyrillic = 0x430;
     constexpr char32_t lastSmallCyrillic = 0x45F;
     if (point >= firstSmallCyrillic && point <= lastSmallCyrillic) return point;  // mostly so

@@ -25,6 +25,7 @@ TagLayout readTags(File& file, ID3tag& record, const ReadContext& context) {
 
 void readMp3(File& file, ID3tag& record, const ReadContext& context) {
     const TagLayout layout = readTags(file, record, context);
+    if (context.depth == ReadDepth::Tags) return;
     std::uint64_t audioEnd = file.size();
     for (const auto& tag : {layout.id3v1, layout.lyrics, layout.ape}) {
         if (tag) audioEnd = std::min(audioEnd, tag->begin);
@@ -42,6 +43,7 @@ ID3tag ReadAudioFile(const std::string& path, const ReadContext& context) {
     if (!record.OK) return record;
     record.Path = path;
     record.Length = file.size();
+    record.Modified = file.modified();
     record.ReadOnly = file.isReadOnly();
     record.AllowEdits = !record.ReadOnly && HasEditableTags(path);
     record.Lossless = (type & FileType::Lossless) != 0;

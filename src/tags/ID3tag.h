@@ -107,10 +107,11 @@ class ID3tag {
     int TracksCount = 0, DiskNumber = 0, DisksCount = 0, BPM = 0;  ///< 0 = none
     bool IsPartOfCompilation = false;
 
-    std::uint64_t Length = 0;  ///< file size in bytes
-    std::int32_t Seconds = 0;  ///< playing time, rounded down
-    int Bitrate = 0;           ///< kbit/s; an average where VBR
-    int SampleRate = 0;        ///< Hz
+    std::uint64_t Length = 0;   ///< file size in bytes
+    std::int64_t Modified = 0;  ///< time of the file's last change, as `FileStatus` has it
+    std::int32_t Seconds = 0;   ///< playing time, rounded down
+    int Bitrate = 0;            ///< kbit/s; an average where VBR
+    int SampleRate = 0;         ///< Hz
     int Channels = 0;
     int ChannelMode = 0;  ///< 0 stereo, 1 joint stereo, 2 dual channel, 3 single channel
     int BitsPerSample = 0;

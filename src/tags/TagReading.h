@@ -8,6 +8,7 @@ namespace tavlo {
 
 /// How much of a tag is brought into memory.
 enum class ReadDepth {
+    Tags,  ///< as for a list, but nothing of the stream
     List,  ///< what a list shows: pictures are only noted, unknown frames and items passed over
     Full   ///< everything, so that a writer can put it back
 };
