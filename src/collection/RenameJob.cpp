@@ -128,11 +128,6 @@ class RenameReport {
     std::size_t renamed_ = 0, unchanged_ = 0, skipped_ = 0;
 };
 
-JournalRow rowOf(const RenameStep& step) {
-    const auto info = fileInfo(step.from);
-    return {info ? info->size : 0, info ? info->modified : 0, step.from, step.to};
-}
-
 // The folders that have to be made for the new names, inner ones first.
 std::vector<std::string> newFolders(const RenamePlan& plan) {
     std::set<std::string, std::greater<>> missing;
@@ -155,7 +150,7 @@ void performNoted(Services& services, cFilesRename& renamer, RenamePlan& plan,
     RenameJournal journal(journalFolder());
     JournalBatch batch;
     for (const RenameStep& step : plan) {
-        if (step.moves()) batch.rows.push_back(rowOf(step));
+        if (step.moves()) batch.rows.push_back({step.size, step.modified, step.from, step.to});
     }
     if (batch.rows.empty()) return renamer.moveFiles(plan);
     batch.newFolders = newFolders(plan);

@@ -25,6 +25,9 @@ constexpr std::array<std::pair<char, char>, 4> escapes{
     {{'\\', '\\'}, {'\t', 't'}, {'\n', 'n'}, {'\r', 'r'}}};
 
 std::string escaped(std::string_view text) {
+    // Nearly every text is plain.
+    const auto isPlain = [](char c) { return c != '\\' && static_cast<unsigned char>(c) >= ' '; };
+    if (std::ranges::all_of(text, isPlain)) return std::string(text);
     std::string out;
     for (const char c : text) {
         const auto* row = std::ranges::find(escapes, c, &std::pair<char, char>::first);

@@ -1,17 +1,17 @@
 #include "collection/RenamePlan.h"
 
-#include "core/TextCase.h"
-
 namespace tavlo {
 
-std::uint32_t& TakenNames::countOf(std::string_view path) {
-    const std::string_view folder = folderOf(path, style_);
+// Most files of a batch lie in the folder of the one before.
+TakenNames::Names& TakenNames::namesIn(std::string_view folder) {
+    if (lastNames_ != nullptr && folder == lastFolder_) return *lastNames_;
     const auto [found, isNew] = folders_.try_emplace(hashNoCase(folder));
-    auto& names = found->second;
+    lastFolder_ = folder;
+    lastNames_ = &found->second;
     if (isNew) {
-        for (const std::string& name : list_(std::string(folder))) ++names[hashNoCase(name)];
+        for (const std::string& name : list_(lastFolder_)) ++(*lastNames_)[hashNoCase(name)];
     }
-    return names[hashNoCase(fileNameOf(path, style_))];
+    return *lastNames_;
 }
 
 bool TakenNames::isTaken(std::string_view path) {
@@ -23,20 +23,29 @@ void TakenNames::remove(std::string_view path) {
     if (count > 0) --count;
 }
 
-std::string freePath(const std::string& wanted, PathStyle style,
-                     const std::function<bool(std::string_view path)>& isFree) {
+namespace {
+using NameTest = std::function<bool(std::string_view path)>;
+
+// `tried` is the last number that is known to be taken.
+std::string numberedPath(const std::string& wanted, PathStyle style, const NameTest& isFree,
+                         int& tried) {
     constexpr int mostTries = 10000;
-    if (isFree(wanted)) return wanted;
     const std::string_view extension = extensionOf(wanted, style);
     const std::size_t endSize = extension.empty() ? 0 : extension.size() + 1;
     const std::string front = wanted.substr(0, wanted.size() - endSize) + " (";
     const std::string end = ")" + wanted.substr(wanted.size() - endSize);
-    for (int counter = 1; counter <= mostTries; ++counter) {
+    while (tried < mostTries) {
         std::string path = front;
-        path.append(std::to_string(counter)).append(end);
+        path.append(std::to_string(++tried)).append(end);
         if (isFree(path)) return path;
     }
     return {};
+}
+}  // namespace
+
+std::string freePath(const std::string& wanted, PathStyle style, const NameTest& isFree) {
+    int tried = 0;
+    return isFree(wanted) ? wanted : numberedPath(wanted, style, isFree, tried);
 }
 
 void settleNames(RenamePlan& plan, TakenNames& taken, PathStyle style) {
@@ -44,9 +53,13 @@ void settleNames(RenamePlan& plan, TakenNames& taken, PathStyle style) {
     for (const RenameStep& step : plan) {
         if (step.moves()) taken.remove(step.from);
     }
+    // From here on names are only taken, so that no number has to be tried twice.
+    std::unordered_map<std::uint64_t, int> tried;
     for (RenameStep& step : plan) {
         if (!step.moves()) continue;
-        std::string settled = freePath(step.to, style, isFree);
+        std::string settled =
+            isFree(step.to) ? step.to
+                            : numberedPath(step.to, style, isFree, tried[hashNoCase(step.to)]);
         step.isNumbered = settled != step.to;
         if (settled.empty()) {
             step.result = RenameResult::NotCreated;

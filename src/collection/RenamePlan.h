@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/PathText.h"
+#include "core/TextCase.h"
 
 namespace tavlo {
 
@@ -24,8 +25,10 @@ struct RenameStep {
     std::string from;  ///< full path
     std::string to;    ///< full path; the same as `from` where nothing changes
     RenameResult result = RenameResult::Done;
-    bool isNumbered = false;  ///< the name that it should have is another file's
-    bool isMoved = false;     ///< it bears its new name now
+    bool isNumbered = false;    ///< the name that it should have is another file's
+    bool isMoved = false;       ///< it bears its new name now
+    std::uint64_t size = 0;     ///< bytes, when it was read for its name
+    std::int64_t modified = 0;  ///< the same of the time of its last change
 
     [[nodiscard]] bool moves() const { return result == RenameResult::Done && to != from; }
 };
@@ -37,17 +40,26 @@ class TakenNames {
  public:
     using Lister = std::function<std::vector<std::string>(const std::string& folder)>;
     TakenNames(PathStyle style, Lister list) : style_(style), list_(std::move(list)) {}
+    TakenNames(const TakenNames&) = delete;
+    TakenNames& operator=(const TakenNames&) = delete;
 
     [[nodiscard]] bool isTaken(std::string_view path);
     void add(std::string_view path) { ++countOf(path); }
     void remove(std::string_view path);
 
  private:
-    std::uint32_t& countOf(std::string_view path);
+    using Names = std::unordered_map<std::uint64_t, std::uint32_t>;
+
+    Names& namesIn(std::string_view folder);
+    std::uint32_t& countOf(std::string_view path) {
+        return namesIn(folderOf(path, style_))[hashNoCase(fileNameOf(path, style_))];
+    }
 
     PathStyle style_;
     Lister list_;
-    std::unordered_map<std::uint64_t, std::unordered_map<std::uint64_t, std::uint32_t>> folders_;
+    std::unordered_map<std::uint64_t, Names> folders_;
+    std::string lastFolder_;
+    Names* lastNames_ = nullptr;  // the names in `lastFolder_`
 };
 
 /// The path itself where it is free, else the first of "name (1).ext", "name (2).ext" ... that is;

@@ -123,20 +123,19 @@ void ReverseTemplate::CompileReverseTemplate(std::string_view nameTemplate) {
 }
 
 bool ReverseTemplate::RetrieveTags(std::string_view path, PathStyle style, ID3tag& record) const {
-    return readPath(withoutDrive(path, style), style == PathStyle::Windows ? "\\/" : "/", record);
+    return readPath(withoutDrive(path, style), style, record);
 }
 
 bool ReverseTemplate::retrieveFromText(std::string_view text, ID3tag& record) const {
-    return readPath(text, "\\/", record);
+    return readPath(text, PathStyle::Windows, record);
 }
 
 // From the name upwards, as far as both the template and the path have levels.
-bool ReverseTemplate::readPath(std::string_view path, std::string_view separators,
-                               ID3tag& record) const {
+bool ReverseTemplate::readPath(std::string_view path, PathStyle style, ID3tag& record) const {
     std::size_t last = tokens_.size();
     bool any = false;
     for (bool isName = true;; isName = false) {
-        const std::size_t above = path.find_last_of(separators);
+        const std::size_t above = lastSeparator(path, style);
         const std::string_view level = path.substr(above + 1);  // npos + 1 is the whole path
         std::size_t first = last;
         while (first > 0 && tokens_[first - 1].text != border) --first;

@@ -39,7 +39,7 @@ class ReverseTemplate {
     bool retrieveFromText(std::string_view text, ID3tag& record) const;
 
  private:
-    bool readPath(std::string_view path, std::string_view separators, ID3tag& record) const;
+    bool readPath(std::string_view path, PathStyle style, ID3tag& record) const;
     bool readLevel(std::string_view text, std::size_t first, std::size_t last,
                    ID3tag& record) const;
 

@@ -51,6 +51,8 @@ std::string cFilesRename::GetNameByTemplate(const ID3tag& record, std::size_t ex
 RenameStep cFilesRename::wantedName(const ID3tag& record, const std::string& path,
                                     const std::string& folder) const {
     RenameStep step{path, path, RenameResult::Skipped};
+    step.size = record.Length;
+    step.modified = record.Modified;
     if (record.Path.empty() || (record.GetArtist().empty() && record.GetTitle().empty())) {
         return step;
     }
@@ -66,13 +68,15 @@ RenameStep cFilesRename::wantedName(const ID3tag& record, const std::string& pat
 RenamePlan cFilesRename::plan(std::span<const std::string> paths, const std::string& targetFolder) {
     ApplyFormat();
     const bool hasTarget = !targetFolder.empty() && folderExists(targetFolder);
+    const bool asksForBitrate = Template.find("%B") != std::string::npos;
+    const ReadContext reading{context_.ansi, asksForBitrate ? ReadDepth::List : ReadDepth::Tags};
     RenamePlan plan;
     plan.reserve(paths.size());
     context_.progress.setRange(paths.size());
     for (const std::string& path : paths) {
         const std::string own(folderOf(path, nativePathStyle()));
         plan.push_back(
-            wantedName(ReadAudioFile(path, {context_.ansi}), path, hasTarget ? targetFolder : own));
+            wantedName(ReadAudioFile(path, reading), path, hasTarget ? targetFolder : own));
         context_.progress.step();
         context_.progress.pumpMessages();
         if (isCancelled()) return {};
