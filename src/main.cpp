@@ -6,6 +6,7 @@
 #include "collection/ListJob.h"
 #include "collection/PlaylistJob.h"
 #include "collection/RenameJob.h"
+#include "collection/UndoJob.h"
 #include "core/ConsoleProgress.h"
 #include "core/ConsoleSink.h"
 #include "core/StartUp.h"

@@ -79,7 +79,11 @@ bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection
 }
 
 bool isUnderstood(Services& services) {
-    if (services.options.ignored.empty()) return true;
+    const JobOptions& options = services.options;
+    for (const std::string& word : options.valueless) {
+        services.errors.report(Text::ValueMissing, word);
+    }
+    if (options.ignored.empty() && options.valueless.empty()) return true;
     services.errors.report(Text::NothingDone);
     return false;
 }

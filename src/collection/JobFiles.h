@@ -22,7 +22,7 @@ bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection
 /// option is not known or any of what was named is missing, for then something else was meant.
 bool gatherFilesToChange(Services& services, const JobFiles& wanted, cFilesCollection& files);
 
-/// Whether every option was understood; otherwise the word that nothing was done.
+/// Whether every option was understood and has its value; otherwise the word that nothing was done.
 bool isUnderstood(Services& services);
 
 /// The paths that the command line names; without one the settings' or the current folder.

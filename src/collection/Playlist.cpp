@@ -5,6 +5,7 @@
 #include "core/TextCase.h"
 #include "platform/File.h"
 #include "platform/PlainText.h"
+#include "platform/Utf8.h"
 
 namespace tavlo {
 
@@ -25,6 +26,10 @@ std::string nativeEntry(std::string_view entry, PathStyle style) {
         if (!doubled) native += next;
     }
     return native;
+}
+
+bool hasBeyondAscii(std::string_view bytes) {
+    return std::ranges::any_of(bytes, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 
 std::string_view withoutBlanksBehind(std::string_view entry) {
@@ -86,11 +91,12 @@ std::string newEntry(std::string_view entry, std::string_view path, std::string_
     return plainEntry(std::move(text), style);
 }
 
-// The list without a mark, which tells that it is UTF-8.
+// The list without a mark. One without it is UTF-8 as well where it could be: by chance, text of a
+// code page hardly ever is.
 std::string_view withoutMark(std::string_view bytes, bool& isUtf8) {
-    if (!bytes.starts_with(utf8Mark)) return bytes;
-    isUtf8 = true;
-    return bytes.substr(utf8Mark.size());
+    const bool hasMark = bytes.starts_with(utf8Mark);
+    isUtf8 = isUtf8 || hasMark || (hasBeyondAscii(bytes) && isValidUtf8(bytes));
+    return bytes.substr(hasMark ? utf8Mark.size() : 0);
 }
 }  // namespace
 

@@ -17,7 +17,8 @@ inline constexpr std::uint64_t largestPlaylist = 64U << 20U;  ///< bytes; a larg
 /// What the entries of a list mean beyond their bytes.
 struct PlaylistPlace {
     std::string_view folder;  ///< where relative entries start from
-    bool isUtf8 = false;      ///< also without a mark; otherwise the code page's text
+    bool isUtf8 = false;      ///< in any case; otherwise with a mark or where all of it is valid,
+                              ///< else it is the code page's text
     PathStyle style = nativePathStyle();
 };
 /// Of a list on the disk; ".m3u8" is UTF-8.

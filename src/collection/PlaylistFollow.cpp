@@ -14,53 +14,56 @@
 namespace tavlo {
 
 namespace {
-// Two paths with one key name one file.
-std::string keyOf(std::string_view path) {
-    return nativePathStyle() == PathStyle::Windows ? lowerCase(path) : std::string(path);
-}
-
-class NewPaths {
+// Two paths with one key name one file, links to folders looked through.
+class PathKeys {
  public:
-    explicit NewPaths(const RenamePlan& done) {
-        for (const RenameStep& step : done) {
-            if (step.isMoved) paths_.emplace(keyOf(step.from), step.to);
-        }
-    }
-    [[nodiscard]] std::optional<std::string> applied(std::string_view list, std::string_view path,
-                                                     const CodePage& ansi) const {
-        return rewrittenPlaylist(list, playlistPlace(path), ansi, [&](const std::string& file) {
-            const auto found = paths_.find(keyOf(file));
-            return found == paths_.end() ? std::string() : std::string(found->second);
-        });
+    [[nodiscard]] std::string of(std::string_view path) {
+        const std::string folder(folderOf(path, nativePathStyle()));
+        const auto [found, isNew] = folders_.try_emplace(folder);
+        if (isNew) found->second = canonicalPath(folder);
+        const std::string_view known = found->second.empty() ? folder : found->second;
+        std::string key = joinPath(known, fileNameOf(path, nativePathStyle()), nativePathStyle());
+        return nativePathStyle() == PathStyle::Windows ? lowerCase(key) : key;
     }
 
  private:
-    std::unordered_map<std::string, std::string_view> paths_;
+    std::unordered_map<std::string, std::string> folders_;  // empty: there is none
 };
 
-using Folders = std::set<std::string, std::less<>>;
-
-Folders touchedFolders(const RenamePlan& plan) {
-    Folders folders;
-    for (const RenameStep& step : plan) {
-        if (step.to == step.from) continue;
-        for (const std::string& path : {step.from, step.to}) {
-            const std::string_view folder = folderOf(path, nativePathStyle());
-            if (!folders.contains(folder)) folders.emplace(folder);
+class RowsByPath {
+ public:
+    // The rows for which `counts` holds.
+    template <typename Counts>
+    RowsByPath(const RenamePlan& plan, Counts counts) {
+        for (std::size_t i = 0; i < plan.size(); ++i) {
+            if (counts(plan[i])) rows_.emplace(keys_.of(plan[i].from), i);
         }
     }
-    return folders;
+    [[nodiscard]] std::optional<std::size_t> find(const std::string& path) {
+        const auto found = rows_.find(keys_.of(path));
+        return found == rows_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+ private:
+    PathKeys keys_;
+    std::unordered_map<std::string, std::size_t> rows_;
+};
+
+bool isMoved(const RenameStep& step) {
+    return step.isMoved;
 }
 
-// The innermost folder that all lie in; empty where there is none.
-std::string commonFolder(const Folders& folders) {
-    std::string_view common = folders.empty() ? std::string_view() : *folders.begin();
-    for (const std::string& folder : folders) {
-        while (!common.empty() && !liesIn(folder, common, nativePathStyle())) {
-            common = parentOf(common, nativePathStyle());
-        }
-    }
-    return std::string(common);
+std::optional<std::string> applied(std::string_view list, std::string_view path,
+                                   const RenamePlan& done, RowsByPath& rows, const CodePage& ansi) {
+    return rewrittenPlaylist(list, playlistPlace(path), ansi, [&](const std::string& file) {
+        const auto row = rows.find(file);
+        return row ? done[*row].to : std::string();
+    });
+}
+
+void sortOut(std::vector<std::string>& lists) {
+    std::sort(lists.begin(), lists.end());
+    lists.erase(std::unique(lists.begin(), lists.end()), lists.end());
 }
 }  // namespace
 
@@ -84,19 +87,19 @@ std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders)
 }
 
 std::vector<std::string> playlistsAround(const RenamePlan& plan) {
-    const Folders touched = touchedFolders(plan);
-    const std::string common = commonFolder(touched);
-    const std::string_view end = parentOf(common, nativePathStyle());
-    Folders all(touched.begin(), touched.end());
-    for (std::string_view folder : touched) {
-        while (folder.size() > end.size()) {
-            folder = parentOf(folder, nativePathStyle());
-            // Without a common folder, one above each is far enough.
-            if (folder.empty() || !all.emplace(folder).second || common.empty()) break;
+    std::set<std::string, std::less<>> folders;
+    for (const RenameStep& step : plan) {
+        if (step.to == step.from) continue;
+        for (const std::string& path : {step.from, step.to}) {
+            std::string_view folder = folderOf(path, nativePathStyle());
+            while (!folder.empty() && !folders.contains(folder)) {
+                folders.emplace(folder);
+                folder = parentOf(folder, nativePathStyle());
+            }
         }
     }
     std::vector<std::string> lists;
-    for (const std::string& folder : all) {
+    for (const std::string& folder : folders) {
         std::ranges::move(playlistsIn(folder, false), std::back_inserter(lists));
     }
     return lists;
@@ -104,43 +107,62 @@ std::vector<std::string> playlistsAround(const RenamePlan& plan) {
 
 std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi) {
     std::vector<std::string> paths;
+    PathKeys keys;
     std::set<std::string> seen;
     for (const std::string& list : lists) {
         for (PlaylistEntry& entry : readPlaylistEntries(list, ansi).value_or(PlaylistEntries())) {
             const bool isAudio = (GetFileType(entry.path) & FileType::Audio) != 0;
             if (entry.isAbsolute || !isAudio || !fileInfo(entry.path)) continue;
-            if (seen.insert(keyOf(entry.path)).second) paths.push_back(std::move(entry.path));
+            if (seen.insert(keys.of(entry.path)).second) paths.push_back(std::move(entry.path));
         }
     }
     return paths;
 }
 
-std::optional<std::string> followed(std::string_view before, std::string_view path,
-                                    const RenamePlan& done, const CodePage& ansi) {
-    return NewPaths(done).applied(before, path, ansi);
+HeldRows rowsThatListsHold(std::vector<std::string> lists, const RenamePlan& plan,
+                           const CodePage& ansi) {
+    sortOut(lists);
+    RowsByPath rows(plan, [](const RenameStep& step) { return step.moves(); });
+    HeldRows held;
+    for (const std::string& list : lists) {
+        if (canBeReplaced(list)) continue;
+        const auto entries = readPlaylistEntries(list, ansi);
+        if (!entries) held.unread.push_back(list);
+        for (const PlaylistEntry& entry : entries.value_or(PlaylistEntries())) {
+            if (const auto row = rows.find(entry.path)) held.rows.push_back(*row);
+        }
+    }
+    return held;
+}
+
+std::string followed(std::string_view before, std::string_view path, const RenamePlan& done,
+                     const CodePage& ansi) {
+    RowsByPath rows(done, isMoved);
+    return applied(before, path, done, rows, ansi).value_or(std::string(before));
 }
 
 std::vector<ListChange> listChanges(std::vector<std::string> lists, const RenamePlan& done,
                                     const CodePage& ansi) {
-    std::sort(lists.begin(), lists.end());
-    lists.erase(std::unique(lists.begin(), lists.end()), lists.end());
-    const NewPaths newPaths(done);
+    sortOut(lists);
+    RowsByPath rows(done, isMoved);
     std::vector<ListChange> changes;
     for (const std::string& list : lists) {
         auto before = readFile(list, largestPlaylist);
         if (!before) continue;
-        auto after = newPaths.applied(*before, list, ansi);
+        auto after = applied(*before, list, done, rows, ansi);
         if (after) changes.push_back({list, std::move(*before), std::move(*after)});
     }
     return changes;
 }
 
-void writeLists(std::span<const ListChange> changes, ErrorReport& errors, FileCalls& calls) {
+bool writeLists(std::span<const ListChange> changes, ErrorReport& errors, FileCalls& calls) {
+    bool all = true;
     for (const ListChange& change : changes) {
-        if (!replaceFile(change.path, change.after, calls)) {
-            errors.report(Text::FileNotWritten, change.path);
-        }
+        if (replaceFile(change.path, change.after, calls)) continue;
+        errors.report(Text::FileNotWritten, change.path);
+        all = false;
     }
+    return all;
 }
 
 }  // namespace tavlo

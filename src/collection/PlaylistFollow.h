@@ -17,16 +17,15 @@ namespace tavlo {
 std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders);
 
 /// The playlists that may name a file of a batch: those in the folders that its files leave or
-/// enter and in the folders above these, up to one above the folder that they all lie in.
+/// enter and in every folder above these.
 std::vector<std::string> playlistsAround(const RenamePlan& plan);
 
 /// The files that playlists name by relative entries, each once.
 std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi);
 
-/// The bytes of a list that a plan which was carried out turns `before` into; nothing where it does
-/// not touch the list.
-std::optional<std::string> followed(std::string_view before, std::string_view path,
-                                    const RenamePlan& done, const CodePage& ansi);
+/// The bytes that a plan which was carried out turns those of a list into.
+std::string followed(std::string_view before, std::string_view path, const RenamePlan& done,
+                     const CodePage& ansi);
 
 /// A playlist that has to follow renamed files.
 struct ListChange {
@@ -34,12 +33,21 @@ struct ListChange {
     std::string before, after;  ///< bytes
 };
 
+/// What playlists stand in the way of.
+struct HeldRows {
+    std::vector<std::size_t> rows;    ///< of a plan: their file's list cannot take another name
+    std::vector<std::string> unread;  ///< lists that may name any file
+};
+HeldRows rowsThatListsHold(std::vector<std::string> lists, const RenamePlan& plan,
+                           const CodePage& ansi);
+
 /// What the playlists, of which each may be given more than once, have to become by a plan that was
 /// carried out.
 std::vector<ListChange> listChanges(std::vector<std::string> lists, const RenamePlan& done,
                                     const CodePage& ansi);
 
-/// Puts each new list in its old one's place and reports those that stayed as they were.
-void writeLists(std::span<const ListChange> changes, ErrorReport& errors, FileCalls& calls);
+/// Puts each new list in its old one's place and reports those that stayed as they were; false
+/// where there is one.
+bool writeLists(std::span<const ListChange> changes, ErrorReport& errors, FileCalls& calls);
 
 }  // namespace tavlo

@@ -10,7 +10,4 @@ namespace tavlo {
 /// Result ("planned", "renamed", "unchanged", "skipped", "failed") and, on failure, Message.
 int renameFiles(Services& services);
 
-/// Takes the last batch back: those of its files that are still what they were.
-int undoRename(Services& services);
-
 }  // namespace tavlo

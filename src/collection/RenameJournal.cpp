@@ -18,7 +18,7 @@ constexpr std::uint64_t largestJournal = 1U << 30U;  // bytes
 constexpr std::size_t nameDigits = 6;
 constexpr std::string_view nameEnding = ".txt";
 constexpr std::string_view batchWord = "batch", fileWord = "file", folderWord = "folder",
-                           listWord = "list";
+                           listWord = "list", movedWord = "moved", doneWord = "done";
 
 // A name may hold what parts the fields of a line.
 constexpr std::array<std::pair<char, char>, 4> escapes{
@@ -91,7 +91,7 @@ std::string textOf(std::string_view time, const JournalBatch& batch) {
             {fileWord, std::to_string(row.size), std::to_string(row.modified), row.from, row.to});
     }
     for (const std::string& folder : batch.newFolders) text += lineOf({folderWord, folder});
-    return text + textOfLists(batch.lists);
+    return text + textOfLists(batch.lists) + (batch.isMoved ? lineOf({movedWord}) : "");
 }
 
 void readLine(const std::vector<std::string>& fields, JournalBatch& batch) {
@@ -102,6 +102,10 @@ void readLine(const std::vector<std::string>& fields, JournalBatch& batch) {
         batch.newFolders.push_back(fields[1]);
     } else if (fields[0] == listWord && fields.size() == 3) {
         batch.lists.push_back({fields[1], fields[2]});
+    } else if (fields[0] == movedWord) {
+        batch.isMoved = true;
+    } else if (fields[0] == doneWord) {
+        batch.isDone = true;
     }
 }
 }  // namespace
@@ -119,6 +123,12 @@ std::vector<std::string> RenameJournal::names() const {
     return found;
 }
 
+bool RenameJournal::lock() {
+    if (folder_.empty() || !createFolders(folder_)) return true;
+    const std::string path = joinPath(folder_, "lock", nativePathStyle());
+    return writeNewFile(path, {}) == Created::Failed || lock_.open(path, Access::ReadWrite);
+}
+
 bool RenameJournal::begin(std::string_view time, const JournalBatch& batch) {
     constexpr int mostTries = 10;  // other instances may begin at the same moment
     if (folder_.empty() || !createFolders(folder_)) return false;
@@ -134,32 +144,56 @@ bool RenameJournal::begin(std::string_view time, const JournalBatch& batch) {
         path_ = joinPath(folder_, name + std::string(nameEnding), nativePathStyle());
         written = writeFile(path_, textOf(time, batch));
     }
+    rows_ = batch.rows.size();
     return written == Transfer::Done;
 }
 
-bool RenameJournal::addLists(const std::vector<JournalList>& lists) {
-    if (lists.empty()) return true;
-    const std::string text = textOfLists(lists);
+bool RenameJournal::append(std::string_view text, bool flushed) const {
     const Bytes bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
     File file;
     return file.open(path_, Access::ReadWrite) && file.write(file.size(), bytes) &&
-           file.calls().flush(file.handle());
+           (!flushed || file.calls().flush(file.handle()));
 }
 
-JournalBatch RenameJournal::last() {
+bool RenameJournal::endMoves(std::string_view time, JournalBatch batch) {
+    if (batch.rows.empty()) return removeFile(path_);
+    batch.isMoved = true;
+    if (batch.rows.size() != rows_) return replaceFile(path_, textOf(time, batch));
+    return append(textOfLists(batch.lists) + lineOf({movedWord}), !batch.lists.empty());
+}
+
+bool RenameJournal::finish() {
+    return append(lineOf({doneWord}), false);
+}
+
+std::optional<JournalBatch> RenameJournal::last() {
     JournalBatch batch;
     const std::vector<std::string> all = names();
-    if (all.empty()) return batch;
-    path_ = joinPath(folder_, all.back(), nativePathStyle());
-    const std::string text = readFile(path_, largestJournal).value_or("");
-    // A line that was not finished tells nothing.
-    std::string_view rest = std::string_view(text).substr(0, text.rfind('\n') + 1);
-    while (!rest.empty()) readLine(fieldsOf(takeLine(rest)), batch);
+    for (std::size_t i = all.size(); i > 0 && batch.rows.empty(); --i) {
+        path_ = joinPath(folder_, all[i - 1], nativePathStyle());
+        const auto text = readFile(path_, largestJournal);
+        if (!text) return std::nullopt;
+        // A line that was not finished tells nothing.
+        std::string_view rest = std::string_view(*text).substr(0, text->rfind('\n') + 1);
+        batch = {};
+        while (!rest.empty()) readLine(fieldsOf(takeLine(rest)), batch);
+    }
     return batch;
 }
 
-bool RenameJournal::keep(std::string_view time, const JournalBatch& rest) {
-    return rest.rows.empty() ? removeFile(path_) : replaceFile(path_, textOf(time, rest));
+bool RenameJournal::drop() {
+    return removeFile(path_);
+}
+
+bool RenameJournal::isBrokenOff() const {
+    const std::vector<std::string> all = names();
+    File file;
+    if (all.empty() || !file.open(joinPath(folder_, all.back(), nativePathStyle()), Access::Read)) {
+        return false;
+    }
+    const std::string end = lineOf({doneWord});
+    const std::size_t size = std::min<std::size_t>(end.size(), file.size());
+    return !std::ranges::equal(file.view(file.size() - size, size), end);
 }
 
 }  // namespace tavlo

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/File.h"
 
 namespace tavlo {
 
@@ -24,10 +27,12 @@ struct JournalBatch {
     std::vector<JournalRow> rows;
     std::vector<std::string> newFolders;  ///< that were not there before; inner ones first
     std::vector<JournalList> lists;
+    bool isMoved = false;  ///< the moves came to their end: rows and lists are those that changed
+    bool isDone = false;   ///< and the lists were written
 };
 
 /// The renamed batches, each in a text file of its own, so that the last one can be taken back. A
-/// batch is noted before its files are moved: a row whose file never moved does no harm.
+/// batch is noted before its files are moved, and again before its playlists are written.
 class RenameJournal {
  public:
     /// Batches that are kept; older ones go.
@@ -35,24 +40,35 @@ class RenameJournal {
 
     explicit RenameJournal(std::string folder) : folder_(std::move(folder)) {}
 
+    /// Keeps other runs from renaming until this object goes; false when one is at it. Where the
+    /// journal cannot be written, nobody is kept from anything.
+    bool lock();
+
     /// Begins a batch; `time` is for people who read the file. False when it cannot be written.
     bool begin(std::string_view time, const JournalBatch& batch);
-    /// Adds playlists to the batch that was begun.
-    bool addLists(const std::vector<JournalList>& lists);
+    /// The files were moved: the batch as it is now takes its place; one without rows goes.
+    bool endMoves(std::string_view time, JournalBatch batch);
+    /// The playlists were written.
+    bool finish();
 
-    /// The last batch; empty where there is none.
-    JournalBatch last();
-    /// Leaves so much of the batch that `last` gave; one without rows goes.
-    bool keep(std::string_view time, const JournalBatch& rest);
+    /// The last batch that can be read, empty where there is none; nothing when one cannot be read.
+    std::optional<JournalBatch> last();
+    /// Takes the batch out that `last` gave.
+    bool drop();
+    /// Whether the last batch was not brought to its end.
+    bool isBrokenOff() const;
 
     /// Of the batch that was begun or given; empty before that.
     [[nodiscard]] const std::string& path() const { return path_; }
 
  private:
     [[nodiscard]] std::vector<std::string> names() const;
+    [[nodiscard]] bool append(std::string_view text, bool flushed) const;
 
     std::string folder_;
     std::string path_;
+    std::size_t rows_ = 0;  // of the batch that was begun
+    File lock_;
 };
 
 }  // namespace tavlo

@@ -2,6 +2,20 @@
 
 namespace tavlo {
 
+std::optional<RenameMessage> messageOf(const RenameStep& step) {
+    switch (step.result) {
+        case RenameResult::NotCreated:
+            return RenameMessage{step.reason,
+                                 step.reason == Text::FileNotCreated ? step.to : step.from};
+        case RenameResult::FolderNotCreated:
+            return RenameMessage{Text::FolderNotCreated, folderOf(step.to, nativePathStyle())};
+        case RenameResult::Unknown:
+            return RenameMessage{Text::UnknownError, {}};
+        default:
+            return std::nullopt;
+    }
+}
+
 // Most files of a batch lie in the folder of the one before.
 TakenNames::Names& TakenNames::namesIn(std::string_view folder) {
     if (lastNames_ != nullptr && folder == lastFolder_) return *lastNames_;
@@ -29,7 +43,7 @@ using NameTest = std::function<bool(std::string_view path)>;
 // `tried` is the last number that is known to be taken.
 std::string numberedPath(const std::string& wanted, PathStyle style, const NameTest& isFree,
                          int& tried) {
-    constexpr int mostTries = 10000;
+    constexpr int mostTries = 1'000'000;
     const std::string_view extension = extensionOf(wanted, style);
     const std::size_t endSize = extension.empty() ? 0 : extension.size() + 1;
     const std::string front = wanted.substr(0, wanted.size() - endSize) + " (";

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -9,6 +10,7 @@
 
 #include "core/PathText.h"
 #include "core/TextCase.h"
+#include "core/Texts.h"
 
 namespace tavlo {
 
@@ -25,14 +27,22 @@ struct RenameStep {
     std::string from;  ///< full path
     std::string to;    ///< full path; the same as `from` where nothing changes
     RenameResult result = RenameResult::Done;
-    bool isNumbered = false;    ///< the name that it should have is another file's
-    bool isMoved = false;       ///< it bears its new name now
-    std::uint64_t size = 0;     ///< bytes, when it was read for its name
-    std::int64_t modified = 0;  ///< the same of the time of its last change
+    Text reason = Text::FileNotCreated;  ///< why a row is skipped or not created
+    bool isNumbered = false;             ///< the name that it should have is another file's
+    bool isMoved = false;                ///< it bears its new name now
+    std::uint64_t size = 0;              ///< bytes, when it was read for its name
+    std::int64_t modified = 0;           ///< the same of the time of its last change
 
     [[nodiscard]] bool moves() const { return result == RenameResult::Done && to != from; }
 };
 using RenamePlan = std::vector<RenameStep>;
+
+/// What is told of a row that failed; nothing of any other.
+struct RenameMessage {
+    Text text;
+    std::string_view about;
+};
+std::optional<RenameMessage> messageOf(const RenameStep& step);
 
 /// The names in the folders that a batch touches, letters compared without case; a folder is listed
 /// when it is first asked for.

@@ -53,9 +53,11 @@ RenameStep cFilesRename::wantedName(const ID3tag& record, const std::string& pat
     RenameStep step{path, path, RenameResult::Skipped};
     step.size = record.Length;
     step.modified = record.Modified;
+    step.reason = record.Path.empty() ? Text::FileNotRead : Text::NoArtistOrTitle;
     if (record.Path.empty() || (record.GetArtist().empty() && record.GetTitle().empty())) {
         return step;
     }
+    step.reason = Text::FileNotCreated;
     std::string extension = lowerCase(extensionOf(path, nativePathStyle()));
     if (!extension.empty()) extension.insert(0, 1, '.');
     const std::string name = GetNameByTemplate(record, extension.size());
@@ -65,7 +67,8 @@ RenameStep cFilesRename::wantedName(const ID3tag& record, const std::string& pat
     return step;
 }
 
-RenamePlan cFilesRename::plan(std::span<const std::string> paths, const std::string& targetFolder) {
+RenamePlan cFilesRename::plan(std::span<const std::string> paths, const std::string& targetFolder,
+                              const std::vector<std::string>& lists) {
     ApplyFormat();
     const bool hasTarget = !targetFolder.empty() && folderExists(targetFolder);
     const bool asksForBitrate = Template.find("%B") != std::string::npos;
@@ -81,21 +84,52 @@ RenamePlan cFilesRename::plan(std::span<const std::string> paths, const std::str
         context_.progress.pumpMessages();
         if (isCancelled()) return {};
     }
+    refuseWhatCannotBe(plan, lists);
     TakenNames taken(nativePathStyle(), namesIn);
     settleNames(plan, taken, nativePathStyle());
     return plan;
 }
 
-std::optional<RenameMessage> messageOf(const RenameStep& step) {
-    switch (step.result) {
-        case RenameResult::NotCreated:
-            return RenameMessage{Text::FileNotCreated, step.to};
-        case RenameResult::FolderNotCreated:
-            return RenameMessage{Text::FolderNotCreated, folderOf(step.to, nativePathStyle())};
-        case RenameResult::Unknown:
-            return RenameMessage{Text::UnknownError, {}};
-        default:
-            return std::nullopt;
+// Whether a folder is there or can be made: the innermost that is there must be a folder.
+bool isFolderOrFree(std::string_view folder) {
+    for (; !folder.empty(); folder = parentOf(folder, nativePathStyle())) {
+        if (const auto info = fileInfo(std::string(folder))) return info->isFolder;
+    }
+    return true;
+}
+
+void refuseImpossibleFolders(RenamePlan& plan) {
+    std::unordered_map<std::string_view, bool> known;
+    for (RenameStep& step : plan) {
+        if (!step.moves()) continue;
+        const std::string_view folder = folderOf(step.to, nativePathStyle());
+        const auto [found, isNew] = known.try_emplace(folder, true);
+        if (isNew) found->second = isFolderOrFree(folder);
+        if (!found->second) step.result = RenameResult::FolderNotCreated;
+    }
+}
+
+// A link may lead on from where it lies.
+void refuseToMoveLinks(RenamePlan& plan) {
+    for (RenameStep& step : plan) {
+        const bool changesFolder = step.moves() && folderOf(step.from, nativePathStyle()) !=
+                                                       folderOf(step.to, nativePathStyle());
+        if (!changesFolder || withoutLinks(step.from) == step.from) continue;
+        step.result = RenameResult::NotCreated;
+        step.reason = Text::LinkStays;
+    }
+}
+
+void cFilesRename::refuseWhatCannotBe(RenamePlan& plan, const std::vector<std::string>& lists) {
+    refuseImpossibleFolders(plan);
+    refuseToMoveLinks(plan);
+    std::vector<std::string> all = playlistsAround(plan);
+    all.insert(all.end(), lists.begin(), lists.end());
+    const HeldRows held = rowsThatListsHold(std::move(all), plan, context_.ansi);
+    for (const std::string& list : held.unread) context_.errors.report(Text::ListNotRead, list);
+    for (const std::size_t row : held.rows) {
+        plan[row].result = RenameResult::NotCreated;
+        plan[row].reason = Text::ListNotWritable;
     }
 }
 
@@ -120,7 +154,6 @@ void cFilesRename::moveFiles(RenamePlan& plan) {
     for (const RenameStep& step : plan) {
         if (step.isMoved) AddValue(step.from, step.to);
     }
-    reportFailures(plan);
     lastFolder_.clear();
     context_.progress.setRange(0);
 }
@@ -182,8 +215,9 @@ std::vector<ListChange> cFilesRename::moveAndFollow(RenamePlan& plan,
 
 RenamePlan cFilesRename::rename(std::span<const std::string> paths,
                                 std::vector<std::string> lists) {
-    RenamePlan all = plan(paths);
+    RenamePlan all = plan(paths, {}, lists);
     writeLists(moveAndFollow(all, std::move(lists)), context_.errors, context_.calls);
+    reportFailures(all);
     return all;
 }
 
@@ -193,6 +227,7 @@ RenameResult cFilesRename::CreateName(const std::string& path, const std::string
     newPath = path;
     if (one.empty()) return RenameResult::Unknown;
     writeLists(moveAndFollow(one), context_.errors, context_.calls);
+    reportFailures(one);
     if (one[0].isMoved) newPath = one[0].to;
     return one[0].result;
 }
@@ -226,7 +261,7 @@ std::vector<std::string> cFilesRename::filesOf(const std::string& folder, bool s
 }
 
 void cFilesRename::RenameFiles(const std::string& folder) {
-    rename(filesOf(folder, false));
+    rename(filesOf(folder, false), playlistsIn(folder, true));
 }
 
 void cFilesRename::RenameFilesTree(const std::string& folder) {
@@ -257,6 +292,7 @@ void cFilesRename::RenameFilesEx(cFilesCollection& playlists) {
     });
     writeLists(changes, context_.errors, context_.calls);
     for (const std::string& list : lists) writeNewPlaylist(list, all);
+    reportFailures(all);
 }
 
 void cFilesRename::writeNewPlaylist(const std::string& list, const RenamePlan& done) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,13 +24,6 @@ struct RenameContext {
     const CancelFlag& cancel;
     FileCalls& calls = systemCalls();
 };
-
-/// What is told of a row that failed.
-struct RenameMessage {
-    Text text;
-    std::string_view about;
-};
-std::optional<RenameMessage> messageOf(const RenameStep& step);
 
 /// Gives files new names by a template of their tags. Every operation makes a plan first, which can
 /// be shown, and then carries it out: no file is ever overwritten, names that the batch itself
@@ -65,9 +57,11 @@ class cFilesRename {
     /// The playlists that `RenamePlaylists` goes through, by `Mask`.
     [[nodiscard]] std::vector<std::string> playlistsOf(const std::string& folder) const;
 
-    /// What each of the files would be called; `Format` decides about `Template` first. Empty when
-    /// it was cancelled.
-    RenamePlan plan(std::span<const std::string> paths, const std::string& targetFolder = {});
+    /// What each of the files would be called; `Format` decides about `Template` first. A file that
+    /// one of the `lists`, or one around it, names stays where that list cannot be written. Empty
+    /// when it was cancelled.
+    RenamePlan plan(std::span<const std::string> paths, const std::string& targetFolder = {},
+                    const std::vector<std::string>& lists = {});
     /// What a file with this record should be called, before other files' names are looked at.
     [[nodiscard]] RenameStep wantedName(const ID3tag& record, const std::string& path,
                                         const std::string& folder) const;
@@ -75,8 +69,7 @@ class cFilesRename {
     /// Reports what fails in the rows of a plan.
     void reportFailures(const RenamePlan& plan);
 
-    /// Moves the files of a plan and reports what fails; a row that a cancel left alone is neither
-    /// moved nor failed.
+    /// Moves the files of a plan; a row that a cancel left alone is neither moved nor failed.
     void moveFiles(RenamePlan& plan);
     /// The same, and what playlists have to become then: those around the files, and `lists`.
     std::vector<ListChange> moveAndFollow(RenamePlan& plan, std::vector<std::string> lists = {});
@@ -91,6 +84,8 @@ class cFilesRename {
     [[nodiscard]] bool isCancelled() const {
         return context_.cancel.load(std::memory_order_relaxed);
     }
+
+    void refuseWhatCannotBe(RenamePlan& plan, const std::vector<std::string>& lists);
 
     bool move(RenameStep& step, const std::string& from);
     void moveCircle(RenamePlan& plan, std::span<const MoveStep> moves);

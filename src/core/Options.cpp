@@ -36,8 +36,12 @@ class OptionReader {
     void operator()(const SetPriority& action) { options_.priority = action.priority; }
 
     void operator()(const TakeText& action) {
-        if (auto value = takeValue())
+        const std::string word = line_.ParameterEx(at_);
+        if (auto value = takeValue()) {
             options_.*action.target = action.trimmed ? std::string(trimBlanks(*value)) : *value;
+        } else {
+            options_.valueless.push_back(word);
+        }
     }
 
     void operator()(const TakeNumber& action) {

@@ -91,7 +91,8 @@ struct JobOptions {
     int lowLimit = 0;
     int highLimit = 0;
 
-    std::vector<std::string> ignored;  ///< words that look like options and are none
+    std::vector<std::string> ignored;    ///< words that look like options and are none
+    std::vector<std::string> valueless;  ///< options without the text that they take
 };
 
 /// True for a word of the option table and for "/f" and digits.

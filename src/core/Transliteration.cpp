@@ -14,28 +14,41 @@ namespace {
 struct Letter {
     char32_t cyrillic;  // small
     std::string_view latin;
+    bool leadsBack = true;
 };
 
 // A letter's first row counts in both directions, further ones only back.
 constexpr auto gostLetters = std::to_array<Letter>({
-    {U'а', "a"},  {U'б', "b"},  {U'в', "v"},   {U'г', "g"},  {U'д', "d"},  {U'е', "e"},
-    {U'ё', "yo"}, {U'ж', "zh"}, {U'з', "z"},   {U'и', "i"},  {U'й', "j"},  {U'к', "k"},
-    {U'л', "l"},  {U'м', "m"},  {U'н', "n"},   {U'о', "o"},  {U'п', "p"},  {U'р', "r"},
-    {U'с', "s"},  {U'т', "t"},  {U'у', "u"},   {U'ф', "f"},  {U'х', "x"},  {U'ц', "cz"},
-    {U'ч', "ch"}, {U'ш', "sh"}, {U'щ', "shh"}, {U'ъ', "``"}, {U'ы', "y`"}, {U'ь', "`"},
-    {U'э', "e`"}, {U'ю', "yu"}, {U'я', "ya"},  {U'і', "i"},  {U'ї', "yi"}, {U'є', "ye"},
-    {U'ґ', "g`"}, {U'ў', "u`"}, {U'ц', "c"},
+    {U'а', "a"},         {U'б', "b"},         {U'в', "v"},         {U'г', "g"},
+    {U'д', "d"},         {U'е', "e"},         {U'ё', "yo"},        {U'ж', "zh"},
+    {U'з', "z"},         {U'и', "i"},         {U'й', "j"},         {U'к', "k"},
+    {U'л', "l"},         {U'м', "m"},         {U'н', "n"},         {U'о', "o"},
+    {U'п', "p"},         {U'р', "r"},         {U'с', "s"},         {U'т', "t"},
+    {U'у', "u"},         {U'ф', "f"},         {U'х', "x"},         {U'ц', "cz"},
+    {U'ч', "ch"},        {U'ш', "sh"},        {U'щ', "shh"},       {U'ъ', "``"},
+    {U'ы', "y`"},        {U'ь', "`"},         {U'э', "e`"},        {U'ю', "yu"},
+    {U'я', "ya"},        {U'і', "i"},         {U'ї', "yi"},        {U'є', "ye"},
+    {U'ґ', "g`"},        {U'ў', "u`"},        {U'ц', "c"},         {U'ѓ', "g`", false},
+    {U'ќ', "k`", false}, {U'љ', "l`", false}, {U'њ', "n`", false}, {U'џ', "dh", false},
+    {U'ѕ', "z`", false}, {U'ѣ', "ye", false}, {U'ѳ', "fh", false}, {U'ѵ', "yh", false},
+    {U'ј', "j", false},  {U'ђ', "dj", false}, {U'ћ', "ch", false},
 });
 
 constexpr auto phoneticLetters = std::to_array<Letter>({
-    {U'а', "a"},  {U'б', "b"},  {U'в', "v"},   {U'г', "g"}, {U'д', "d"},  {U'е', "e"},
-    {U'ё', "yo"}, {U'ж', "zh"}, {U'з', "z"},   {U'и', "i"}, {U'й', "y"},  {U'к', "k"},
-    {U'л', "l"},  {U'м', "m"},  {U'н', "n"},   {U'о', "o"}, {U'п', "p"},  {U'р', "r"},
-    {U'с', "s"},  {U'т', "t"},  {U'у', "u"},   {U'ф', "f"}, {U'х', "kh"}, {U'ц', "ts"},
-    {U'ч', "ch"}, {U'ш', "sh"}, {U'щ', "sch"}, {U'ъ', ""},  {U'ы', "y"},  {U'ь', ""},
-    {U'э', "e"},  {U'ю', "yu"}, {U'я', "ya"},  {U'і', "i"}, {U'ї', "yi"}, {U'є', "ye"},
-    {U'ґ', "g"},  {U'ў', "u"},  {U'х', "h"},   {U'к', "c"}, {U'к', "q"},  {U'в', "w"},
-    {U'й', "j"},
+    {U'а', "a"},         {U'б', "b"},         {U'в', "v"},         {U'г', "g"},
+    {U'д', "d"},         {U'е', "e"},         {U'ё', "yo"},        {U'ж', "zh"},
+    {U'з', "z"},         {U'и', "i"},         {U'й', "y"},         {U'к', "k"},
+    {U'л', "l"},         {U'м', "m"},         {U'н', "n"},         {U'о', "o"},
+    {U'п', "p"},         {U'р', "r"},         {U'с', "s"},         {U'т', "t"},
+    {U'у', "u"},         {U'ф', "f"},         {U'х', "kh"},        {U'ц', "ts"},
+    {U'ч', "ch"},        {U'ш', "sh"},        {U'щ', "sch"},       {U'ъ', ""},
+    {U'ы', "y"},         {U'ь', ""},          {U'э', "e"},         {U'ю', "yu"},
+    {U'я', "ya"},        {U'і', "i"},         {U'ї', "yi"},        {U'є', "ye"},
+    {U'ґ', "g"},         {U'ў', "u"},         {U'х', "h"},         {U'к', "c"},
+    {U'к', "q"},         {U'в', "w"},         {U'й', "j"},         {U'ѓ', "g", false},
+    {U'ќ', "k", false},  {U'љ', "lj", false}, {U'њ', "nj", false}, {U'џ', "dz", false},
+    {U'ѕ', "dz", false}, {U'ѣ', "e", false},  {U'ѳ', "f", false},  {U'ѵ', "i", false},
+    {U'ј', "y", false},  {U'ђ', "dj", false}, {U'ћ', "c", false},
 });
 
 std::span<const Letter> lettersOf(Transliteration table) {
@@ -82,7 +95,8 @@ const Letter* findLatin(std::string_view text, Transliteration table) {
     const Letter* best = nullptr;
     for (const Letter& letter : lettersOf(table)) {
         const std::size_t size = letter.latin.size();
-        if (size == 0 || text.size() < size || (best != nullptr && best->latin.size() >= size)) {
+        if (!letter.leadsBack || size == 0 || text.size() < size ||
+            (best != nullptr && best->latin.size() >= size)) {
             continue;
         }
         if (sameAscii(text.substr(0, size), letter.latin)) best = &letter;

@@ -6,7 +6,7 @@
 namespace tavlo {
 
 enum class Transliteration {
-    Gost,     ///< GOST 7.79-2000, system B, with the Ukrainian and Belarusian letters
+    Gost,     ///< GOST 7.79-2000, system B, with the letters of all its languages
     Phonetic  ///< plain letters as a reader of English would say them
 };
 

@@ -37,6 +37,9 @@ bool folderExists(const std::string& path);
 /// Whether the entries of a folder can be asked for.
 bool isReadableFolder(const std::string& path);
 
+/// Whether files can be made in a folder, as far as the rights tell.
+bool isWritableFolder(const std::string& path);
+
 /// What tells one folder from every other, whatever path leads to it.
 struct FolderId {
     std::uint64_t volume = 0;

@@ -87,6 +87,10 @@ bool isReadableFolder(const std::string& path) {
     return folderExists(path) && ::access(path.c_str(), R_OK | X_OK) == 0;
 }
 
+bool isWritableFolder(const std::string& path) {
+    return ::access(path.c_str(), W_OK | X_OK) == 0;
+}
+
 std::optional<FolderId> folderId(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) return std::nullopt;

@@ -94,6 +94,11 @@ bool isReadableFolder(const std::string& path) {
     return Search(widePath(path + "\\*")).isOpen();
 }
 
+// Access lists are told by the attempt only; the read-only mark of a folder means nothing.
+bool isWritableFolder(const std::string& path) {
+    return folderExists(path);
+}
+
 std::optional<FolderId> folderId(const std::string& path) {
     HANDLE opened = openForQuery(path);
     if (opened == INVALID_HANDLE_VALUE) return std::nullopt;

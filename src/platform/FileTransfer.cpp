@@ -58,6 +58,14 @@ bool replaceFile(const std::string& linkedPath, std::string_view bytes, FileCall
     return file.replace(path, isThere ? old.release() : noFile);
 }
 
+bool canBeReplaced(const std::string& linkedPath, FileCalls& calls) {
+    const std::string path = withoutLinks(linkedPath);
+    File file(calls);
+    const bool isOpen =
+        file.open(path, Access::ReadWrite) || (file.open(path, Access::Read) && file.isReadOnly());
+    return isOpen && isWritableFolder(path.substr(0, path.find_last_of(nativeSeparator()) + 1));
+}
+
 Transfer writeFile(const std::string& path, std::string_view bytes, FileCalls& calls) {
     TemporaryFile file(calls);
     const bool complete =

@@ -25,6 +25,9 @@ Transfer moveFile(const std::string& from, const std::string& to, FileCalls& cal
 /// there is one of that name, which then gives it its attributes. False, and no change, on failure.
 bool replaceFile(const std::string& path, std::string_view bytes, FileCalls& calls = systemCalls());
 
+/// Whether `replaceFile` may be expected to succeed; nothing is written to find out.
+bool canBeReplaced(const std::string& path, FileCalls& calls = systemCalls());
+
 /// Writes a whole file in the same way, but never over another.
 Transfer writeFile(const std::string& path, std::string_view bytes,
                    FileCalls& calls = systemCalls());

@@ -61,12 +61,15 @@ undone circle /rename circle /template '%T'
 echo more >> 'circle/x c.mp3'
 echo new > circle/a.mp3
 if "$TAVLO" /undo > /dev/null 2> messages; then fail "nothing was told"; fi
-[ "$(wc -l < messages)" = 2 ]
+[ "$(wc -l < messages)" = 3 ]
 [ "$(cat circle/a.mp3)" = new ]
 [ -f 'circle/x c.mp3' ] && [ -f 'circle/x b.mp3' ] && [ -f circle/c.mp3 ] && [ -f circle/d.mp3 ]
 rm circle/a.mp3
-"$TAVLO" /undo > /dev/null
+"$TAVLO" /undo > /dev/null 2> messages || true
+[ "$(wc -l < messages)" = 1 ]
 [ -f circle/a.mp3 ]
+entries_lead 'circle/!Playlist.m3u8'
+if "$TAVLO" /undo > /dev/null 2>&1; then fail "taken back twice"; fi
 
 # Copies: whole, below their folders, and not twice.
 "$TAVLO" /copy 'all/music/!Playlist.m3u8' /to copies /paths > /dev/null

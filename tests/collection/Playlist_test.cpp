@@ -66,7 +66,10 @@ TEST(Playlist, EntriesFollowTheirFilesAndAllElseStays) {
         {posix, "/m", "b.mp3\r\n", "/m/a.mp3", "/m/c.mp3", ""},
         {posix, "/m", "\xC0.mp3\r\n\xC1.mp3", "/m/А.mp3", "/m/Ж.mp3", "\xC6.mp3\r\n\xC1.mp3"},
         {posix, "/m", "\xC0.mp3\r\na.mp3", "/m/a.mp3", "/m/é.mp3", "\xEF\xBB\xBFА.mp3\r\né.mp3"},
-        {posix, "/m", "\xEF\xBB\xBF" "a.mp3", "/m/a.mp3", "/m/Ж.mp3", "\xEF\xBB\xBFЖ.mp3"},
+        {posix, "/m",
+         "\xEF\xBB\xBF"
+         "a.mp3",
+         "/m/a.mp3", "/m/Ж.mp3", "\xEF\xBB\xBFЖ.mp3"},
         {posix, "/m", "А.mp3\na.mp3", "/m/a.mp3", "/m/Ж.mp3", "А.mp3\nЖ.mp3", true},
     };
     const CodePage ansi(1251);

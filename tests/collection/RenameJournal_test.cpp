@@ -32,18 +32,27 @@ const JournalBatch strange = {{{0, -1, "/m/a\tb.mp3", "/m/a\nbatch\tb.mp3"},
 TEST(RenameJournal, BatchComesBackAsItWas) {
     const TempFolder folder;
     RenameJournal journal(folder.path("new/deep"));
-    EXPECT_TRUE(journal.last().rows.empty());
+    EXPECT_TRUE(journal.last()->rows.empty());
+    EXPECT_FALSE(journal.isBrokenOff());
     JournalBatch first = strange;
     first.lists.clear();
     ASSERT_TRUE(journal.begin("2026-05-01 18:30:00", first));
-    EXPECT_TRUE(journal.addLists(strange.lists));
-    EXPECT_TRUE(journal.addLists({}));
-    EXPECT_EQ(textsOf(RenameJournal(folder.path("new/deep")).last()), textsOf(strange));
+    EXPECT_EQ(textsOf(*RenameJournal(folder.path("new/deep")).last()), textsOf(first));
+    EXPECT_FALSE(journal.last()->isMoved);
+    for (const bool isPart : {false, true}) {
+        JournalBatch moved = strange;
+        if (isPart) moved.rows.pop_back();
+        EXPECT_TRUE(journal.endMoves("now", moved));
+        EXPECT_EQ(textsOf(*journal.last()), textsOf(moved));
+        EXPECT_TRUE(journal.last()->isMoved && !journal.last()->isDone && journal.isBrokenOff());
+    }
+    EXPECT_TRUE(journal.finish());
+    EXPECT_TRUE(journal.last()->isDone && !journal.isBrokenOff());
     EXPECT_FALSE(RenameJournal("").begin("now", strange));
     EXPECT_FALSE(RenameJournal(folder.write("file", "")).begin("now", strange));
 }
 
-TEST(RenameJournal, LastBatchIsKeptInPartOrGoes) {
+TEST(RenameJournal, LastBatchGoesAndOldOnesToo) {
     const TempFolder folder;
     RenameJournal journal(folder.path());
     folder.write("notes.txt", "somebody's");
@@ -51,12 +60,22 @@ TEST(RenameJournal, LastBatchIsKeptInPartOrGoes) {
         ASSERT_TRUE(journal.begin("now", {{{i, 0, "a", "b"}}, {}, {}}));
     }
     EXPECT_EQ(listFolder(folder.path()).size(), RenameJournal::mostBatches + 1);
-    const JournalBatch rest = {{{7, 0, "x", "y"}}, {}, {}};
-    EXPECT_EQ(journal.last().rows[0].size, RenameJournal::mostBatches + 2);
-    EXPECT_TRUE(journal.keep("now", rest));
-    EXPECT_EQ(textsOf(journal.last()), textsOf(rest));
-    EXPECT_TRUE(journal.keep("now", {}));
-    EXPECT_EQ(journal.last().rows[0].size, RenameJournal::mostBatches + 1);
+    EXPECT_EQ(journal.last()->rows[0].size, RenameJournal::mostBatches + 2);
+    EXPECT_TRUE(journal.drop());
+    EXPECT_EQ(journal.last()->rows[0].size, RenameJournal::mostBatches + 1);
+    // One that moved nothing is none, and one that tells nothing hides no other.
+    ASSERT_TRUE(journal.begin("now", strange));
+    EXPECT_TRUE(journal.endMoves("now", {}));
+    folder.write("999999.txt", "");
+    EXPECT_EQ(journal.last()->rows[0].size, RenameJournal::mostBatches + 1);
+}
+
+TEST(RenameJournal, OneRunAtATime) {
+    const TempFolder folder;
+    RenameJournal first(folder.path("j")), second(folder.path("j"));
+    EXPECT_TRUE(first.lock());
+    EXPECT_FALSE(second.lock());
+    EXPECT_TRUE(RenameJournal("").lock());
 }
 
 TEST(RenameJournal, CutFileKeepsTheLinesBeforeTheCut) {
@@ -68,7 +87,7 @@ TEST(RenameJournal, CutFileKeepsTheLinesBeforeTheCut) {
         folder.write(name, whole.substr(0, size));
         const auto end = whole.begin() + static_cast<std::ptrdiff_t>(size);
         const std::ptrdiff_t lines = std::count(whole.begin(), end, '\n');
-        const JournalBatch last = journal.last();
+        const JournalBatch last = *journal.last();
         const std::size_t parts = last.rows.size() + last.newFolders.size() + last.lists.size();
         EXPECT_EQ(parts, static_cast<std::size_t>(std::max<std::ptrdiff_t>(lines - 1, 0))) << size;
     }

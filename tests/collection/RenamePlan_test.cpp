@@ -145,7 +145,7 @@ TEST(RenamePlan, FileWithoutAFreeNameStaysAndKeepsIts) {
     RenamePlan plan{{"/m/a.mp3", "/m/b.mp3"}, {"/m/c.mp3", "/m/a.mp3"}};
     TakenNames taken(PathStyle::Posix, [](const std::string&) {
         Names names{"a.mp3", "b.mp3", "c.mp3"};
-        for (int i = 1; i <= 10000; ++i) names.push_back("b (" + std::to_string(i) + ").mp3");
+        for (int i = 1; i <= 1'000'000; ++i) names.push_back("b (" + std::to_string(i) + ").mp3");
         return names;
     });
     settleNames(plan, taken, PathStyle::Posix);

@@ -299,6 +299,7 @@ TEST(cFilesRename, FailingMoveLeavesEveryFileUnderOneOfItsNames) {
         desk.calls.failAt = failAt;
         RenamePlan plan = desk.renamer.plan(desk.paths(names));
         desk.renamer.moveFiles(plan);
+        desk.renamer.reportFailures(plan);
         std::size_t failed = 0;
         Files found;
         for (std::size_t i = 0; i < plan.size(); ++i) {
