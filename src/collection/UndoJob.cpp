@@ -126,28 +126,13 @@ class BatchBack {
     RenamePlan plan_;
 };
 
-// A folder that was made may bear the old name of a file, so there are two goes.
-void moveBack(cFilesRename& renamer, RenamePlan& plan, const std::vector<std::string>& folders) {
-    for (int go = 0; go < 2; ++go) {
-        RenamePlan left;
-        for (const RenameStep& step : plan) {
-            if (!step.isMoved) left.push_back({step.from, step.to});
-        }
-        renamer.moveFiles(left);
-        auto done = left.begin();
-        for (RenameStep& step : plan) {
-            if (!step.isMoved) step = *done++;
-        }
-        for (const std::string& folder : folders) removeEmptyFolder(folder);
-    }
-}
-
 // False where something is left to be tried again.
 bool takeBack(Services& services, const JournalBatch& batch, BatchBack& back) {
     const CodePage ansi(services.ansiCodePage);
     cFilesRename renamer(renameContext(services, ansi));
-    moveBack(renamer, back.plan(), batch.newFolders);
+    renamer.moveFiles(back.plan());
     back.notePlaces();
+    for (const std::string& folder : batch.newFolders) removeEmptyFolder(folder);
     return writeLists(back.lists(ansi), services.errors, systemCalls()) && !back.isLeft();
 }
 }  // namespace
