@@ -4,6 +4,7 @@
 #include <set>
 #include <unordered_map>
 
+#include "collection/FilesIn.h"
 #include "collection/Playlist.h"
 #include "core/TextCase.h"
 #include "platform/File.h"
@@ -68,22 +69,7 @@ void sortOut(std::vector<std::string>& lists) {
 }  // namespace
 
 std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders) {
-    std::vector<std::string> lists;
-    std::vector<std::string> below;
-    for (const FolderEntry& entry : listFolder(folder)) {
-        std::string path = joinPath(folder, entry.name, nativePathStyle());
-        if (entry.isFolder) {
-            if (subfolders && !entry.isLink) below.push_back(std::move(path));
-        } else if (isPlaylist(entry.name)) {
-            lists.push_back(std::move(path));
-        }
-    }
-    std::sort(lists.begin(), lists.end());
-    std::sort(below.begin(), below.end());
-    for (const std::string& subfolder : below) {
-        std::ranges::move(playlistsIn(subfolder, true), std::back_inserter(lists));
-    }
-    return lists;
+    return filesIn(folder, subfolders, isPlaylist);
 }
 
 std::vector<std::string> playlistsAround(const RenamePlan& plan) {
@@ -122,10 +108,11 @@ std::vector<std::string> relativeEntries(std::span<const std::string> lists, con
 HeldRows rowsThatListsHold(std::vector<std::string> lists, const RenamePlan& plan,
                            const CodePage& ansi) {
     sortOut(lists);
-    RowsByPath rows(plan, [](const RenameStep& step) { return step.moves(); });
+    std::erase_if(lists, [](const std::string& list) { return canBeReplaced(list); });
     HeldRows held;
+    if (lists.empty()) return held;
+    RowsByPath rows(plan, [](const RenameStep& step) { return step.moves(); });
     for (const std::string& list : lists) {
-        if (canBeReplaced(list)) continue;
         const auto entries = readPlaylistEntries(list, ansi);
         if (!entries) held.unread.push_back(list);
         for (const PlaylistEntry& entry : entries.value_or(PlaylistEntries())) {
@@ -144,8 +131,9 @@ std::string followed(std::string_view before, std::string_view path, const Renam
 std::vector<ListChange> listChanges(std::vector<std::string> lists, const RenamePlan& done,
                                     const CodePage& ansi) {
     sortOut(lists);
-    RowsByPath rows(done, isMoved);
     std::vector<ListChange> changes;
+    if (lists.empty()) return changes;
+    RowsByPath rows(done, isMoved);
     for (const std::string& list : lists) {
         auto before = readFile(list, largestPlaylist);
         if (!before) continue;

@@ -1,7 +1,5 @@
 #include "collection/RenameBasics.h"
 
-#include <chrono>
-
 #include "platform/Environment.h"
 
 namespace tavlo {
@@ -21,21 +19,6 @@ bool mayRename(Services& services, RenameJournal& journal) {
     if (services.options.dryRun || journal.lock()) return true;
     services.errors.report(Text::RenamingRuns);
     return false;
-}
-
-std::string timeText() {
-    using namespace std::chrono;
-    const auto now = floor<seconds>(system_clock::now());
-    const auto day = floor<days>(now);
-    const year_month_day date(day);
-    const hh_mm_ss time(now - day);
-    const auto twoDigits = [](auto number) {
-        return (number < 10 ? "0" : "") + std::to_string(number);
-    };
-    return std::to_string(static_cast<int>(date.year())) + "-" +
-           twoDigits(static_cast<unsigned>(date.month())) + "-" +
-           twoDigits(static_cast<unsigned>(date.day())) + " " + twoDigits(time.hours().count()) +
-           ":" + twoDigits(time.minutes().count()) + ":" + twoDigits(time.seconds().count());
 }
 
 }  // namespace tavlo

@@ -19,7 +19,4 @@ std::string journalFolder();
 /// Keeps other runs out, but for a dry run. False, and told, when one is at work.
 bool mayRename(Services& services, RenameJournal& journal);
 
-/// The moment in UTC, for people who read the journal: "2026-05-01 18:30:00".
-std::string timeText();
-
 }  // namespace tavlo

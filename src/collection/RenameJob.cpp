@@ -1,10 +1,10 @@
 #include "collection/RenameJob.h"
 
 #include <algorithm>
-#include <set>
 
 #include "collection/JobFiles.h"
 #include "collection/Playlist.h"
+#include "collection/NotedRename.h"
 #include "collection/RenameBasics.h"
 #include "collection/RenameReport.h"
 #include "platform/FileSystem.h"
@@ -25,45 +25,6 @@ void chooseFormat(const Services& services, cFilesRename& renamer) {
         renamer.Format =
             std::to_string(options.outputFormat.value_or(settings.number(Setting::TAGSRenFormat)));
     }
-}
-
-// The folders that have to be made for the new names, inner ones first.
-std::vector<std::string> newFolders(const RenamePlan& plan) {
-    std::set<std::string, std::greater<>> missing;
-    std::string_view last;
-    for (const RenameStep& step : plan) {
-        std::string_view folder = folderOf(step.to, nativePathStyle());
-        if (!step.moves() || folder == last) continue;
-        last = folder;
-        while (!folder.empty() && !missing.contains(folder) && !folderExists(std::string(folder))) {
-            missing.emplace(folder);
-            folder = parentOf(folder, nativePathStyle());
-        }
-    }
-    return {missing.begin(), missing.end()};
-}
-
-// Carries a plan out with a journal, so that it can be taken back.
-void performNoted(Services& services, cFilesRename& renamer, RenameJournal& journal,
-                  RenamePlan& plan, const std::vector<std::string>& lists) {
-    JournalBatch batch;
-    for (const RenameStep& step : plan) {
-        if (step.moves()) batch.rows.push_back({step.size, step.modified, step.from, step.to});
-    }
-    if (batch.rows.empty()) return;
-    batch.newFolders = newFolders(plan);
-    bool isNoted = journal.begin(timeText(), batch);
-    const std::vector<ListChange> changes = renamer.moveAndFollow(plan, lists);
-    batch.rows.clear();
-    for (const RenameStep& step : plan) {
-        if (step.isMoved) batch.rows.push_back({step.size, step.modified, step.from, step.to});
-    }
-    for (const ListChange& change : changes) batch.lists.push_back({change.path, change.before});
-    const bool anyMoved = !batch.rows.empty();
-    isNoted = isNoted && journal.endMoves(timeText(), std::move(batch));
-    if (!isNoted) services.errors.report(Text::JournalNotWritten, journalFolder());
-    const bool areWritten = writeLists(changes, services.errors, systemCalls());
-    if (isNoted && anyMoved && areWritten) journal.finish();
 }
 
 struct RenameBatch {
@@ -114,16 +75,16 @@ int renameFiles(Services& services) {
     renamer.Mask = services.options.mask;
     RenameBatch batch;
     const auto target = targetOf(services);
-    if (!target || !gatherBatch(services, renamer, batch)) return unusableCommandLine;
     RenameJournal journal(journalFolder());
     if (!mayRename(services, journal)) return services.errors.exitCode();
+    if (!target || !gatherBatch(services, renamer, batch)) return unusableCommandLine;
     if (journal.isBrokenOff()) services.errors.note(Text::RenamingBrokenOff);
     RenameReport report(services);
     // A scan that was cancelled found a part of the files only: then nothing is renamed.
     if (!services.cancel.load()) {
         RenamePlan plan = renamer.plan(batch.paths, *target, batch.lists);
         if (!services.options.dryRun) {
-            performNoted(services, renamer, journal, plan, batch.lists);
+            performNoted(renamer, journal, plan, batch.lists);
         }
         report.tell(plan);
     }

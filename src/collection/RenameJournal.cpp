@@ -134,7 +134,7 @@ bool RenameJournal::begin(std::string_view time, const JournalBatch& batch) {
     if (folder_.empty() || !createFolders(folder_)) return false;
     const std::vector<std::string> earlier = names();
     for (std::size_t i = 0; i + mostBatches <= earlier.size(); ++i) {
-        removeFile(joinPath(folder_, earlier[i], nativePathStyle()));
+        removeFile(joinPath(folder_, earlier[i], nativePathStyle()), calls_);
     }
     int number = earlier.empty() ? 0 : numberOf<int>(earlier.back());
     Transfer written = Transfer::Exists;
@@ -142,7 +142,7 @@ bool RenameJournal::begin(std::string_view time, const JournalBatch& batch) {
         std::string name = std::to_string(++number);
         name.insert(0, nameDigits - std::min(nameDigits, name.size()), '0');
         path_ = joinPath(folder_, name + std::string(nameEnding), nativePathStyle());
-        written = writeFile(path_, textOf(time, batch));
+        written = writeFile(path_, textOf(time, batch), calls_);
     }
     rows_ = batch.rows.size();
     return written == Transfer::Done;
@@ -150,15 +150,15 @@ bool RenameJournal::begin(std::string_view time, const JournalBatch& batch) {
 
 bool RenameJournal::append(std::string_view text, bool flushed) const {
     const Bytes bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
-    File file;
+    File file(calls_);
     return file.open(path_, Access::ReadWrite) && file.write(file.size(), bytes) &&
-           (!flushed || file.calls().flush(file.handle()));
+           (!flushed || calls_.flush(file.handle()));
 }
 
 bool RenameJournal::endMoves(std::string_view time, JournalBatch batch) {
-    if (batch.rows.empty()) return removeFile(path_);
+    if (batch.rows.empty()) return removeFile(path_, calls_);
     batch.isMoved = true;
-    if (batch.rows.size() != rows_) return replaceFile(path_, textOf(time, batch));
+    if (batch.rows.size() != rows_) return replaceFile(path_, textOf(time, batch), calls_);
     return append(textOfLists(batch.lists) + lineOf({movedWord}), !batch.lists.empty());
 }
 
@@ -182,7 +182,7 @@ std::optional<JournalBatch> RenameJournal::last() {
 }
 
 bool RenameJournal::drop() {
-    return removeFile(path_);
+    return removeFile(path_, calls_);
 }
 
 bool RenameJournal::isBrokenOff() const {

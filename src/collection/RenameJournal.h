@@ -38,7 +38,8 @@ class RenameJournal {
     /// Batches that are kept; older ones go.
     static constexpr std::size_t mostBatches = 100;
 
-    explicit RenameJournal(std::string folder) : folder_(std::move(folder)) {}
+    explicit RenameJournal(std::string folder, FileCalls& calls = systemCalls())
+        : folder_(std::move(folder)), calls_(calls) {}
 
     /// Keeps other runs from renaming until this object goes; false when one is at it. Where the
     /// journal cannot be written, nobody is kept from anything.
@@ -58,6 +59,7 @@ class RenameJournal {
     /// Whether the last batch was not brought to its end.
     bool isBrokenOff() const;
 
+    [[nodiscard]] const std::string& folder() const { return folder_; }
     /// Of the batch that was begun or given; empty before that.
     [[nodiscard]] const std::string& path() const { return path_; }
 
@@ -66,6 +68,7 @@ class RenameJournal {
     [[nodiscard]] bool append(std::string_view text, bool flushed) const;
 
     std::string folder_;
+    FileCalls& calls_;
     std::string path_;
     std::size_t rows_ = 0;  // of the batch that was begun
     File lock_;

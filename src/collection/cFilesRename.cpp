@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "collection/FilesIn.h"
 #include "collection/Playlist.h"
 #include "core/Numbers.h"
 #include "core/TextCase.h"
@@ -90,6 +91,7 @@ RenamePlan cFilesRename::plan(std::span<const std::string> paths, const std::str
     return plan;
 }
 
+namespace {
 // Whether a folder is there or can be made: the innermost that is there must be a folder.
 bool isFolderOrFree(std::string_view folder) {
     for (; !folder.empty(); folder = parentOf(folder, nativePathStyle())) {
@@ -119,6 +121,8 @@ void refuseToMoveLinks(RenamePlan& plan) {
         step.reason = Text::LinkStays;
     }
 }
+
+}  // namespace
 
 void cFilesRename::refuseWhatCannotBe(RenamePlan& plan, const std::vector<std::string>& lists) {
     refuseImpossibleFolders(plan);
@@ -242,22 +246,7 @@ void cFilesRename::RenameFilesCollection(cFilesCollection& files) {
 
 std::vector<std::string> cFilesRename::filesOf(const std::string& folder, bool subfolders) const {
     const WildcardMask mask(Mask);
-    std::vector<std::string> paths;
-    std::vector<std::string> below;
-    for (const FolderEntry& entry : listFolder(folder)) {
-        std::string path = joinPath(folder, entry.name, nativePathStyle());
-        if (entry.isFolder) {
-            if (subfolders && !entry.isLink) below.push_back(std::move(path));
-        } else if (mask.matches(entry.name)) {
-            paths.push_back(std::move(path));
-        }
-    }
-    std::sort(paths.begin(), paths.end());
-    std::sort(below.begin(), below.end());
-    for (const std::string& subfolder : below) {
-        std::ranges::move(filesOf(subfolder, true), std::back_inserter(paths));
-    }
-    return paths;
+    return filesIn(folder, subfolders, [&](std::string_view name) { return mask.matches(name); });
 }
 
 void cFilesRename::RenameFiles(const std::string& folder) {
@@ -270,11 +259,8 @@ void cFilesRename::RenameFilesTree(const std::string& folder) {
 
 std::vector<std::string> cFilesRename::playlistsOf(const std::string& folder) const {
     const WildcardMask mask(Mask);
-    std::vector<std::string> lists = playlistsIn(folder, true);
-    std::erase_if(lists, [&](const std::string& path) {
-        return !mask.matches(fileNameOf(path, nativePathStyle()));
-    });
-    return lists;
+    return filesIn(folder, true,
+                   [&](std::string_view name) { return isPlaylist(name) && mask.matches(name); });
 }
 
 void cFilesRename::RenamePlaylists(const std::string& folder) {

@@ -38,6 +38,7 @@ class cFilesRename {
     std::string Template;
 
     explicit cFilesRename(const RenameContext& context) : context_(context) {}
+    [[nodiscard]] const RenameContext& context() const { return context_; }
 
     /// The new name without extension, by `Template`; it leaves `extensionSize` bytes free.
     [[nodiscard]] std::string GetNameByTemplate(const ID3tag& record,

@@ -7,6 +7,7 @@
 
 #include "platform/FileSystem.h"
 #include "support/MemorySink.h"
+#include "support/StruckCalls.h"
 #include "support/TagBytes.h"
 #include "support/TempFolder.h"
 #include "support/TestProgress.h"
@@ -17,53 +18,6 @@ namespace {
 using Names = std::vector<std::string>;
 using Files = std::map<std::string, std::string>;  // bytes by name, with "/" between levels
 
-/// The running system's, but for one move that fails.
-class FailingMove final : public FileCalls {
- public:
-    std::size_t failAt = 0, moves = 0;  // counted from 1
-
-    FileHandle open(const std::string& path, Access access, FileStatus& status) override {
-        return calls_.open(path, access, status);
-    }
-    FileHandle create(const std::string& path) override { return calls_.create(path); }
-    void close(FileHandle file) override { calls_.close(file); }
-    std::size_t read(FileHandle file, std::uint64_t offset, std::uint8_t* to,
-                     std::size_t count) override {
-        return calls_.read(file, offset, to, count);
-    }
-    std::size_t write(FileHandle file, std::uint64_t offset, Bytes bytes) override {
-        return calls_.write(file, offset, bytes);
-    }
-    bool copy(FileHandle from, std::uint64_t fromOffset, FileHandle to, std::uint64_t toOffset,
-              std::uint64_t count) override {
-        return calls_.copy(from, fromOffset, to, toOffset, count);
-    }
-    bool truncate(FileHandle file, std::uint64_t size) override {
-        return calls_.truncate(file, size);
-    }
-    bool flush(FileHandle file) override { return calls_.flush(file); }
-    bool setModified(FileHandle file, std::int64_t modified) override {
-        return calls_.setModified(file, modified);
-    }
-    bool carryAttributes(FileHandle from, FileHandle to) override {
-        return calls_.carryAttributes(from, to);
-    }
-    bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
-                 const std::string& path) override {
-        return calls_.replace(temporary, temporaryPath, original, path);
-    }
-    bool remove(FileHandle file, const std::string& path) override {
-        return calls_.remove(file, path);
-    }
-    Moved move(const std::string& from, const std::string& to) override {
-        return ++moves == failAt ? Moved::Failed : calls_.move(from, to);
-    }
-    bool clearReadOnly(const std::string& path) override { return calls_.clearReadOnly(path); }
-
- private:
-    FileCalls& calls_ = systemCalls();
-};
-
 struct Desk {
     TempFolder folder;
     CodePage ansi{1252};
@@ -71,7 +25,7 @@ struct Desk {
     MemorySink messages;
     ErrorReport errors{texts, messages};
     TestProgress progress;
-    FailingMove calls;
+    StruckCalls calls;
     cFilesRename renamer{
         {ansi, Transliteration::Phonetic, errors, progress, progress.cancel, calls}};
 
@@ -160,7 +114,7 @@ TEST(cFilesRename, CreateNameTellsWhatCameOfAFile) {
         const std::string bytes =
             c.artist + c.title == "" ? mpegFrames(2) : song(c.artist, c.title);
         const std::string path = desk.folder.write(c.name, bytes);
-        desk.calls.failAt = c.failAt;
+        desk.calls.failingMove = c.failAt;
         std::string newPath;
         EXPECT_EQ(desk.renamer.CreateName(path, c.target.empty() ? "" : desk.folder.path(c.target),
                                           newPath),
@@ -296,7 +250,7 @@ TEST(cFilesRename, FailingMoveLeavesEveryFileUnderOneOfItsNames) {
     for (std::size_t failAt = 1; failAt <= files.size(); ++failAt) {
         SCOPED_TRACE(failAt);
         Desk desk("%T", files);
-        desk.calls.failAt = failAt;
+        desk.calls.failingMove = failAt;
         RenamePlan plan = desk.renamer.plan(desk.paths(names));
         desk.renamer.moveFiles(plan);
         desk.renamer.reportFailures(plan);
