@@ -96,7 +96,7 @@ SEEDS = {
         (0x10, b"", V1), (0x23, EXTENDED, APE + LYRICS + V1))],
     "playlist": [b"#EXTM3U\r\n#EXTINF:10,a\r\n..\\a\\b.mp3\r\n\r\n./c.mp3 \n/d//e.mp3\n",
                  b"C:\\a/b.mp3\n\\\\server\\share\\c.mp3\n\\d.mp3\n\xcf\xee.mp3",
-                 b"\xef\xbb\xbf" + "Ночь.mp3".encode()],
+                 b"\xef\xbb\xbf" + "Ночь.mp3".encode(), b"#a\na.mp3\r \nb.mp3 \t\r\n#\xd0\x96"],
     "commandline": [b'/scan "C:\\My Music" /s /json', b"-rename --template \"%A - %T\" /to /mnt/p",
                     b"/e mp3 vbr2 /f5 /norm_level 90 *.wav", b'/a "" /t\t"x y" /zxx 1 2 /lng'],
     "settings": [b"Name\0text \"\\\n\0[HKEY_CURRENT_USER\\Software\\Tavlo]\n\"name\"=-1\n"

@@ -33,7 +33,7 @@ bool hasBeyondAscii(std::string_view bytes) {
 }
 
 std::string_view withoutBlanksBehind(std::string_view entry) {
-    return entry.substr(0, entry.find_last_not_of(" \t") + 1);
+    return entry.substr(0, entry.find_last_not_of(" \t\r") + 1);
 }
 
 // "." and ".." steps taken out; a step above the root stays.

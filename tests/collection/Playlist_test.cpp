@@ -32,7 +32,7 @@ TEST(Playlist, EntriesAreResolvedAgainstTheFolder) {
          {"/m/a.mp3", "/m/b.mp3"}},
         {posix, "/m", "a.mp3\nb.mp3\n", {"/m/a.mp3", "/m/b.mp3"}},
         {posix, "/m", "CD1\\a.mp3", {"/m/CD1/a.mp3"}},
-        {posix, "/m", "CD1//a.mp3", {"/m/CD1/a.mp3"}},
+        {posix, "/m", "CD1//a.mp3 \t\r \n", {"/m/CD1/a.mp3"}},
         {posix, "/m", "/n/a b.mp3", {"/n/a b.mp3"}},
         {posix, "/m", "", {}},
         {windows, "C:\\m", "a.mp3\r\nCD1/b.mp3", {"C:\\m\\a.mp3", "C:\\m\\CD1\\b.mp3"}},
