@@ -88,7 +88,7 @@ std::string newEntry(std::string_view entry, std::string_view path, std::string_
     const std::size_t at = entry.find_first_of("\\/");
     const char separator = at == std::string_view::npos ? separatorOf(style) : entry[at];
     std::replace(text.begin(), text.end(), separatorOf(style), separator);
-    return plainEntry(std::move(text), style);
+    return plainEntry(text, style);
 }
 
 // The list without a mark. One without it is UTF-8 as well where it could be: by chance, text of a
@@ -108,7 +108,7 @@ bool isPlaylist(std::string_view path) {
     return equalsNoCase(extensionOf(path, nativePathStyle()), "m3u") || isUtf8Playlist(path);
 }
 
-std::string plainEntry(std::string entry, PathStyle style) {
+std::string plainEntry(const std::string& entry, PathStyle style) {
     return entry.starts_with('#') ? std::string(".") + separatorOf(style) + entry : entry;
 }
 

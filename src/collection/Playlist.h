@@ -33,7 +33,7 @@ struct PlaylistEntry {
 using PlaylistEntries = std::vector<PlaylistEntry>;
 
 /// A relative entry as a list has to hold it: what would read as a comment gets "./" before it.
-std::string plainEntry(std::string entry, PathStyle style);
+std::string plainEntry(const std::string& entry, PathStyle style);
 
 /// The files that an M3U playlist names, in its order. Entries may use "\" or "/"; blanks behind
 /// one are none of it.
