@@ -113,7 +113,7 @@ std::vector<ID3tag> manyRecords(const std::vector<std::string>& paths) {
         ID3tag& record =
             records.emplace_back(i < paths.size() ? recordOf(paths[i]) : records[i - paths.size()]);
         record.SetTitle(std::string(record.GetTitle()) + " " + number);
-        record.Path = "/home/anna/Music/Everything/" + number + " as it came.mp3";
+        record.Path = "/media/anna/Music/Everything/" + number + " as it came.mp3";
     }
     return records;
 }
@@ -140,7 +140,7 @@ RenamePlan planOf(const std::vector<ID3tag>& records) {
 
 bool readPathsBackwards() {
     constexpr std::string_view path =
-        "/home/anna/Music/Paper Comets/Orbit and Back Again/07 Silver River.mp3";
+        "/media/anna/Music/Paper Comets/Orbit and Back Again/07 Silver River.mp3";
     static_assert(path.size() == 70);
     const ReverseTemplate reverse("%A\\%L\\%N %T");
     std::size_t right = 0;
