@@ -140,7 +140,7 @@ RenamePlan planOf(const std::vector<ID3tag>& records) {
 
 bool readPathsBackwards() {
     constexpr std::string_view path =
-        "/media/anna/Music/Paper Comets/Orbit and Back Again/07 Silver River.mp3";
+        "/media/ann/Music/Paper Comets/Orbit and Back Again/07 Silver River.mp3";
     static_assert(path.size() == 70);
     const ReverseTemplate reverse("%A\\%L\\%N %T");
     std::size_t right = 0;

@@ -161,7 +161,7 @@ bool gatherEntries(Services& services, const std::string& list, cFilesCollection
         const bool isAudio = (GetFileType(entry.path) & FileType::Audio) != 0;
         if (!isAudio) services.errors.report(Text::NoAudioFile, entry.path);
     }
-    files.FillFromPlaylist(list, FileType::Audio, ansi);
+    files.AddEntries(*entries, FileType::Audio);
     files.BaseFolder = folderOf(list, nativePathStyle());
     return true;
 }

@@ -8,23 +8,40 @@
 
 namespace tavlo {
 
-std::vector<std::string> filesIn(const std::string& folder, bool subfolders,
-                                 const std::function<bool(std::string_view name)>& isWanted) {
-    std::vector<std::string> files;
+namespace {
+using NameTest = std::function<bool(std::string_view name)>;
+
+// A folder that links lead to is taken once.
+void addFiles(const std::string& folder, bool subfolders, const NameTest& isWanted,
+              std::vector<FolderId>& seen, std::vector<std::string>& files) {
+    if (const auto id = subfolders ? folderId(folder) : std::nullopt) {
+        if (std::ranges::find(seen, *id) != seen.end()) return;
+        seen.push_back(*id);
+    }
+    std::vector<std::string> own;
     std::vector<std::string> below;
     for (const FolderEntry& entry : listFolder(folder)) {
         std::string path = joinPath(folder, entry.name, nativePathStyle());
         if (entry.isFolder) {
-            if (subfolders && !entry.isLink) below.push_back(std::move(path));
+            if (subfolders) below.push_back(std::move(path));
         } else if (isWanted(entry.name)) {
-            files.push_back(std::move(path));
+            own.push_back(std::move(path));
         }
     }
-    std::sort(files.begin(), files.end());
+    std::sort(own.begin(), own.end());
     std::sort(below.begin(), below.end());
+    std::ranges::move(own, std::back_inserter(files));
     for (const std::string& subfolder : below) {
-        std::ranges::move(filesIn(subfolder, true, isWanted), std::back_inserter(files));
+        addFiles(subfolder, true, isWanted, seen, files);
     }
+}
+}  // namespace
+
+std::vector<std::string> filesIn(const std::string& folder, bool subfolders,
+                                 const NameTest& isWanted) {
+    std::vector<FolderId> seen;
+    std::vector<std::string> files;
+    addFiles(folder, subfolders, isWanted, seen, files);
     return files;
 }
 

@@ -78,6 +78,8 @@ std::optional<FolderPlaylist> folderPlaylist(const PlaylistWish& wish, const Cod
         ++list.files;
         progress.pumpMessages();
     }
+    if (looksLikeUtf8(list.bytes)) list.bytes = withMark(list.utf8);
+    list.unread = files.unreadFolders();
     return cancel.load() ? std::nullopt : std::optional(std::move(list));
 }
 

@@ -44,42 +44,64 @@ std::vector<std::string> newFolders(const RenamePlan& plan) {
     return {missing.begin(), missing.end()};
 }
 
-JournalRow rowOf(const RenameStep& step) {
-    return {step.size, step.modified, step.from, step.to};
-}
-}  // namespace
-
-void performNoted(cFilesRename& renamer, RenameJournal& journal, RenamePlan& plan,
-                  const std::vector<std::string>& lists) {
-    const RenameContext& context = renamer.context();
-    JournalBatch batch;
-    for (const RenameStep& step : plan) {
-        if (step.moves()) batch.rows.push_back(rowOf(step));
-    }
-    if (batch.rows.empty()) return;
-    batch.newFolders = newFolders(plan);
-    bool isNoted = journal.begin(timeText(), batch);
-    const std::vector<ListChange> changes = renamer.moveAndFollow(plan, lists);
-    batch.rows.clear();
-    for (const RenameStep& step : plan) {
-        if (step.isMoved) batch.rows.push_back(rowOf(step));
-    }
-    for (const ListChange& change : changes) batch.lists.push_back({change.path, change.before});
-    const bool anyMoved = !batch.rows.empty();
-    isNoted = isNoted && journal.endMoves(timeText(), std::move(batch));
-    if (!isNoted) context.errors.report(Text::JournalNotWritten, journal.folder());
-    const bool areWritten = writeLists(changes, context.errors, context.calls);
-    if (isNoted && anyMoved && areWritten) journal.finish();
-}
-
-// --- The way back --------------------------------------------------------------------------------
-
-namespace {
 bool isFileOf(const JournalRow& row, const std::string& path) {
     const auto info = fileInfo(path);
     return info && info->size == row.size && info->modified == row.modified;
 }
 
+template <typename Counts>
+std::vector<JournalRow> rowsOf(const RenamePlan& plan, Counts counts) {
+    std::vector<JournalRow> rows;
+    for (const RenameStep& step : plan) {
+        if (counts(step)) rows.push_back({step.size, step.modified, step.from, step.to});
+    }
+    return rows;
+}
+
+// What cannot be brought to its end is taken back at once.
+void takeBack(cFilesRename& renamer, RenameJournal& journal, const JournalBatch& batch,
+              RenamePlan& plan) {
+    BatchBack back(batch);
+    if (back.perform(renamer)) journal.drop();
+    for (RenameStep& step : plan) {
+        const JournalRow row{step.size, step.modified, step.from, step.to};
+        if (!step.isMoved || !isFileOf(row, row.from)) continue;
+        step.isMoved = false;
+        step.result = RenameResult::NotCreated;
+        step.reason = Text::ListNotWritable;
+    }
+}
+}  // namespace
+
+void performNoted(cFilesRename& renamer, RenameJournal& journal, RenamePlan& plan,
+                  const std::vector<std::string>& roots, std::vector<std::string> lists) {
+    const RenameContext& context = renamer.context();
+    JournalBatch batch;
+    batch.rows = rowsOf(plan, [](const RenameStep& step) { return step.moves(); });
+    if (batch.rows.empty()) return;
+    batch.newFolders = newFolders(plan);
+    batch.roots = roots;
+    if (!journal.begin(timeText(), batch)) {
+        context.errors.report(Text::JournalNotWritten, journal.folder());
+        return;
+    }
+    const std::vector<ListChange> changes = renamer.moveAndFollow(plan, std::move(lists));
+    std::vector<JournalRow> moved = rowsOf(plan, [](const RenameStep& s) { return s.isMoved; });
+    const bool same = moved == batch.rows;
+    batch.rows = std::move(moved);
+    for (const ListChange& change : changes) batch.lists.push_back({change.path, change.before});
+    batch.isMoved = true;
+    if (journal.endMoves(timeText(), batch, same) &&
+        writeLists(changes, context.errors, context.calls)) {
+        if (!batch.rows.empty()) journal.finish();
+    } else {
+        takeBack(renamer, journal, batch, plan);
+    }
+}
+
+// --- The way back --------------------------------------------------------------------------------
+
+namespace {
 std::string placeOf(const JournalRow& row, bool sharesOldName) {
     // One of a circle of names that was broken off, there or back, stands aside.
     const std::string aside(cFilesRename::asideEnding);
@@ -104,6 +126,15 @@ BatchBack::BatchBack(const JournalBatch& batch) : batch_(batch), places_(batch.r
     }
 }
 
+std::vector<std::string> BatchBack::leftCopies() const {
+    std::vector<std::string> copies;
+    for (std::size_t i = 0; i < places_.size(); ++i) {
+        const JournalRow& row = batch_.rows[i];
+        if (isBack(i) && !batch_.isMoved && isFileOf(row, row.to)) copies.push_back(row.to);
+    }
+    return copies;
+}
+
 std::vector<JournalRow> BatchBack::changedRows() const {
     std::vector<JournalRow> rows;
     for (std::size_t i = 0; i < places_.size(); ++i) {
@@ -119,8 +150,18 @@ bool BatchBack::perform(cFilesRename& renamer) {
         if (plan_[i].isMoved) places_[planned_[i]] = plan_[i].to;
     }
     for (const std::string& folder : batch_.newFolders) removeEmptyFolder(folder);
-    return writeLists(lists(context.ansi), context.errors, context.calls) &&
-           std::ranges::all_of(plan_, &RenameStep::isMoved);
+    return writeLists(lists(context.ansi), context.errors, context.calls) && !isLeft();
+}
+
+// Whether anything may go better another time: what could not be moved, or lies on a disk that is
+// not there.
+bool BatchBack::isLeft() const {
+    for (std::size_t i = 0; i < places_.size(); ++i) {
+        const std::string folder(folderOf(batch_.rows[i].to, nativePathStyle()));
+        const bool isAway = places_[i].empty() && !folderExists(folder);
+        if (isAway || (!places_[i].empty() && !isBack(i))) return true;
+    }
+    return false;
 }
 
 // The whole batch as it was carried out, or the part of it that is not taken back.
@@ -148,6 +189,9 @@ RenamePlan BatchBack::namesBack() const {
 
 std::vector<ListChange> BatchBack::lists(const CodePage& ansi) const {
     std::vector<std::string> others = playlistsAround(plan_);
+    for (const std::string& root : batch_.roots) {
+        std::ranges::move(playlistsIn(root, true), std::back_inserter(others));
+    }
     std::vector<ListChange> changes;
     for (const JournalList& list : batch_.lists) {
         std::erase(others, list.path);
@@ -167,9 +211,7 @@ bool BatchBack::addOwnList(const JournalList& list, const CodePage& ansi,
     if (!now) return true;
     std::string wanted = followed(list.before, list.path, namesKept(), ansi);
     if (*now == wanted) return true;
-    if (*now != list.before && *now != followed(list.before, list.path, forward(true), ansi)) {
-        return false;
-    }
+    if (!hasOnlyFollowed(*now, list.before, list.path, forward(true), ansi)) return false;
     changes.push_back({list.path, std::move(*now), std::move(wanted)});
     return true;
 }

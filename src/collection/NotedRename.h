@@ -9,8 +9,10 @@
 namespace tavlo {
 
 /// Carries a plan out, playlists with it, and notes in a journal what is needed to take it back.
+/// `roots` are folders below which playlists are looked for, `lists` further playlists. Where the
+/// journal or a playlist cannot be written, all is as it was before.
 void performNoted(cFilesRename& renamer, RenameJournal& journal, RenamePlan& plan,
-                  const std::vector<std::string>& lists);
+                  const std::vector<std::string>& roots, std::vector<std::string> lists);
 
 /// A batch of the journal on its way back. It may be broken off at any point and begun anew.
 class BatchBack {
@@ -23,6 +25,9 @@ class BatchBack {
     /// The rows whose files are not what they were.
     [[nodiscard]] std::vector<JournalRow> changedRows() const;
 
+    /// Copies that a move onto another disk left when it was broken off; the files are back.
+    [[nodiscard]] std::vector<std::string> leftCopies() const;
+
     /// Moves the files, writes the playlists and removes the folders that were made. False where
     /// something is left that may go better another time.
     bool perform(cFilesRename& renamer);
@@ -31,6 +36,7 @@ class BatchBack {
     [[nodiscard]] bool isBack(std::size_t row) const {
         return places_[row] == batch_.rows[row].from;
     }
+    [[nodiscard]] bool isLeft() const;
     [[nodiscard]] RenamePlan forward(bool whole) const;
     [[nodiscard]] RenamePlan namesKept() const { return forward(false); }
     [[nodiscard]] RenamePlan namesBack() const;

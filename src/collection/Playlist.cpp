@@ -28,10 +28,6 @@ std::string nativeEntry(std::string_view entry, PathStyle style) {
     return native;
 }
 
-bool hasBeyondAscii(std::string_view bytes) {
-    return std::ranges::any_of(bytes, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
-}
-
 std::string_view withoutBlanksBehind(std::string_view entry) {
     return entry.substr(0, entry.find_last_not_of(" \t\r") + 1);
 }
@@ -95,13 +91,22 @@ std::string newEntry(std::string_view entry, std::string_view path, std::string_
 // code page hardly ever is.
 std::string_view withoutMark(std::string_view bytes, bool& isUtf8) {
     const bool hasMark = bytes.starts_with(utf8Mark);
-    isUtf8 = isUtf8 || hasMark || (hasBeyondAscii(bytes) && isValidUtf8(bytes));
+    isUtf8 = isUtf8 || hasMark || looksLikeUtf8(bytes);
     return bytes.substr(hasMark ? utf8Mark.size() : 0);
 }
 }  // namespace
 
 bool isUtf8Playlist(std::string_view path) {
     return equalsNoCase(extensionOf(path, nativePathStyle()), "m3u8");
+}
+
+bool looksLikeUtf8(std::string_view bytes) {
+    const auto isBeyondAscii = [](char c) { return static_cast<unsigned char>(c) >= 0x80; };
+    return std::ranges::any_of(bytes, isBeyondAscii) && isValidUtf8(bytes);
+}
+
+std::string withMark(std::string_view utf8) {
+    return std::string(utf8Mark).append(utf8);
 }
 
 bool isPlaylist(std::string_view path) {
@@ -135,6 +140,20 @@ PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& pla
             {resolveEntry(entry, place.folder, place.style), isAbsoluteEntry(entry, place.style)});
     }
     return entries;
+}
+
+std::vector<std::string> playlistLines(std::string_view bytes, const PlaylistPlace& place,
+                                       const CodePage& ansi) {
+    bool isUtf8 = place.isUtf8;
+    bytes = withoutMark(bytes, isUtf8);
+    std::vector<std::string> lines;
+    while (!bytes.empty()) {
+        const std::string_view line = takeLine(bytes);
+        std::string text = isUtf8 ? std::string(line) : ansi.toUtf8(line);
+        lines.push_back(isEntry(line) ? resolveEntry(text, place.folder, place.style)
+                                      : std::move(text));
+    }
+    return lines;
 }
 
 std::optional<PlaylistEntries> readPlaylistEntries(const std::string& path, const CodePage& ansi) {
@@ -172,8 +191,8 @@ std::optional<std::string> rewrittenPlaylist(std::string_view bytes, const Playl
         wide.append(shown).append(end);
     }
     if (!changes) return std::nullopt;
-    if (isUtf8 || fits) return std::string(mark) + own;
-    return std::string(utf8Mark) + wide;
+    if (isUtf8 || (fits && !looksLikeUtf8(own))) return std::string(mark) + own;
+    return withMark(wide);
 }
 
 }  // namespace tavlo

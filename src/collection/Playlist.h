@@ -39,8 +39,16 @@ std::string plainEntry(const std::string& entry, PathStyle style);
 /// one are none of it.
 PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& place,
                                 const CodePage& ansi);
+/// All its lines in UTF-8 without their ends, with the full paths of entries.
+std::vector<std::string> playlistLines(std::string_view bytes, const PlaylistPlace& place,
+                                       const CodePage& ansi);
 /// Of a list on the disk; nothing when it cannot be read.
 std::optional<PlaylistEntries> readPlaylistEntries(const std::string& path, const CodePage& ansi);
+
+/// Whether text of a code page would be taken for UTF-8.
+bool looksLikeUtf8(std::string_view bytes);
+/// UTF-8 with the mark that tells it.
+std::string withMark(std::string_view utf8);
 
 /// The full path of an entry, "." and ".." steps resolved by the text alone.
 std::string resolveEntry(std::string_view entry, std::string_view folder, PathStyle style);

@@ -73,11 +73,18 @@ std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders)
 }
 
 std::vector<std::string> playlistsAround(const RenamePlan& plan) {
-    std::set<std::string, std::less<>> folders;
+    std::set<std::string> touched;
     for (const RenameStep& step : plan) {
         if (step.to == step.from) continue;
         for (const std::string& path : {step.from, step.to}) {
-            std::string_view folder = folderOf(path, nativePathStyle());
+            touched.emplace(folderOf(path, nativePathStyle()));
+        }
+    }
+    std::set<std::string, std::less<>> folders;
+    for (const std::string& path : touched) {
+        // Behind a link there are other folders above.
+        for (const std::string& start : {path, canonicalPath(path)}) {
+            std::string_view folder = start;
             while (!folder.empty() && !folders.contains(folder)) {
                 folders.emplace(folder);
                 folder = parentOf(folder, nativePathStyle());
@@ -126,6 +133,19 @@ std::string followed(std::string_view before, std::string_view path, const Renam
                      const CodePage& ansi) {
     RowsByPath rows(done, isMoved);
     return applied(before, path, done, rows, ansi).value_or(std::string(before));
+}
+
+bool hasOnlyFollowed(std::string_view now, std::string_view before, std::string_view path,
+                     const RenamePlan& done, const CodePage& ansi) {
+    const PlaylistPlace place = playlistPlace(path);
+    const std::vector<std::string> lines = playlistLines(now, place, ansi);
+    const std::vector<std::string> old = playlistLines(before, place, ansi);
+    RowsByPath rows(done, isMoved);
+    return std::ranges::equal(lines, old, [&](const std::string& a, const std::string& b) {
+        if (a == b) return true;
+        const auto row = rows.find(b);
+        return row && done[*row].to == a;
+    });
 }
 
 std::vector<ListChange> listChanges(std::vector<std::string> lists, const RenamePlan& done,

@@ -27,6 +27,10 @@ std::vector<std::string> relativeEntries(std::span<const std::string> lists, con
 std::string followed(std::string_view before, std::string_view path, const RenamePlan& done,
                      const CodePage& ansi);
 
+/// Whether a list is `before` with entries changed by such a plan only, all of them or some.
+bool hasOnlyFollowed(std::string_view now, std::string_view before, std::string_view path,
+                     const RenamePlan& done, const CodePage& ansi);
+
 /// A playlist that has to follow renamed files.
 struct ListChange {
     std::string path;

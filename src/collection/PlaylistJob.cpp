@@ -73,6 +73,9 @@ int makePlaylists(Services& services) {
         const PlaylistWish wish{folder, {}, options.mask, options.keepPaths, options.subfolders};
         const auto list = folderPlaylist(wish, ansi, services.progress, services.cancel);
         if (!list) break;
+        for (const std::string& unread : list->unread) {
+            services.errors.report(Text::FolderNotRead, unread);
+        }
         if (!services.output.write(makeList(services, *list))) {
             services.errors.report(Text::OutputNotWritten);
         }

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "collection/JobFiles.h"
-#include "collection/Playlist.h"
 #include "collection/NotedRename.h"
+#include "collection/Playlist.h"
 #include "collection/RenameBasics.h"
 #include "collection/RenameReport.h"
 #include "platform/FileSystem.h"
@@ -29,6 +29,7 @@ void chooseFormat(const Services& services, cFilesRename& renamer) {
 
 struct RenameBatch {
     std::vector<std::string> paths;
+    std::vector<std::string> roots;  // the folders among what was named
     std::vector<std::string> lists;  // playlists that have to follow, besides those around
 };
 
@@ -41,6 +42,7 @@ bool gatherBatch(Services& services, const cFilesRename& renamer, RenameBatch& b
     for (const std::string& wanted : wantedPaths(services)) {
         const std::string path = absolutePath(wanted);
         if (folderExists(path)) {
+            batch.roots.push_back(path);
             std::ranges::move(playlistsIn(path, true), std::back_inserter(batch.lists));
             if (byLists) std::ranges::move(renamer.playlistsOf(path), std::back_inserter(chosen));
         } else if (isPlaylist(path)) {
@@ -78,13 +80,16 @@ int renameFiles(Services& services) {
     RenameJournal journal(journalFolder());
     if (!mayRename(services, journal)) return services.errors.exitCode();
     if (!target || !gatherBatch(services, renamer, batch)) return unusableCommandLine;
-    if (journal.isBrokenOff()) services.errors.note(Text::RenamingBrokenOff);
+    if (journal.isBrokenOff()) {
+        services.errors.report(Text::RenamingBrokenOff);
+        return services.errors.exitCode();
+    }
     RenameReport report(services);
     // A scan that was cancelled found a part of the files only: then nothing is renamed.
     if (!services.cancel.load()) {
         RenamePlan plan = renamer.plan(batch.paths, *target, batch.lists);
         if (!services.options.dryRun) {
-            performNoted(renamer, journal, plan, batch.lists);
+            performNoted(renamer, journal, plan, batch.roots, batch.lists);
         }
         report.tell(plan);
     }

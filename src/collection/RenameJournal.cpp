@@ -18,7 +18,8 @@ constexpr std::uint64_t largestJournal = 1U << 30U;  // bytes
 constexpr std::size_t nameDigits = 6;
 constexpr std::string_view nameEnding = ".txt";
 constexpr std::string_view batchWord = "batch", fileWord = "file", folderWord = "folder",
-                           listWord = "list", movedWord = "moved", doneWord = "done";
+                           listWord = "list", rootWord = "root", movedWord = "moved",
+                           doneWord = "done";
 
 // A name may hold what parts the fields of a line.
 constexpr std::array<std::pair<char, char>, 4> escapes{
@@ -91,7 +92,8 @@ std::string textOf(std::string_view time, const JournalBatch& batch) {
             {fileWord, std::to_string(row.size), std::to_string(row.modified), row.from, row.to});
     }
     for (const std::string& folder : batch.newFolders) text += lineOf({folderWord, folder});
-    return text + textOfLists(batch.lists) + (batch.isMoved ? lineOf({movedWord}) : "");
+    for (const std::string& root : batch.roots) text += lineOf({rootWord, root});
+    return text + textOfLists(batch.lists);
 }
 
 void readLine(const std::vector<std::string>& fields, JournalBatch& batch) {
@@ -100,6 +102,8 @@ void readLine(const std::vector<std::string>& fields, JournalBatch& batch) {
                               fields[3], fields[4]});
     } else if (fields[0] == folderWord && fields.size() == 2) {
         batch.newFolders.push_back(fields[1]);
+    } else if (fields[0] == rootWord && fields.size() == 2) {
+        batch.roots.push_back(fields[1]);
     } else if (fields[0] == listWord && fields.size() == 3) {
         batch.lists.push_back({fields[1], fields[2]});
     } else if (fields[0] == movedWord) {
@@ -144,7 +148,6 @@ bool RenameJournal::begin(std::string_view time, const JournalBatch& batch) {
         path_ = joinPath(folder_, name + std::string(nameEnding), nativePathStyle());
         written = writeFile(path_, textOf(time, batch), calls_);
     }
-    rows_ = batch.rows.size();
     return written == Transfer::Done;
 }
 
@@ -155,10 +158,9 @@ bool RenameJournal::append(std::string_view text, bool flushed) const {
            (!flushed || calls_.flush(file.handle()));
 }
 
-bool RenameJournal::endMoves(std::string_view time, JournalBatch batch) {
+bool RenameJournal::endMoves(std::string_view time, const JournalBatch& batch, bool same) {
     if (batch.rows.empty()) return removeFile(path_, calls_);
-    batch.isMoved = true;
-    if (batch.rows.size() != rows_) return replaceFile(path_, textOf(time, batch), calls_);
+    if (!same) return replaceFile(path_, textOf(time, batch) + lineOf({movedWord}), calls_);
     return append(textOfLists(batch.lists) + lineOf({movedWord}), !batch.lists.empty());
 }
 

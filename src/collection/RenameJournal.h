@@ -15,6 +15,8 @@ struct JournalRow {
     std::uint64_t size = 0;     ///< bytes
     std::int64_t modified = 0;  ///< in the system's ticks
     std::string from, to;       ///< full paths
+
+    bool operator==(const JournalRow&) const = default;
 };
 
 /// A playlist that followed a batch.
@@ -26,6 +28,7 @@ struct JournalList {
 struct JournalBatch {
     std::vector<JournalRow> rows;
     std::vector<std::string> newFolders;  ///< that were not there before; inner ones first
+    std::vector<std::string> roots;       ///< below which playlists were looked for
     std::vector<JournalList> lists;
     bool isMoved = false;  ///< the moves came to their end: rows and lists are those that changed
     bool isDone = false;   ///< and the lists were written
@@ -47,8 +50,9 @@ class RenameJournal {
 
     /// Begins a batch; `time` is for people who read the file. False when it cannot be written.
     bool begin(std::string_view time, const JournalBatch& batch);
-    /// The files were moved: the batch as it is now takes its place; one without rows goes.
-    bool endMoves(std::string_view time, JournalBatch batch);
+    /// The files were moved: the batch as it is now takes its place, unless its rows are the
+    /// `same`; one without rows goes.
+    bool endMoves(std::string_view time, const JournalBatch& batch, bool same);
     /// The playlists were written.
     bool finish();
 
@@ -70,7 +74,6 @@ class RenameJournal {
     std::string folder_;
     FileCalls& calls_;
     std::string path_;
-    std::size_t rows_ = 0;  // of the batch that was begun
     File lock_;
 };
 

@@ -5,8 +5,10 @@ namespace tavlo {
 std::optional<RenameMessage> messageOf(const RenameStep& step) {
     switch (step.result) {
         case RenameResult::NotCreated:
-            return RenameMessage{step.reason,
-                                 step.reason == Text::FileNotCreated ? step.to : step.from};
+            return RenameMessage{
+                step.reason, step.reason == Text::FileNotCreated || step.reason == Text::FileAside
+                                 ? step.to
+                                 : step.from};
         case RenameResult::FolderNotCreated:
             return RenameMessage{Text::FolderNotCreated, folderOf(step.to, nativePathStyle())};
         case RenameResult::Unknown:
@@ -86,11 +88,32 @@ void settleNames(RenamePlan& plan, TakenNames& taken, PathStyle style) {
     }
 }
 
-std::vector<MoveStep> moveOrder(const RenamePlan& plan) {
-    std::unordered_map<std::uint64_t, std::size_t> bearers;  // by the name that they have now
-    for (std::size_t i = 0; i < plan.size(); ++i) {
-        if (plan[i].moves()) bearers.emplace(hashNoCase(plan[i].from), i);
+namespace {
+// The moving rows by the names that they have now. Where two names differ in case only, the exact
+// one bears a name.
+class Bearers {
+ public:
+    explicit Bearers(const RenamePlan& plan) {
+        for (std::size_t i = 0; i < plan.size(); ++i) {
+            if (!plan[i].moves()) continue;
+            exact_.emplace(plan[i].from, i);
+            withoutCase_.emplace(hashNoCase(plan[i].from), i);
+        }
     }
+    [[nodiscard]] std::optional<std::size_t> find(std::string_view path) const {
+        if (const auto row = exact_.find(path); row != exact_.end()) return row->second;
+        const auto row = withoutCase_.find(hashNoCase(path));
+        return row == withoutCase_.end() ? std::nullopt : std::optional(row->second);
+    }
+
+ private:
+    std::unordered_map<std::string_view, std::size_t> exact_;
+    std::unordered_map<std::uint64_t, std::size_t> withoutCase_;
+};
+}  // namespace
+
+std::vector<MoveStep> moveOrder(const RenamePlan& plan) {
+    const Bearers bearers(plan);
     enum class State : std::uint8_t { New, Waiting, Placed };
     std::vector<State> states(plan.size(), State::New);
     std::vector<MoveStep> order;
@@ -101,9 +124,9 @@ std::vector<MoveStep> moveOrder(const RenamePlan& plan) {
         for (std::size_t at = start; plan[at].moves() && states[at] == State::New;) {
             states[at] = State::Waiting;
             waiting.push_back(at);
-            const auto bearer = bearers.find(hashNoCase(plan[at].to));
-            if (bearer == bearers.end()) break;
-            at = bearer->second;
+            const auto bearer = bearers.find(plan[at].to);
+            if (!bearer) break;
+            at = *bearer;
             if (states[at] == State::Waiting) order.push_back({at, true});
         }
         for (; !waiting.empty(); waiting.pop_back()) {

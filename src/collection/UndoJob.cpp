@@ -9,6 +9,10 @@ namespace tavlo {
 
 int undoRename(Services& services) {
     if (!isUnderstood(services)) return unusableCommandLine;
+    if (services.options.folder) {
+        services.errors.report(Text::UndoHasNoFolder, *services.options.folder);
+        return unusableCommandLine;
+    }
     RenameJournal journal(journalFolder());
     if (!mayRename(services, journal)) return services.errors.exitCode();
     const auto batch = journal.last();
@@ -21,6 +25,7 @@ int undoRename(Services& services) {
     RenameReport report(services);
     BatchBack back(*batch);
     for (const JournalRow& row : back.changedRows()) report.tellChangedSince(row);
+    for (const std::string& copy : back.leftCopies()) services.errors.report(Text::CopyLeft, copy);
     const bool isDone = services.options.dryRun || (back.perform(renamer) && journal.drop());
     report.tell(back.plan());
     const int exitCode = report.finish();

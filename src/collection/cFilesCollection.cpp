@@ -136,11 +136,14 @@ void cFilesCollection::DeleteEmptyFolders() {
 bool cFilesCollection::FillFromPlaylist(const std::string& path, FileTypes mask,
                                         const CodePage& ansi) {
     const auto entries = readPlaylistEntries(path, ansi);
-    if (!entries) return false;
-    for (const PlaylistEntry& entry : *entries) {
+    if (entries) AddEntries(*entries, mask);
+    return entries.has_value();
+}
+
+void cFilesCollection::AddEntries(const PlaylistEntries& entries, FileTypes mask) {
+    for (const PlaylistEntry& entry : entries) {
         if ((tavlo::GetFileType(entry.path) & mask) != 0) files_.add(entry.path, foundMatch());
     }
-    return true;
 }
 
 void cFilesCollection::Sort() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "collection/PathList.h"
+#include "collection/Playlist.h"
 #include "core/PathText.h"
 #include "core/Progress.h"
 #include "platform/CodePage.h"
@@ -65,9 +66,9 @@ class cFilesCollection {
     /// Deletes the listed folders that are empty and takes them off the list.
     void DeleteEmptyFolders();
     /// Adds the entries of an M3U playlist whose type is in the mask; relative entries start from
-    /// the playlist's folder. A list with a UTF-8 mark or named ".m3u8" is UTF-8, any other one in
-    /// the code page. False when it cannot be read.
+    /// the playlist's folder. False when it cannot be read.
     bool FillFromPlaylist(const std::string& path, FileTypes mask, const CodePage& ansi);
+    void AddEntries(const PlaylistEntries& entries, FileTypes mask);
     /// By path, ascending, without case, digits as numbers.
     void Sort();
     /// Adds the files of a folder whose type is in the mask: with subfolders depth first, a

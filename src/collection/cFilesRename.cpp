@@ -1,6 +1,7 @@
 #include "collection/cFilesRename.h"
 
 #include <algorithm>
+#include <set>
 
 #include "collection/FilesIn.h"
 #include "collection/Playlist.h"
@@ -111,12 +112,21 @@ void refuseImpossibleFolders(RenamePlan& plan) {
     }
 }
 
-// A link may lead on from where it lies.
-void refuseToMoveLinks(RenamePlan& plan) {
+// A link may lead on from where it lies only, and to a name that the batch gives up.
+void refuseLinks(RenamePlan& plan) {
+    std::string_view last;
+    std::set<std::string, std::less<>> links;  // in the folder of the row before
     for (RenameStep& step : plan) {
-        const bool changesFolder = step.moves() && folderOf(step.from, nativePathStyle()) !=
-                                                       folderOf(step.to, nativePathStyle());
-        if (!changesFolder || withoutLinks(step.from) == step.from) continue;
+        if (!step.moves()) continue;
+        const std::string_view folder = folderOf(step.from, nativePathStyle());
+        if (folder != last) {
+            last = folder;
+            links.clear();
+            for (FolderEntry& entry : listFolder(std::string(folder))) {
+                if (entry.isLink) links.insert(std::move(entry.name));
+            }
+        }
+        if (!links.contains(fileNameOf(step.from, nativePathStyle()))) continue;
         step.result = RenameResult::NotCreated;
         step.reason = Text::LinkStays;
     }
@@ -126,11 +136,11 @@ void refuseToMoveLinks(RenamePlan& plan) {
 
 void cFilesRename::refuseWhatCannotBe(RenamePlan& plan, const std::vector<std::string>& lists) {
     refuseImpossibleFolders(plan);
-    refuseToMoveLinks(plan);
+    refuseLinks(plan);
     std::vector<std::string> all = playlistsAround(plan);
     all.insert(all.end(), lists.begin(), lists.end());
     const HeldRows held = rowsThatListsHold(std::move(all), plan, context_.ansi);
-    for (const std::string& list : held.unread) context_.errors.report(Text::ListNotRead, list);
+    for (const std::string& list : held.unread) context_.errors.note(Text::ListNotRead, list);
     for (const std::size_t row : held.rows) {
         plan[row].result = RenameResult::NotCreated;
         plan[row].reason = Text::ListNotWritable;
@@ -169,8 +179,11 @@ bool cFilesRename::move(RenameStep& step, const std::string& from) {
         return false;
     }
     lastFolder_ = folder;
-    step.isMoved = moveFile(from, step.to, context_.calls) == Transfer::Done;
+    const Transfer moved = moveFile(from, step.to, context_.calls);
+    step.isMoved = moved == Transfer::Done || moved == Transfer::Copied;
     if (!step.isMoved) step.result = RenameResult::NotCreated;
+    const auto copy = moved == Transfer::Copied ? fileInfo(step.to) : std::nullopt;
+    if (copy) step.modified = copy->modified;
     return step.isMoved;
 }
 
@@ -197,7 +210,13 @@ void cFilesRename::takeCircleBack(RenamePlan& plan, std::span<const MoveStep> mo
         step.isMoved = moveFile(step.to, step.from, context_.calls) != Transfer::Done;
         step.result = step.isMoved ? RenameResult::Done : RenameResult::NotCreated;
     }
-    moveFile(aside, plan[moves.back().row].from, context_.calls);
+    RenameStep& start = plan[moves.back().row];
+    if (start.isMoved || moveFile(aside, start.from, context_.calls) == Transfer::Done) return;
+    if (isFreeOnDisk(aside)) return;
+    // That is its name then, and no other.
+    start.to = aside;
+    start.isMoved = true;
+    start.reason = Text::FileAside;
 }
 
 void cFilesRename::reportFailures(const RenamePlan& plan) {

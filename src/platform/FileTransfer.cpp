@@ -41,7 +41,8 @@ Transfer moveFile(const std::string& from, const std::string& to, FileCalls& cal
     File source(calls);
     if (!openToMove(source, from)) return Transfer::NotRead;
     const Transfer copied = copyOpened(source, to);
-    if (copied != Transfer::Done || calls.remove(source.release(), from)) return copied;
+    if (copied != Transfer::Done) return copied;
+    if (calls.remove(source.release(), from)) return Transfer::Copied;
     removeFile(to, calls);
     return Transfer::Failed;
 }

@@ -9,6 +9,7 @@ namespace tavlo {
 
 enum class Transfer {
     Done,
+    Copied,   ///< done by a copy to another disk, which may keep coarser times
     Exists,   ///< the new name is taken; nothing was changed
     NotRead,  ///< the source is no file that can be read; nothing was changed
     Failed    ///< the source is as it was, and nothing lies under the new name
@@ -18,7 +19,8 @@ enum class Transfer {
 /// compared, and only then under its new name, which it never overwrites.
 Transfer copyFile(const std::string& from, const std::string& to, FileCalls& calls = systemCalls());
 
-/// Gives a file another name, on another disk by a copy; the source goes when that is whole.
+/// Gives a file another name, on another disk by a copy (`Copied`); the source goes when that is
+/// whole.
 Transfer moveFile(const std::string& from, const std::string& to, FileCalls& calls = systemCalls());
 
 /// Writes a whole file beside its place, flushed, and puts it there in one step, whether or not

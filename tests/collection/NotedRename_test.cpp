@@ -63,7 +63,7 @@ struct Desk {
             if (name.ends_with(".mp3")) paths.push_back(folder.path(name));
         }
         RenamePlan plan = renamer.plan(paths);
-        performNoted(renamer, journal, plan, {});
+        performNoted(renamer, journal, plan, {folder.path()}, {});
     }
     void undo() {
         const auto batch = RenameJournal(journalFolder.path()).last();
@@ -124,6 +124,35 @@ TEST(NotedRename, TakingBackMayBeKilledAtAnyCall) {
         desk.strike(0);
         desk.undo();
         EXPECT_EQ(desk.files(), start);
+        EXPECT_TRUE(desk.journal.last()->rows.empty());
+    }
+}
+
+TEST(NotedRename, LastingErrorsLeaveNothingThatCannotBeTakenBack) {
+    Desk whole;
+    whole.rename();
+    const std::size_t moves = whole.calls.moves;
+    whole.undo();
+    for (std::size_t at = 1; at <= whole.calls.moves; ++at) {
+        SCOPED_TRACE(at);
+        Desk desk;
+        desk.calls.failOn = true;
+        desk.calls.failingMove = at;
+        desk.rename();
+        if (at > moves) desk.undo();
+        desk.calls.failingMove = 0;
+        desk.undo();
+        EXPECT_EQ(desk.files(), start);
+    }
+}
+
+TEST(NotedRename, WithoutItsListsItDoesNotHappen) {
+    for (std::size_t at = 1; at <= 2; ++at) {
+        Desk desk;
+        desk.calls.failingReplace = at;
+        desk.rename();
+        EXPECT_EQ(desk.files(), start);
+        EXPECT_EQ(desk.errors.count(), 1U) << desk.messages.text;
         EXPECT_TRUE(desk.journal.last()->rows.empty());
     }
 }

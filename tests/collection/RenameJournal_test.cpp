@@ -14,6 +14,7 @@ using Texts = std::vector<std::string>;
 
 Texts textsOf(const JournalBatch& batch) {
     Texts texts = batch.newFolders;
+    texts.insert(texts.end(), batch.roots.begin(), batch.roots.end());
     for (const JournalRow& row : batch.rows) {
         texts.push_back(std::to_string(row.size) + "|" + std::to_string(row.modified) + "|" +
                         row.from + "|" + row.to);
@@ -27,6 +28,7 @@ const JournalBatch strange = {{{0, -1, "/m/a\tb.mp3", "/m/a\nbatch\tb.mp3"},
                                {~std::uint64_t{0}, INT64_MAX, "/m/\r\n\t\\", "/m/\\n\\t\\\\"},
                                {5, INT64_MIN, "/m/Пёс.mp3", "/m/file\t5\t5\tx\ty.mp3"}},
                               {"/m/a", "/m/a\tb\n\\c"},
+                              {"/m"},
                               {{"/m/l.m3u", "#EXTM3U\r\n\xCF\\x.mp3\r\n"}, {"/m/e.m3u", ""}}};
 
 TEST(RenameJournal, BatchComesBackAsItWas) {
@@ -42,7 +44,7 @@ TEST(RenameJournal, BatchComesBackAsItWas) {
     for (const bool isPart : {false, true}) {
         JournalBatch moved = strange;
         if (isPart) moved.rows.pop_back();
-        EXPECT_TRUE(journal.endMoves("now", moved));
+        EXPECT_TRUE(journal.endMoves("now", moved, !isPart));
         EXPECT_EQ(textsOf(*journal.last()), textsOf(moved));
         EXPECT_TRUE(journal.last()->isMoved && !journal.last()->isDone && journal.isBrokenOff());
     }
@@ -57,7 +59,7 @@ TEST(RenameJournal, LastBatchGoesAndOldOnesToo) {
     RenameJournal journal(folder.path());
     folder.write("notes.txt", "somebody's");
     for (std::size_t i = 0; i < RenameJournal::mostBatches + 3; ++i) {
-        ASSERT_TRUE(journal.begin("now", {{{i, 0, "a", "b"}}, {}, {}}));
+        ASSERT_TRUE(journal.begin("now", {{{i, 0, "a", "b"}}, {}, {}, {}}));
     }
     EXPECT_EQ(listFolder(folder.path()).size(), RenameJournal::mostBatches + 1);
     EXPECT_EQ(journal.last()->rows[0].size, RenameJournal::mostBatches + 2);
@@ -65,7 +67,7 @@ TEST(RenameJournal, LastBatchGoesAndOldOnesToo) {
     EXPECT_EQ(journal.last()->rows[0].size, RenameJournal::mostBatches + 1);
     // One that moved nothing is none, and one that tells nothing hides no other.
     ASSERT_TRUE(journal.begin("now", strange));
-    EXPECT_TRUE(journal.endMoves("now", {}));
+    EXPECT_TRUE(journal.endMoves("now", {}, false));
     folder.write("999999.txt", "");
     EXPECT_EQ(journal.last()->rows[0].size, RenameJournal::mostBatches + 1);
 }
@@ -88,7 +90,8 @@ TEST(RenameJournal, CutFileKeepsTheLinesBeforeTheCut) {
         const auto end = whole.begin() + static_cast<std::ptrdiff_t>(size);
         const std::ptrdiff_t lines = std::count(whole.begin(), end, '\n');
         const JournalBatch last = *journal.last();
-        const std::size_t parts = last.rows.size() + last.newFolders.size() + last.lists.size();
+        const std::size_t parts =
+            last.rows.size() + last.newFolders.size() + last.roots.size() + last.lists.size();
         EXPECT_EQ(parts, static_cast<std::size_t>(std::max<std::ptrdiff_t>(lines - 1, 0))) << size;
     }
 }

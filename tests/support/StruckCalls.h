@@ -12,7 +12,9 @@ namespace tavlo::test {
 class StruckCalls final : public FileCalls {
  public:
     std::size_t failingMove = 0;  ///< 0 = none
-    std::size_t deathAt = 0;      ///< of the calls that change something; 0 = never
+    bool failOn = false;          ///< all moves behind it fail too
+    std::size_t failingReplace = 0, replaced = 0;
+    std::size_t deathAt = 0;  ///< of the calls that change something; 0 = never
     std::size_t moves = 0, changes = 0;
 
     FileHandle open(const std::string& path, Access access, FileStatus& status) override {
@@ -45,7 +47,9 @@ class StruckCalls final : public FileCalls {
     }
     bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
                  const std::string& path) override {
-        if (lives()) return calls_.replace(temporary, temporaryPath, original, path);
+        if (++replaced != failingReplace && lives()) {
+            return calls_.replace(temporary, temporaryPath, original, path);
+        }
         close(temporary);
         if (original != noFile) close(original);
         return false;
@@ -56,7 +60,9 @@ class StruckCalls final : public FileCalls {
         return false;
     }
     Moved move(const std::string& from, const std::string& to) override {
-        return ++moves != failingMove && lives() ? calls_.move(from, to) : Moved::Failed;
+        ++moves;
+        const bool fails = failOn && failingMove > 0 ? moves >= failingMove : moves == failingMove;
+        return !fails && lives() ? calls_.move(from, to) : Moved::Failed;
     }
     bool clearReadOnly(const std::string& path) override {
         return lives() && calls_.clearReadOnly(path);
