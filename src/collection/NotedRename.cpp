@@ -154,14 +154,17 @@ bool BatchBack::perform(cFilesRename& renamer) {
 }
 
 // Whether anything may go better another time: what could not be moved, or lies on a disk that is
-// not there.
+// not there; then its folder is missing, or nothing of the batch is to be found.
 bool BatchBack::isLeft() const {
+    std::size_t missing = 0;
     for (std::size_t i = 0; i < places_.size(); ++i) {
-        const std::string folder(folderOf(batch_.rows[i].to, nativePathStyle()));
-        const bool isAway = places_[i].empty() && !folderExists(folder);
-        if (isAway || (!places_[i].empty() && !isBack(i))) return true;
+        const std::string& path = batch_.rows[i].to;
+        if (!places_[i].empty() && !isBack(i)) return true;
+        if (!places_[i].empty() || fileInfo(path)) continue;
+        if (!folderExists(std::string(folderOf(path, nativePathStyle())))) return true;
+        ++missing;
     }
-    return false;
+    return missing > 0 && missing == places_.size();
 }
 
 // The whole batch as it was carried out, or the part of it that is not taken back.
