@@ -196,10 +196,14 @@ std::vector<ListChange> BatchBack::lists(const CodePage& ansi) const {
         std::ranges::move(playlistsIn(root, true), std::back_inserter(others));
     }
     std::vector<ListChange> changes;
+    std::vector<std::string> own;
+    std::vector<std::string> edited;
     for (const JournalList& list : batch_.lists) {
-        std::erase(others, list.path);
-        if (!addOwnList(list, ansi, changes)) others.push_back(list.path);
+        own.push_back(list.path);
+        if (!addOwnList(list, ansi, changes)) edited.push_back(list.path);
     }
+    eraseLists(others, own);
+    std::ranges::move(edited, std::back_inserter(others));
     // Without its moves brought to an end, the batch changed no list.
     const RenamePlan names = batch_.isMoved ? namesBack() : namesKept();
     std::ranges::move(listChanges(std::move(others), names, ansi), std::back_inserter(changes));

@@ -62,9 +62,13 @@ std::optional<std::string> applied(std::string_view list, std::string_view path,
     });
 }
 
+// Each once, by the path that comes first.
 void sortOut(std::vector<std::string>& lists) {
+    PathKeys keys;
+    std::set<std::string> seen;
+    std::erase_if(lists,
+                  [&](const std::string& list) { return !seen.insert(keys.of(list)).second; });
     std::sort(lists.begin(), lists.end());
-    lists.erase(std::unique(lists.begin(), lists.end()), lists.end());
 }
 }  // namespace
 
@@ -73,29 +77,34 @@ std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders)
 }
 
 std::vector<std::string> playlistsAround(const RenamePlan& plan) {
-    std::set<std::string> touched;
+    std::set<std::string, std::less<>> touched;
     for (const RenameStep& step : plan) {
         if (step.to == step.from) continue;
         for (const std::string& path : {step.from, step.to}) {
-            touched.emplace(folderOf(path, nativePathStyle()));
+            const std::string_view folder = folderOf(path, nativePathStyle());
+            if (!touched.contains(folder)) touched.emplace(folder);
         }
     }
     std::set<std::string, std::less<>> folders;
-    for (const std::string& path : touched) {
-        // Behind a link there are other folders above.
-        for (const std::string& start : {path, canonicalPath(path)}) {
-            std::string_view folder = start;
-            while (!folder.empty() && !folders.contains(folder)) {
-                folders.emplace(folder);
-                folder = parentOf(folder, nativePathStyle());
-            }
-        }
-    }
     std::vector<std::string> lists;
-    for (const std::string& folder : folders) {
-        std::ranges::move(playlistsIn(folder, false), std::back_inserter(lists));
-    }
+    const auto addFrom = [&](std::string_view folder) {
+        for (; !folder.empty() && !folders.contains(folder);
+             folder = parentOf(folder, nativePathStyle())) {
+            folders.emplace(folder);
+            std::ranges::move(playlistsIn(std::string(folder), false), std::back_inserter(lists));
+        }
+    };
+    for (const std::string& folder : touched) addFrom(folder);
+    // Behind a link there are other folders above.
+    for (const std::string& folder : touched) addFrom(canonicalPath(folder));
     return lists;
+}
+
+void eraseLists(std::vector<std::string>& lists, std::span<const std::string> others) {
+    PathKeys keys;
+    std::set<std::string> out;
+    for (const std::string& list : others) out.insert(keys.of(list));
+    std::erase_if(lists, [&](const std::string& list) { return out.contains(keys.of(list)); });
 }
 
 std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi) {

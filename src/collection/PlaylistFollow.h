@@ -20,6 +20,9 @@ std::vector<std::string> playlistsIn(const std::string& folder, bool subfolders)
 /// enter and in every folder above these.
 std::vector<std::string> playlistsAround(const RenamePlan& plan);
 
+/// Takes out what names the same file as any of the `others`.
+void eraseLists(std::vector<std::string>& lists, std::span<const std::string> others);
+
 /// The files that playlists name by relative entries, each once.
 std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi);
 
