@@ -4,6 +4,7 @@
 
 #include "core/FileNameText.h"
 #include "platform/PlainText.h"
+#include "tags/FieldGetters.h"
 #include "tags/TagText.h"
 
 namespace tavlo {
@@ -39,11 +40,6 @@ int roundedBitrate(int bitrate) {
     int steps = bitrate / step;
     if (twice > step || (twice == step && steps % 2 == 1)) ++steps;
     return step * steps;
-}
-
-template <auto getter>
-std::string gotten(const ID3tag& record) {
-    return std::string((record.*getter)());
 }
 
 struct Placeholder {

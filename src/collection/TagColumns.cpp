@@ -2,14 +2,11 @@
 
 #include <array>
 
+#include "tags/FieldGetters.h"
+
 namespace tavlo {
 
 namespace {
-template <auto getter>
-std::string gotten(const ID3tag& record) {
-    return std::string((record.*getter)());
-}
-
 // clang-format off
 constexpr std::array<TagColumn, 7> columns{{
     {"Artist", Text::ColumnArtist, &BasicFields::artist, &JobOptions::artist,

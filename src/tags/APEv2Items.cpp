@@ -5,17 +5,13 @@
 
 #include "platform/PlainText.h"
 #include "tags/ByteWriting.h"
+#include "tags/FieldGetters.h"
 #include "tags/FieldSetters.h"
 #include "tags/TagText.h"
 
 namespace tavlo {
 
 namespace {
-template <auto getter>
-std::string gotten(const ID3tag& record) {
-    return std::string((record.*getter)());
-}
-
 template <std::string cID3v2ext::*field>
 std::string longText(const ID3tag& record) {
     return std::string(trimBlanks(record.ID3v2Ext.*field));

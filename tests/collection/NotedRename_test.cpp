@@ -2,19 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
-#include "platform/FileSystem.h"
-#include "support/MemorySink.h"
-#include "support/StruckCalls.h"
+#include "support/RenameDesk.h"
 #include "support/TagBytes.h"
-#include "support/TempFolder.h"
-#include "support/TestProgress.h"
 
 namespace tavlo::test {
 namespace {
-
-using Files = std::map<std::string, std::string>;  // bytes by name
 
 std::string song(const std::string& title, const std::string& album = "") {
     const std::string frames = textFrame(4, "TIT2", title, 3);
@@ -27,30 +19,16 @@ const Files start = {{"1.mp3", song("2")}, {"2.mp3", song("3")}, {"4.mp3", song(
                      {"5.mp3", song("6")}, {"6.mp3", song("4")}, {"7.mp3", song("Ж", "D")},
                      {"l.m3u", list},      {"k.m3u8", list}};
 
-struct Desk {
-    TempFolder folder, journalFolder;
-    CodePage ansi{1252};
-    Texts texts;
-    MemorySink messages;
-    ErrorReport errors{texts, messages};
-    TestProgress progress;
-    StruckCalls calls;
-    cFilesRename renamer{
-        {ansi, Transliteration::Phonetic, errors, progress, progress.cancel, calls}};
+struct Desk : RenameDesk {
+    TempFolder journalFolder;
     RenameJournal journal{journalFolder.path(), calls};
 
-    Desk() {
-        renamer.Template = "%L\\%T";
-        for (const auto& [name, bytes] : start) folder.write(name, bytes);
-    }
+    Desk() : RenameDesk("%L\\%T", start) {}
+
     // Leftovers of temporary files apart.
-    [[nodiscard]] Files files(const std::string& below = "") const {
-        Files all;
-        for (const FolderEntry& entry : listFolder(folder.path(below))) {
-            if (entry.isFolder) all.merge(files(below + entry.name + "/"));
-            if (entry.isFolder || entry.name.ends_with(".tmp")) continue;
-            all[below + entry.name] = folder.read(below + entry.name);
-        }
+    [[nodiscard]] Files files() const {
+        Files all = RenameDesk::files();
+        std::erase_if(all, [](const auto& file) { return file.first.ends_with(".tmp"); });
         return all;
     }
     void strike(std::size_t at) {

@@ -3,55 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 
-#include "platform/FileSystem.h"
-#include "support/MemorySink.h"
-#include "support/StruckCalls.h"
+#include "support/RenameDesk.h"
 #include "support/TagBytes.h"
-#include "support/TempFolder.h"
-#include "support/TestProgress.h"
 
 namespace tavlo::test {
 namespace {
 
 using Names = std::vector<std::string>;
-using Files = std::map<std::string, std::string>;  // bytes by name, with "/" between levels
-
-struct Desk {
-    TempFolder folder;
-    CodePage ansi{1252};
-    Texts texts;
-    MemorySink messages;
-    ErrorReport errors{texts, messages};
-    TestProgress progress;
-    StruckCalls calls;
-    cFilesRename renamer{
-        {ansi, Transliteration::Phonetic, errors, progress, progress.cancel, calls}};
-
-    explicit Desk(const std::string& nameTemplate, const Files& files = {}) {
-        renamer.Template = nameTemplate;
-        for (const auto& [name, bytes] : files) folder.write(name, bytes);
-    }
-
-    Names paths(const Names& names) const {
-        Names all;
-        for (const std::string& name : names) all.push_back(folder.path(name));
-        return all;
-    }
-    Files files(const std::string& below = "") const {
-        Files all;
-        for (const FolderEntry& entry : listFolder(folder.path(below))) {
-            const std::string name = below + entry.name;
-            if (entry.isFolder) {
-                all.merge(files(name + "/"));
-            } else {
-                all[name] = folder.read(name);
-            }
-        }
-        return all;
-    }
-};
+using Desk = RenameDesk;
 
 std::string song(const std::string& artist, const std::string& title) {
     return tag(4, textFrame(4, "TPE1", artist, 3) + textFrame(4, "TIT2", title, 3)) + mpegFrames(2);
