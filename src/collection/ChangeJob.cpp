@@ -96,7 +96,8 @@ class ChangeJob {
     // A record that holds nothing but the new values changes nothing else. What a name tells may
     // also empty a field; that shows against what was read only.
     std::optional<ID3tag> filledRecord(const std::string& path) const {
-        ID3tag record = filling_.readsNames() ? ReadAudioFile(path, {ansi_}) : ID3tag();
+        ID3tag record =
+            filling_.readsNames() ? ReadAudioFile(path, {ansi_, ReadDepth::Tags}) : ID3tag();
         record.Path = path;
         record.FileType = GetFileType(path);
         record.OK = true;

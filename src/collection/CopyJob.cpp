@@ -63,7 +63,8 @@ std::vector<CopyStep> planCopies(const cFilesCollection& files, const std::strin
                                             files.GetFileName(i), nativePathStyle());
         step.to = freePath(wanted, nativePathStyle(), [&](std::string_view path) {
             if (given.contains(lowerCase(path))) return false;
-            return isCopyOf(path, step.from) || !fileInfo(std::string(path));
+            step.isThere = isCopyOf(path, step.from);
+            return step.isThere || !fileInfo(std::string(path));
         });
         given.insert(lowerCase(step.to));
         const auto source = fileInfo(step.from);
@@ -71,8 +72,6 @@ std::vector<CopyStep> planCopies(const cFilesCollection& files, const std::strin
             step.fail(Text::FileNotRead, step.from);
         } else if (step.to.empty()) {
             step.fail(Text::FileNotCreated, wanted);
-        } else {
-            step.isThere = isCopyOf(step.to, step.from);
         }
         plan.push_back(std::move(step));
     }
@@ -142,9 +141,7 @@ class CopyRun {
     std::string out_;
     std::size_t copied_ = 0, there_ = 0;
 };
-}  // namespace
 
-namespace {
 // The list's audio files; its other entries are told. False when there is no such list.
 bool gatherEntries(Services& services, const std::string& list, cFilesCollection& files) {
     const CodePage ansi(services.ansiCodePage);
