@@ -6,6 +6,7 @@
 #include "collection/JobFiles.h"
 #include "collection/ListJson.h"
 #include "collection/ListTable.h"
+#include "core/Numbers.h"
 #include "tags/AudioFile.h"
 
 namespace tavlo {
@@ -69,11 +70,9 @@ class ListPrinter {
     }
 
     static std::string durationText(std::uint64_t seconds) {
-        const auto twoDigits = [](std::uint64_t n) {
-            return (n < 10 ? "0" : "") + std::to_string(n);
-        };
-        return std::to_string(seconds / 3600) + ":" + twoDigits(seconds / 60 % 60) + ":" +
-               twoDigits(seconds % 60);
+        const auto part = static_cast<std::int64_t>(seconds);
+        return std::to_string(part / 3600) + ":" + paddedNumber(part / 60 % 60, 2) + ":" +
+               paddedNumber(part % 60, 2);
     }
 
     Services& services_;

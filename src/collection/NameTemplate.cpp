@@ -3,6 +3,7 @@
 #include <array>
 
 #include "core/FileNameText.h"
+#include "core/Numbers.h"
 #include "platform/PlainText.h"
 #include "tags/FieldGetters.h"
 #include "tags/TagText.h"
@@ -15,22 +16,16 @@ using namespace std::string_view_literals;
 // It can occur in no value.
 constexpr std::string_view folderMark = "%\0/"sv;
 
-// Puts `text` in where the placeholder stands; false where it does not.
+// False where the text has no such placeholder.
 bool takeAway(std::string& text, std::string_view placeholder) {
     if (text.find(placeholder) == std::string::npos) return false;
     replaceAll(text, placeholder, {});
     return true;
 }
 
-std::string digits(int number, std::size_t least) {
-    std::string text = std::to_string(number);
-    if (text.size() < least) text.insert(0, least - text.size(), '0');
-    return text;
-}
-
 std::string trackText(const ID3tag& record, std::size_t least) {
     const int number = leadingNumber(record.GetNumber());
-    return number > 0 ? digits(number, least) : std::string();
+    return number > 0 ? paddedNumber(number, least) : std::string();
 }
 
 // Halves go to the even multiple.
@@ -59,8 +54,8 @@ constexpr std::array<Placeholder, 12> placeholders{{
     {"%G", gotten<&ID3tag::GetGenre>},
     {"%N3", [](const ID3tag& r) { return trackText(r, 3); }},
     {"%N", [](const ID3tag& r) { return trackText(r, 2); }},
-    {"%BS", [](const ID3tag& r) { return digits(roundedBitrate(r.Bitrate), 3); }},
-    {"%B", [](const ID3tag& r) { return digits(r.Bitrate, 3); }},
+    {"%BS", [](const ID3tag& r) { return paddedNumber(roundedBitrate(r.Bitrate), 3); }},
+    {"%B", [](const ID3tag& r) { return paddedNumber(r.Bitrate, 3); }},
 }};
 
 // In this order, each once over the whole text.

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "collection/Playlist.h"
+#include "core/Numbers.h"
 #include "platform/File.h"
 #include "platform/FileSystem.h"
 
@@ -19,13 +20,13 @@ std::string timeText() {
     const auto day = floor<days>(now);
     const year_month_day date(day);
     const hh_mm_ss time(now - day);
-    const auto twoDigits = [](auto number) {
-        return (number < 10 ? "0" : "") + std::to_string(number);
+    const auto part = [](auto number) {
+        return paddedNumber(static_cast<std::int64_t>(number), 2);
     };
     return std::to_string(static_cast<int>(date.year())) + "-" +
-           twoDigits(static_cast<unsigned>(date.month())) + "-" +
-           twoDigits(static_cast<unsigned>(date.day())) + " " + twoDigits(time.hours().count()) +
-           ":" + twoDigits(time.minutes().count()) + ":" + twoDigits(time.seconds().count());
+           part(static_cast<unsigned>(date.month())) + "-" +
+           part(static_cast<unsigned>(date.day())) + " " + part(time.hours().count()) + ":" +
+           part(time.minutes().count()) + ":" + part(time.seconds().count());
 }
 
 // The folders that have to be made for the new names, inner ones first.

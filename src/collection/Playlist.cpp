@@ -127,32 +127,36 @@ std::string resolveEntry(std::string_view entry, std::string_view folder, PathSt
     return withoutSteps(joinPath(folder, native, style), style);
 }
 
-PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& place,
-                                const CodePage& ansi) {
+namespace {
+// `take` gets each line in UTF-8, and whether it is an entry.
+template <typename Take>
+void eachLine(std::string_view bytes, const PlaylistPlace& place, const CodePage& ansi, Take take) {
     bool isUtf8 = place.isUtf8;
     bytes = withoutMark(bytes, isUtf8);
-    PlaylistEntries entries;
     while (!bytes.empty()) {
         const std::string_view line = takeLine(bytes);
-        if (!isEntry(line)) continue;
-        const std::string entry = isUtf8 ? std::string(line) : ansi.toUtf8(line);
-        entries.push_back(
-            {resolveEntry(entry, place.folder, place.style), isAbsoluteEntry(entry, place.style)});
+        take(isUtf8 ? std::string(line) : ansi.toUtf8(line), isEntry(line));
     }
+}
+}  // namespace
+
+PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& place,
+                                const CodePage& ansi) {
+    PlaylistEntries entries;
+    eachLine(bytes, place, ansi, [&](const std::string& line, bool isEntry) {
+        if (!isEntry) return;
+        entries.push_back(
+            {resolveEntry(line, place.folder, place.style), isAbsoluteEntry(line, place.style)});
+    });
     return entries;
 }
 
 std::vector<std::string> playlistLines(std::string_view bytes, const PlaylistPlace& place,
                                        const CodePage& ansi) {
-    bool isUtf8 = place.isUtf8;
-    bytes = withoutMark(bytes, isUtf8);
     std::vector<std::string> lines;
-    while (!bytes.empty()) {
-        const std::string_view line = takeLine(bytes);
-        std::string text = isUtf8 ? std::string(line) : ansi.toUtf8(line);
-        lines.push_back(isEntry(line) ? resolveEntry(text, place.folder, place.style)
-                                      : std::move(text));
-    }
+    eachLine(bytes, place, ansi, [&](std::string line, bool isEntry) {
+        lines.push_back(isEntry ? resolveEntry(line, place.folder, place.style) : std::move(line));
+    });
     return lines;
 }
 

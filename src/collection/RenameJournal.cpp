@@ -143,16 +143,15 @@ bool RenameJournal::begin(std::string_view time, const JournalBatch& batch) {
     int number = earlier.empty() ? 0 : numberOf<int>(earlier.back());
     Transfer written = Transfer::Exists;
     for (int tries = 0; tries < mostTries && written == Transfer::Exists; ++tries) {
-        std::string name = std::to_string(++number);
-        name.insert(0, nameDigits - std::min(nameDigits, name.size()), '0');
-        path_ = joinPath(folder_, name + std::string(nameEnding), nativePathStyle());
+        const std::string name = paddedNumber(++number, nameDigits) + std::string(nameEnding);
+        path_ = joinPath(folder_, name, nativePathStyle());
         written = writeFile(path_, textOf(time, batch), calls_);
     }
     return written == Transfer::Done;
 }
 
 bool RenameJournal::append(std::string_view text, bool flushed) const {
-    const Bytes bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+    const Bytes bytes = bytesOfText(text);
     File file(calls_);
     return file.open(path_, Access::ReadWrite) && file.write(file.size(), bytes) &&
            (!flushed || calls_.flush(file.handle()));

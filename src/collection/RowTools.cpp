@@ -16,10 +16,6 @@ void convertColumn(std::span<ID3tag> rows, const TagColumn& column, Convert conv
     }
 }
 
-std::string twoDigits(int number) {
-    const std::string text = std::to_string(number);
-    return text.size() < 2 ? "0" + text : text;
-}
 }  // namespace
 
 void changeCase(std::span<ID3tag> rows, const TagColumn& column, LetterCase choice) {
@@ -45,7 +41,7 @@ void transliterate(std::span<ID3tag> rows, const TagColumn& column, Transliterat
 }
 
 void numberRows(std::span<ID3tag> rows, int first) {
-    for (ID3tag& row : rows) row.SetNumber(twoDigits(first++));
+    for (ID3tag& row : rows) row.SetNumber(paddedNumber(first++, 2));
 }
 
 std::string numberFromFileName(std::string_view name) {
@@ -64,7 +60,7 @@ std::string numberFromFileName(std::string_view name) {
         digits = name.substr(0, 3);
     }
     const auto number = parseInteger(digits);
-    return number ? twoDigits(*number) : std::string();
+    return number ? paddedNumber(*number, 2) : std::string();
 }
 
 }  // namespace tavlo

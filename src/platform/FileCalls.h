@@ -4,11 +4,22 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace tavlo {
 
 /// Bytes of a file.
 using Bytes = std::span<const std::uint8_t>;
+
+/// The bytes as 8-bit text.
+inline std::string_view textOf(Bytes bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// The text's bytes.
+inline Bytes bytesOfText(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
 
 enum class Access { Read, ReadWrite };
 

@@ -10,6 +10,7 @@
 
 #include "platform/FileCalls.h"
 #include "platform/FileSystem.h"
+#include "platform/FileTicks.h"
 
 namespace tavlo {
 
@@ -74,7 +75,7 @@ bool isNamed(const struct stat& opened, const std::string& path) {
 
 FileHandle told(int file, const struct stat& found, FileStatus& status) {
     status.size = static_cast<std::uint64_t>(found.st_size);
-    status.modified = found.st_mtim.tv_sec * nanoseconds + found.st_mtim.tv_nsec;
+    status.modified = nanosecondTicks(found.st_mtim.tv_sec, found.st_mtim.tv_nsec);
     status.isReadOnly = (found.st_mode & S_IWUSR) == 0;
     status.isTemporary = (found.st_mode & permissions) == temporaryMode;
     return file;

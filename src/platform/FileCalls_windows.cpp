@@ -6,6 +6,7 @@
 
 #include "platform/FileCalls.h"
 #include "platform/FileSystem.h"
+#include "platform/FileTicks.h"
 #include "platform/WidePath.h"
 
 namespace tavlo {
@@ -16,11 +17,6 @@ constexpr std::size_t mostAtOnce = std::size_t{1} << 30;
 
 HANDLE native(FileHandle file) {
     return reinterpret_cast<HANDLE>(file);
-}
-
-std::int64_t ticksOf(const FILETIME& time) {
-    return static_cast<std::int64_t>(static_cast<std::uint64_t>(time.dwHighDateTime) << 32U |
-                                     time.dwLowDateTime);
 }
 
 OVERLAPPED placeAt(std::uint64_t offset) {
@@ -84,7 +80,8 @@ class SystemCalls final : public FileCalls {
             return noFile;
         }
         status.size = static_cast<std::uint64_t>(info.nFileSizeHigh) << 32U | info.nFileSizeLow;
-        status.modified = ticksOf(info.ftLastWriteTime);
+        status.modified =
+            halvedTicks(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime);
         status.isReadOnly = (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
         status.isTemporary = (info.dwFileAttributes & FILE_ATTRIBUTE_TEMPORARY) != 0;
         return reinterpret_cast<FileHandle>(opened);

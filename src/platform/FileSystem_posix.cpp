@@ -10,6 +10,7 @@
 
 #include "platform/Environment.h"
 #include "platform/FileSystem.h"
+#include "platform/FileTicks.h"
 
 namespace tavlo {
 
@@ -62,8 +63,7 @@ std::optional<FileInfo> fileInfo(const std::string& path) {
     if (::stat(path.c_str(), &status) != 0) return std::nullopt;
     FileInfo info;
     info.size = static_cast<std::uint64_t>(status.st_size);
-    constexpr std::int64_t nanoseconds = 1'000'000'000;
-    info.modified = status.st_mtim.tv_sec * nanoseconds + status.st_mtim.tv_nsec;
+    info.modified = nanosecondTicks(status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
     info.isFolder = S_ISDIR(status.st_mode);
     info.isHidden = isHiddenName(std::string_view(path).substr(path.rfind('/') + 1));
     info.isReadOnly = (status.st_mode & S_IWUSR) == 0;

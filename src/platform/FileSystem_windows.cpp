@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include "platform/FileSystem.h"
+#include "platform/FileTicks.h"
 #include "platform/Utf16.h"
 #include "platform/WidePath.h"
 
@@ -68,9 +69,8 @@ std::optional<FileInfo> fileInfo(const std::string& path) {
     }
     FileInfo info;
     info.size = static_cast<std::uint64_t>(data.nFileSizeHigh) << 32U | data.nFileSizeLow;
-    const FILETIME& time = data.ftLastWriteTime;
     info.modified =
-        static_cast<std::int64_t>(std::uint64_t{time.dwHighDateTime} << 32U | time.dwLowDateTime);
+        halvedTicks(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime);
     info.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     info.isHidden = (data.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0;
     info.isReadOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;

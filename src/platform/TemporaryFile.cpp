@@ -50,7 +50,7 @@ bool TemporaryFile::removeLeftover(const std::string& path) {
 }
 
 bool TemporaryFile::append(std::string_view bytes) {
-    const Bytes all(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    const Bytes all = bytesOfText(bytes);
     const bool done = calls_.write(handle_, size_, all) == all.size();
     size_ += all.size();
     return done;

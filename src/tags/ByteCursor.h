@@ -9,16 +9,6 @@
 
 namespace tavlo {
 
-/// The bytes as 8-bit text.
-inline std::string_view textOf(Bytes bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-/// The text's bytes.
-inline Bytes bytesOfText(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 /// Reads numbers and texts off a span. A read beyond the end fails and moves nothing.
 class ByteCursor {
  public:

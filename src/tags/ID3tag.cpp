@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/Numbers.h"
 #include "platform/FileSystem.h"
 #include "platform/Utf8.h"
 #include "tags/FieldSetters.h"
@@ -25,19 +26,14 @@ void setBoth(std::string& longForm, std::string& shortForm, std::string_view tex
     longForm = trimBlanks(text);
     shortForm = longForm;
 }
-
-std::string twoDigits(int number) {
-    const std::string text = std::to_string(number);
-    return text.size() < 2 ? "0" + text : text;
-}
 }  // namespace
 
 std::string ID3tag::Time() const {
-    return std::to_string(Seconds / 60) + ":" + twoDigits(Seconds % 60);
+    return std::to_string(Seconds / 60) + ":" + paddedNumber(Seconds % 60, 2);
 }
 
 std::string ID3tag::Time2x2() const {
-    return twoDigits(Seconds / 60) + ":" + twoDigits(Seconds % 60);
+    return paddedNumber(Seconds / 60, 2) + ":" + paddedNumber(Seconds % 60, 2);
 }
 
 std::string_view ID3tag::GetArtist() const {
