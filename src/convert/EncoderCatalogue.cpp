@@ -221,9 +221,10 @@ EncodeCommand alacCommand(const EncodePaths& paths) {
         "ALAC", "ALAC", false};
 }
 
-EncodeCommand neroCommand(std::string text, std::string label, const EncodePaths& paths) {
-    text += "-if " + quoted(paths.wav) + " -of " + quoted(paths.result);
-    return {"neroaacenc.exe", std::move(text), label, label, true};
+EncodeCommand neroCommand(const std::string& text, const std::string& label,
+                          const EncodePaths& paths) {
+    return {"neroaacenc.exe", text + "-if " + quoted(paths.wav) + " -of " + quoted(paths.result),
+            label, label, true};
 }
 
 int faacQuality(int mode) {
@@ -313,7 +314,8 @@ std::array<std::string, 2> rewrapCommands(const std::string& result) {
 std::optional<DecodeCommand> decodeCommand(FileTypes format, const std::string& source,
                                            const std::string& wav, const EncoderSettings& settings,
                                            int alternative) {
-    const std::string in = quoted(source), out = quoted(wav);
+    const std::string in = quoted(source);
+    const std::string out = quoted(wav);
     const auto command = [](std::string_view executable, const std::string& options) {
         return DecodeCommand{std::string(executable), std::string(executable) + options};
     };
