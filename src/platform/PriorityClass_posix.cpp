@@ -20,7 +20,11 @@ int niceness(PriorityClass priority) {
 }  // namespace
 
 void setPriorityClass(PriorityClass priority) {
-    setpriority(PRIO_PROCESS, 0, niceness(priority));
+    setPriorityClassOf(0, priority);
+}
+
+void setPriorityClassOf(std::intptr_t process, PriorityClass priority) {
+    setpriority(PRIO_PROCESS, static_cast<id_t>(process), niceness(priority));
 }
 
 }  // namespace tavlo

@@ -8,4 +8,8 @@ void setPriorityClass(PriorityClass priority) {
     SetPriorityClass(GetCurrentProcess(), static_cast<DWORD>(priority));
 }
 
+void setPriorityClassOf(std::intptr_t process, PriorityClass priority) {
+    SetPriorityClass(reinterpret_cast<HANDLE>(process), static_cast<DWORD>(priority));
+}
+
 }  // namespace tavlo

@@ -1,0 +1,44 @@
+#include "platform/Process.h"
+
+namespace tavlo {
+
+// 2n backslashes and a quote are n backslashes and a quote that opens or closes; one more of them
+// makes the quote a character. Two quotes inside quoted text are one.
+std::vector<std::string> splitCommandLine(std::string_view line) {
+    std::vector<std::string> words;
+    std::string word;
+    bool isWord = false;
+    bool isQuoted = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const char c = line[i];
+        if (!isQuoted && (c == ' ' || c == '\t')) {
+            if (isWord) words.push_back(std::move(word));
+            word.clear();
+            isWord = false;
+            continue;
+        }
+        isWord = true;
+        std::size_t slashes = 0;
+        while (i + slashes < line.size() && line[i + slashes] == '\\') ++slashes;
+        const bool beforeQuote = i + slashes < line.size() && line[i + slashes] == '"';
+        if (slashes > 0) {
+            word.append(beforeQuote ? slashes / 2 : slashes, '\\');
+            i += slashes - 1;
+            if (beforeQuote && slashes % 2 == 1) {
+                word += '"';
+                ++i;
+            }
+        } else if (c == '"' && isQuoted && i + 1 < line.size() && line[i + 1] == '"') {
+            word += '"';
+            ++i;
+        } else if (c == '"') {
+            isQuoted = !isQuoted;
+        } else {
+            word += c;
+        }
+    }
+    if (isWord) words.push_back(std::move(word));
+    return words;
+}
+
+}  // namespace tavlo
