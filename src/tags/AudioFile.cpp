@@ -9,6 +9,7 @@
 #include "tags/ID3v2.h"
 #include "tags/Lyrics3.h"
 #include "tags/MpegStream.h"
+#include "tags/StreamHeaders.h"
 #include "tags/WaveFile.h"
 
 namespace tavlo {
@@ -23,20 +24,26 @@ TagLayout readTags(File& file, ID3tag& record, const ReadContext& context) {
     return layout;
 }
 
+namespace {
+std::uint64_t audioEnd(const File& file, const TagLayout& layout) {
+    std::uint64_t end = file.size();
+    for (const auto& tag : {layout.id3v1, layout.lyrics, layout.ape}) {
+        if (tag) end = std::min(end, tag->begin);
+    }
+    return end;
+}
+}  // namespace
+
 void readMp3(File& file, ID3tag& record, const ReadContext& context) {
     const TagLayout layout = readTags(file, record, context);
     if (context.depth == ReadDepth::Tags) return;
-    std::uint64_t audioEnd = file.size();
-    for (const auto& tag : {layout.id3v1, layout.lyrics, layout.ape}) {
-        if (tag) audioEnd = std::min(audioEnd, tag->begin);
-    }
-    readMpegStream(file, record, audioEnd);
+    readMpegStream(file, record, audioEnd(file, layout));
 }
 
 ID3tag ReadAudioFile(const std::string& path, const ReadContext& context) {
     ID3tag record;
     const FileTypes type = GetFileType(path);
-    if ((type & FileType::Tagged) == 0 && type != FileType::Wave) return record;
+    if ((type & FileType::Audio) == 0) return record;
     File file;
     record.FileType = type;
     record.OK = file.open(path, Access::Read);
@@ -49,10 +56,13 @@ ID3tag ReadAudioFile(const std::string& path, const ReadContext& context) {
     record.Lossless = (type & FileType::Lossless) != 0;
     if (type == FileType::Mp3) {
         readMp3(file, record, context);
-    } else if ((type & FileType::Ape2Only) != 0) {
-        readTags(file, record, context);
+    } else if (type == FileType::Wave) {
+        record.OK = readWave(file, record);
+    } else {
+        TagLayout layout;
+        if ((type & FileType::Ape2Only) != 0) layout = readTags(file, record, context);
+        if (context.depth != ReadDepth::Tags) readStream(file, record, audioEnd(file, layout));
     }
-    if (type == FileType::Wave && !readWave(file, record)) record.OK = false;
     markAsRead(record);
     return record;
 }

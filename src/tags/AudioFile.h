@@ -10,7 +10,7 @@
 namespace tavlo {
 
 /// Reads a file's record by the type that its name tells. `OK` says that the file was opened;
-/// where it could not be, `Path` is empty. Types without a reader get path, type and size.
+/// where it could not be, `Path` is empty. Only what can be listened to is opened.
 ID3tag ReadAudioFile(const std::string& path, const ReadContext& context);
 
 /// Loads what a list read passed over: the picture's bytes, unknown frames and items. Edited

@@ -235,6 +235,7 @@ void readMpegStream(File& file, ID3tag& record, std::uint64_t audioEnd) {
     const std::uint64_t start = record.IsID3v2Present ? record.ID3v2Ext.TagSize : 0;
     const auto first = FrameSearch(file, start).find();
     if (!first) return;
+    record.StreamFound = true;
     record.MpegVersion = first->header.Version;
     record.Layer = first->header.Layer;
     record.SampleRate = first->header.SampleRate;

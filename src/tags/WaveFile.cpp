@@ -58,6 +58,7 @@ bool readWave(File& file, ID3tag& record) {
                 chunk->size == 0 ? left : std::min<std::uint64_t>(chunk->size, left);
             record.Seconds = static_cast<std::int32_t>(
                 std::min<std::uint64_t>(size / rate, std::numeric_limits<std::int32_t>::max()));
+            record.StreamFound = true;
             return true;
         }
         at = chunk->data + chunk->size + chunk->size % 2;
