@@ -75,6 +75,69 @@ APE = ape([(b"Title", "Имя [Mix]".encode(), 0), (b"Track", b"3/12", 0), (b"Ar
 LYRICS = lyrics([(b"IND", b"00"), (b"ETT", b"Title"), (b"EAR", b"Artist")])
 V1 = id3v1(b"Title", 4)
 
+
+def little(*numbers):
+    return b"".join(number.to_bytes(size, "little") for number, size in numbers)
+
+
+def big(*numbers):
+    return b"".join(number.to_bytes(size, "big") for number, size in numbers)
+
+
+def page(flags, granule, data):
+    sizes = bytes([255] * (len(data) // 255) + [len(data) % 255])
+    return (b"OggS\0" + little((flags, 1), (granule, 8), (7, 4)) + bytes(8) + bytes([len(sizes)])
+            + sizes + data)
+
+
+def block(total, index, flags, data=b""):
+    numbers = (24 + len(data), 4), (0x410, 4), (total, 4), (index, 4), (500, 4), (flags, 4), (0, 4)
+    return b"wvpk" + little(*numbers) + data
+
+
+def atom(name, *parts):
+    return big((8 + sum(map(len, parts)), 4)) + name + b"".join(parts)
+
+
+def mp4(coding, description):
+    entry = atom(coding, bytes(16) + big((2, 2), (16, 2), (0, 4), (8000 << 16, 4)), description)
+    media = (atom(b"mdhd", bytes(12) + big((8000, 4), (9000, 4))), atom(b"hdlr", bytes(8) + b"soun"),
+             atom(b"minf", atom(b"stbl", atom(b"stsd", bytes(8), entry))))
+    return (atom(b"ftyp", b"M4A ") + atom(b"mdat", bytes(20))
+            + atom(b"moov", atom(b"mvhd", bytes(20)), atom(b"trak", atom(b"mdia", *media))))
+
+
+OGG = (page(2, 0, b"\1vorbis" + little((0, 4), (2, 1), (8000, 4), (0, 4), (64000, 4), (0, 4))
+            + b"\xb8\1") + page(0, 0, b"\3vorbis" + little((5, 4)) + b"Maker" + bytes(300))
+       + page(0, 0, b"\5vorbis") + page(0, 9000, bytes(99)) + page(4, 2**64 - 1, b""))
+FLAC = (b"fLaC" + big((34, 4), (4096, 2), (4096, 2), (0, 6), (8000 << 44 | 1 << 41 | 15 << 36, 8))
+        + bytes(16) + big((0x84000004, 4)) + bytes(4) + b"\xff\xf8\xc4\x18\0\x53" + bytes(30)
+        + b"\xff\xf8\xc4\x18\1\x54" + bytes(30))
+MPC7 = b"MP+\x17" + little((9, 4), (0x10000, 4), (0, 8), (1 << 31 | 576 << 20, 4)) + bytes(60)
+MPC8 = (b"MPCKSH\x0e" + bytes(4) + b"\x08\x82\x91\0\0\x20\x13SO\4\x0cAP\x08abcdeST\3SE\3")
+WV = (block(2**32 - 1, 0, 0x800 | 15 << 23, b"\x27\2" + little((8000, 4)) + bytes(9))
+      + block(0, 0, 0x1004) + block(0, 500, 0x1809))
+DSD = block(900, 0, 0x80001800 | 9 << 23, b"\x0e\1\3\0")
+APE4 = (b"MAC " + little((3990, 4), (52, 4), (24, 4), (4, 4), (4, 4), (30, 8)) + bytes(20)
+        + little((0, 4), (900, 4), (200, 4), (3, 4), (24, 2), (2, 2), (8000, 4)) + bytes(38))
+APE3 = (b"MAC " + little((3950, 2), (2000, 2), (52, 2), (2, 2), (8000, 4), (4, 4), (0, 4), (2, 4),
+                         (900, 4), (0, 4), (2, 4), (0, 4), (60, 4)) + bytes(60))
+AAC_HEAD = b"\3\x19\0\0\0\4\x11" + bytes(13) + b"\5\5\x15\x88\x56\xe5\xc0"
+ALAC = atom(b"alac", bytes(9) + b"\x18" + bytes(3) + b"\2" + bytes(10) + big((8000, 4)))
+ADTS = (b"\xff\xf1\x6c\x40\x01\x3f\xfc" + bytes(2)) * 4
+ASF_END = bytes.fromhex("a6d900aa0062ce6c")
+ASF_FILE = (bytes.fromhex("a1dcab8c47a9cf118ee400c00c205365") + little((104, 8)) + bytes(40)
+            + little((45000000, 8), (0, 8), (2000, 8), (2, 4)) + bytes(12))
+ASF_SOUND = (bytes.fromhex("9107dcb7b7a9cf118ee600c00c205365") + little((94, 8))
+             + bytes.fromhex("409e69f84d5bcf11a8fd00805f5c442b") + bytes(38)
+             + little((0x163, 2), (2, 2), (8000, 4), (4000, 4), (0, 2), (16, 2)))
+ASF = (bytes.fromhex("3026b2758e66cf11") + ASF_END + little((30 + 104 + 94, 8)) + bytes(6)
+       + ASF_FILE + ASF_SOUND + bytes.fromhex("3626b2758e66cf11") + ASF_END
+       + little((80, 8)) + bytes(56))
+STREAMS = [(0, OGG), (1, FLAC), (1, TAG4 + FLAC), (2, MPC7), (2, MPC8), (3, WV), (3, DSD), (4, APE4),
+           (4, APE3), (5, mp4(b"alac", ALAC)), (5, mp4(b"mp4a", atom(b"esds", bytes(4), AAC_HEAD))),
+           (6, ADTS), (7, ASF)]
+
 # A picture that reaches beyond the file's first window; its middle is what the target puts back.
 GAP = 80 * 64
 LARGE = id3v2(3, [frame(3, b"APIC", PICTURE + bytes(GAP)), frame(3, b"TIT2", b"\0behind it")])
@@ -87,6 +150,7 @@ SEEDS = {
     "lyrics3": [LYRICS + V1, LYRICS, b"\0" * 200 + LYRICS + V1],
     "mpeg": [FRAME * 4, XING + FRAME * 2, VBRI.ljust(96, b"\0") + FRAME * 2, FRAME * 3 + V1,
              TAG3 + FRAME * 3 + LYRICS + V1, TAG4 + b"\xff\xfb" + FRAME * 3 + APE + V1],
+    "stream": [bytes([kind]) + data for kind, data in STREAMS],
     "fileview": [bytes([2, 80]) + TAG3 + FRAME * 3 + V1, bytes([33, 80]) + XING + APE + V1,
                 bytes([8, 255]) + TAG4 + FRAME * 3 + LYRICS + V1, bytes([0, 70]) + FRAME + APE,
                 LARGE],

@@ -94,9 +94,10 @@ class WavPackReader {
         for (int i = 0; i < mostFirstBlocks; ++i) {
             const auto block = blockAt(file_, span_, at);
             if (!block) return false;
-            if (!total_) total_ = block->total;
+            const bool isFirst = (block->flags & firstOfMoment) != 0;
+            if (!total_ && (isFirst || block->samples == 0)) total_ = block->total;
             if (block->samples > 0) {
-                if ((block->flags & firstOfMoment) != 0) parseFlags(at, *block);
+                if (isFirst) parseFlags(at, *block);
                 facts_.channels += (block->flags & mono) != 0 ? 1 : 2;
                 if ((block->flags & lastOfMoment) != 0) return facts_.sampleRate > 0;
             }
