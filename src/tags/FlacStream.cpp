@@ -52,7 +52,7 @@ std::optional<std::uint64_t> takeNumber(ByteCursor& cursor) {
     const auto first = cursor.u8();
     if (!first) return std::nullopt;
     unsigned more = 0;
-    while (more < 7 && (*first << more & 0x80U) != 0) ++more;
+    while (more < 7 && (unsigned{*first} << more & 0x80U) != 0) ++more;
     if (more == 1 || *first == 0xFF) return std::nullopt;
     std::uint64_t number = *first & (0x7FU >> more);
     for (unsigned i = 1; i < more; ++i) {

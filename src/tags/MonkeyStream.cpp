@@ -20,7 +20,8 @@ bool setLength(StreamFacts& facts, const Frames& frames) {
 
 // From version 3.98 on: a descriptor that tells the size of all that follows.
 std::optional<StreamFacts> readNewer(File& file, SoundSpan span) {
-    constexpr std::size_t descriptorSize = 52, headerSize = 24;
+    constexpr std::size_t descriptorSize = 52;
+    constexpr std::size_t headerSize = 24;
     ByteCursor cursor(file.view(span.begin, descriptorSize));
     cursor.take(8);
     std::uint64_t front = 0;
@@ -48,7 +49,9 @@ std::optional<StreamFacts> readNewer(File& file, SoundSpan span) {
 }
 
 std::uint32_t frameSamples(std::uint32_t version, std::uint32_t compression) {
-    constexpr std::uint32_t extraHigh = 4000, longer = 73728, shorter = 9216;
+    constexpr std::uint32_t extraHigh = 4000;
+    constexpr std::uint32_t longer = 73728;
+    constexpr std::uint32_t shorter = 9216;
     if (version >= 3950) return longer * 4;
     return version >= 3900 || (version >= 3800 && compression == extraHigh) ? longer : shorter;
 }
@@ -63,7 +66,11 @@ std::optional<std::uint64_t> lastFrame(File& file, SoundSpan span, std::uint64_t
 }
 
 std::optional<StreamFacts> readOlder(File& file, SoundSpan span, std::uint32_t version) {
-    constexpr unsigned is8Bit = 1, hasPeak = 4, is24Bit = 8, hasSeekCount = 16, makesWaveHead = 32;
+    constexpr unsigned is8Bit = 1;
+    constexpr unsigned hasPeak = 4;
+    constexpr unsigned is24Bit = 8;
+    constexpr unsigned hasSeekCount = 16;
+    constexpr unsigned makesWaveHead = 32;
     constexpr std::size_t headerSize = 40;
     const Bytes bytes = file.view(span.begin, headerSize);
     ByteCursor cursor(bytes);

@@ -36,7 +36,7 @@ std::optional<Atom> atomAt(File& file, std::uint64_t at, std::uint64_t limit) {
 std::optional<Atom> findAtom(File& file, std::uint64_t at, std::uint64_t end,
                              std::string_view type) {
     for (int i = 0; i < mostAtoms && at < end; ++i) {
-        const auto atom = atomAt(file, at, end);
+        auto atom = atomAt(file, at, end);
         if (!atom || atom->end > end) break;
         if (atom->type == type) return atom;
         at = atom->end;
@@ -91,9 +91,12 @@ std::uint32_t takeRate(Bits& bits) {
 
 // AAC's own description of the sound; the sample entry around it often has default values.
 void parseAudioConfig(Bytes bytes, StreamFacts& facts) {
-    constexpr std::uint32_t escape = 31, plain = 2, doubledRate = 5, parametricStereo = 29;
-    constexpr std::uint32_t rateMark = 0x2B7,
-                            stereoMark = 0x548;  // of what older players pass over
+    constexpr std::uint32_t escape = 31;
+    constexpr std::uint32_t plain = 2;
+    constexpr std::uint32_t doubledRate = 5;
+    constexpr std::uint32_t parametricStereo = 29;
+    constexpr std::uint32_t rateMark = 0x2B7;
+    constexpr std::uint32_t stereoMark = 0x548;  // of what older players pass over
     Bits bits(bytes);
     std::uint32_t kind = bits.take(5);
     if (kind == escape) kind = 32 + bits.take(6);
@@ -123,7 +126,9 @@ bool takeDescriptor(ByteCursor& cursor, std::uint8_t tag) {
 }
 
 void parseDescriptors(Bytes bytes, StreamFacts& facts) {
-    constexpr std::uint8_t stream = 3, decoder = 4, decoderData = 5;
+    constexpr std::uint8_t stream = 3;
+    constexpr std::uint8_t decoder = 4;
+    constexpr std::uint8_t decoderData = 5;
     ByteCursor cursor(bytes);
     cursor.take(4);  // version and flags
     if (!takeDescriptor(cursor, stream)) return;
@@ -159,7 +164,8 @@ void parseFlacRate(Bytes bytes, StreamFacts& facts) {
 }
 
 bool parseSampleEntry(File& file, const Atom& table, StreamFacts& facts) {
-    constexpr std::size_t entrySize = 28, mostDescription = 128;
+    constexpr std::size_t entrySize = 28;
+    constexpr std::size_t mostDescription = 128;
     const auto entry = atomAt(file, table.body + 8, table.end);
     if (!entry || entry->end > table.end) return false;
     ByteCursor cursor(file.view(entry->body, entrySize));

@@ -56,7 +56,7 @@ std::optional<std::uint64_t> findLast(File& file, SoundSpan span, std::string_vi
         const auto count =
             static_cast<std::size_t>(std::min(end - begin + headSize, span.end - begin));
         const Bytes bytes = file.view(begin, count);
-        for (std::size_t at = static_cast<std::size_t>(end - begin); at > 0;) {
+        for (auto at = static_cast<std::size_t>(end - begin); at > 0;) {
             at = textOf(bytes).rfind(mark, at - 1);
             if (at == std::string_view::npos) break;
             if (accept(begin + at, bytes.subspan(at))) return begin + at;

@@ -52,7 +52,8 @@ std::optional<Block> blockAt(File& file, SoundSpan span, std::uint64_t at) {
 // The first three bytes of a piece of a block, least significant first.
 std::optional<std::uint32_t> pieceOf(File& file, std::uint64_t at, std::uint64_t end,
                                      unsigned wanted) {
-    constexpr unsigned kind = 0x3F, isLarge = 0x80;
+    constexpr unsigned kind = 0x3F;
+    constexpr unsigned isLarge = 0x80;
     for (int i = 0; i < mostPieces && at < end; ++i) {
         ByteCursor cursor(file.view(at, 7));
         const auto id = cursor.u8();
@@ -60,7 +61,7 @@ std::optional<std::uint32_t> pieceOf(File& file, std::uint64_t at, std::uint64_t
         const auto words = cursor.littleEndian(sizeBytes);
         if (!words) return std::nullopt;
         if ((*id & kind) == wanted)
-            return cursor.littleEndian(std::min<std::size_t>(*words * 2, 3));
+            return cursor.littleEndian(std::min<std::size_t>(std::size_t{*words} * 2, 3));
         at += 1 + sizeBytes + std::uint64_t{*words} * 2;
     }
     return std::nullopt;
@@ -107,7 +108,8 @@ class WavPackReader {
     }
 
     void parseFlags(std::uint64_t at, const Block& block) {
-        constexpr unsigned rateId = 0x27, dsdId = 0x0E;
+        constexpr unsigned rateId = 0x27;
+        constexpr unsigned dsdId = 0x0E;
         const std::uint64_t begin = at + headSize;
         const std::uint64_t end = at + block.size;
         const std::uint32_t rate = block.flags >> 23U & 15U;
