@@ -10,7 +10,8 @@ enum class PriorityClass : int { Normal = 0x20, Idle = 0x40, High = 0x80 };
 /// Sets this process's class; a failure (no right to rise) is ignored.
 void setPriorityClass(PriorityClass priority);
 
-/// The same of another process, by the system's number or, on Windows, a handle.
+/// The same of a program that this one started, by the number of its process group or, on Windows,
+/// its handle.
 void setPriorityClassOf(std::intptr_t process, PriorityClass priority);
 
 }  // namespace tavlo

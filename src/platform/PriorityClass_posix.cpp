@@ -20,11 +20,12 @@ int niceness(PriorityClass priority) {
 }  // namespace
 
 void setPriorityClass(PriorityClass priority) {
-    setPriorityClassOf(0, priority);
+    setpriority(PRIO_PROCESS, 0, niceness(priority));
 }
 
 void setPriorityClassOf(std::intptr_t process, PriorityClass priority) {
-    setpriority(PRIO_PROCESS, static_cast<id_t>(process), niceness(priority));
+    // Of a process this would reach its first thread only.
+    setpriority(PRIO_PGRP, static_cast<id_t>(process), niceness(priority));
 }
 
 }  // namespace tavlo

@@ -1,6 +1,24 @@
 #include "platform/Process.h"
 
+#include <system_error>
+#include <thread>
+#include <utility>
+
 namespace tavlo {
+
+void Process::leave(std::unique_ptr<Process> running) {
+    constexpr int minute = 60'000;
+    Process* const process = running.release();
+    try {
+        std::thread([process] {
+            const std::unique_ptr<Process> left(process);
+            while (!left->waitFor(minute)) {
+            }
+        }).detach();
+    } catch (const std::system_error&) {
+        // Without a thread it stays as it is until this process ends.
+    }
+}
 
 // 2n backslashes and a quote are n backslashes and a quote that opens or closes; one more of them
 // makes the quote a character. Two quotes inside quoted text are one.
