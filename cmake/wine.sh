@@ -5,6 +5,9 @@ set -u
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=$root/build/wine WINEARCH=win64 WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+# What Wine's recycle bin takes must not go to the user's.
+export XDG_DATA_HOME=$root/build/data TAVLO_TEST_BIN=Z:$root/build/data
+mkdir -p "$XDG_DATA_HOME"
 unset DISPLAY WAYLAND_DISPLAY
 server=$(command -v wineserver || command -v wineserver-stable || echo /usr/lib/wine/wineserver)
 
