@@ -1,0 +1,11 @@
+#include "platform/WindowsMedia.h"
+
+namespace tavlo {
+
+MediaEncode encodeWindowsMedia(const std::string&, const std::string&, const std::string&,
+                               const std::string&, const std::string&,
+                               const std::function<bool()>&) {
+    return MediaEncode::Unavailable;
+}
+
+}  // namespace tavlo
