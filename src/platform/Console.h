@@ -20,4 +20,8 @@ bool writeText(Stream stream, std::string_view text);
 /// process as usual.
 void cancelOnInterrupt(std::atomic<bool>& flag);
 
+/// From now on the second Ctrl+C sets this flag, and only the third ends the process; with null it
+/// is again as before.
+void heedSecondInterrupt(std::atomic<bool>* flag);
+
 }  // namespace tavlo

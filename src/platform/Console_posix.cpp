@@ -11,9 +11,15 @@ namespace {
 
 // A signal handler is handed nothing but the signal's number, so the flag's place is kept here.
 std::atomic<std::atomic<bool>*> interruptFlag{nullptr};
+std::atomic<std::atomic<bool>*> secondFlag{nullptr};
 
 void onInterrupt(int) {
-    if (auto* flag = interruptFlag.load()) flag->store(true);
+    auto* first = interruptFlag.load();
+    auto* second = secondFlag.load();
+    const bool isFirst = first != nullptr && !first->exchange(true);
+    if (isFirst && second != nullptr) return;
+    if (second != nullptr) second->store(true);
+    std::signal(SIGINT, SIG_DFL);
 }
 
 int descriptor(Stream stream) {
@@ -46,9 +52,13 @@ void cancelOnInterrupt(std::atomic<bool>& flag) {
     interruptFlag.store(&flag);
     struct sigaction action {};
     action.sa_handler = onInterrupt;
-    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, nullptr);
+}
+
+void heedSecondInterrupt(std::atomic<bool>* flag) {
+    secondFlag.store(flag);
 }
 
 }  // namespace tavlo

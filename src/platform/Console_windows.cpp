@@ -13,11 +13,14 @@ constexpr std::size_t consoleChunk = 8192;  // UTF-16 units; older consoles refu
 
 // A control handler is handed nothing but the event, so the flag's place is kept here.
 std::atomic<std::atomic<bool>*> interruptFlag{nullptr};
+std::atomic<std::atomic<bool>*> secondFlag{nullptr};
 
 BOOL WINAPI onInterrupt(DWORD event) {
     auto* flag = interruptFlag.load();
     if (event != CTRL_C_EVENT || flag == nullptr) return FALSE;
-    return flag->exchange(true) ? FALSE : TRUE;
+    if (!flag->exchange(true)) return TRUE;
+    auto* second = secondFlag.load();
+    return second != nullptr && !second->exchange(true) ? TRUE : FALSE;
 }
 
 HANDLE handleOf(Stream stream) {
@@ -76,6 +79,10 @@ bool writeText(Stream stream, std::string_view text) {
 void cancelOnInterrupt(std::atomic<bool>& flag) {
     interruptFlag.store(&flag);
     SetConsoleCtrlHandler(onInterrupt, TRUE);
+}
+
+void heedSecondInterrupt(std::atomic<bool>* flag) {
+    secondFlag.store(flag);
 }
 
 }  // namespace tavlo

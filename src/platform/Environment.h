@@ -24,6 +24,9 @@ std::string programFolder();
 /// The user's folder for the program's own files; empty when not known. It need not be there.
 std::string settingsFolder();
 
+/// Where files that come and go may be made.
+std::string temporaryFolder();
+
 /// The current folder at the moment of the call; empty when it cannot be told.
 std::string currentFolder();
 

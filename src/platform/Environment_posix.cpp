@@ -44,6 +44,12 @@ std::string settingsFolder() {
     return home.empty() ? std::string() : home + "/.config/tavlo";
 }
 
+std::string temporaryFolder() {
+    std::error_code error;
+    const auto folder = std::filesystem::temp_directory_path(error);
+    return error ? std::string("/tmp") : folder.string();
+}
+
 std::string currentFolder() {
     std::error_code error;
     const auto folder = std::filesystem::current_path(error);

@@ -67,6 +67,12 @@ std::string currentFolder() {
     return utf8Of(path);
 }
 
+std::string temporaryFolder() {
+    std::wstring path(longestPath, L'\0');
+    path.resize(GetTempPathW(longestPath, path.data()));
+    return utf8Of(path);
+}
+
 std::string systemLanguage() {
     const LCID locale = MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT);
     wchar_t name[16] = {};

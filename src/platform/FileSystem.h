@@ -68,6 +68,12 @@ Created createFolder(const std::string& path);
 /// Makes a folder and every one above it that is missing.
 bool createFolders(const std::string& path);
 
+/// Removes a file that nobody else uses, or a link, not what it leads to.
+bool removeEntry(const std::string& path);
+
+/// Makes a file reachable under another name, only to be read: by a link, or else by a copy.
+bool linkOrCopy(const std::string& from, const std::string& to);
+
 /// Removes a folder that is empty; false, and no change, when it is not.
 bool removeEmptyFolder(const std::string& path);
 

@@ -146,6 +146,14 @@ Created createFolder(const std::string& path) {
     return errno == EEXIST && folderExists(path) ? Created::Exists : Created::Failed;
 }
 
+bool removeEntry(const std::string& path) {
+    return ::unlink(path.c_str()) == 0;
+}
+
+bool linkOrCopy(const std::string& from, const std::string& to) {
+    return ::symlink(from.c_str(), to.c_str()) == 0;
+}
+
 bool removeEmptyFolder(const std::string& path) {
     return ::rmdir(path.c_str()) == 0;
 }

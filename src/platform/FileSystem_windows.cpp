@@ -161,6 +161,17 @@ Created createFolder(const std::string& path) {
     return isThere ? Created::Exists : Created::Failed;
 }
 
+bool removeEntry(const std::string& path) {
+    return ::DeleteFileW(widePath(path).c_str()) != 0;
+}
+
+// A hard link would share the attribute that keeps a read-only file from being removed.
+bool linkOrCopy(const std::string& from, const std::string& to) {
+    const std::wstring copy = widePath(to);
+    if (!::CopyFileW(widePath(from).c_str(), copy.c_str(), TRUE)) return false;
+    return ::SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL) != 0;
+}
+
 bool removeEmptyFolder(const std::string& path) {
     return ::RemoveDirectoryW(widePath(path).c_str()) != 0;
 }

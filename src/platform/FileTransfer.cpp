@@ -23,6 +23,20 @@ Transfer copyOpened(File& source, const std::string& to) {
 bool openToMove(File& file, const std::string& path) {
     return file.open(path, Access::ReadWrite) || file.open(path, Access::Read);
 }
+
+// Replaces a file, or makes it, by one that `fill` gives its bytes.
+template <typename Fill>
+bool replaceBy(const std::string& linkedPath, FileCalls& calls, const Fill& fill) {
+    const std::string path = withoutLinks(linkedPath);
+    File old(calls);
+    const bool isThere = openToMove(old, path);
+    TemporaryFile file(calls);
+    const bool complete = file.createBeside(path) && fill(file) &&
+                          file.complete(isThere ? old.handle() : noFile, std::nullopt);
+    if (!complete) return false;
+    if (isThere && old.isReadOnly()) calls.clearReadOnly(path);
+    return file.replace(path, isThere ? old.release() : noFile);
+}
 }  // namespace
 
 bool removeFile(const std::string& path, FileCalls& calls) {
@@ -47,16 +61,21 @@ Transfer moveFile(const std::string& from, const std::string& to, FileCalls& cal
     return Transfer::Failed;
 }
 
-bool replaceFile(const std::string& linkedPath, std::string_view bytes, FileCalls& calls) {
-    const std::string path = withoutLinks(linkedPath);
-    File old(calls);
-    const bool isThere = openToMove(old, path);
-    TemporaryFile file(calls);
-    const bool complete = file.createBeside(path) && file.append(bytes) &&
-                          file.complete(isThere ? old.handle() : noFile, std::nullopt);
-    if (!complete) return false;
-    if (isThere && old.isReadOnly()) calls.clearReadOnly(path);
-    return file.replace(path, isThere ? old.release() : noFile);
+bool replaceFile(const std::string& path, std::string_view bytes, FileCalls& calls) {
+    return replaceBy(path, calls, [&](TemporaryFile& file) { return file.append(bytes); });
+}
+
+bool replaceByCopy(const std::string& path, const std::string& from, FileCalls& calls) {
+    File source(calls);
+    if (!source.open(from, Access::Read)) return false;
+    return replaceBy(path, calls, [&](TemporaryFile& file) {
+        return file.append(source.handle(), 0, source.size());
+    });
+}
+
+bool flushFile(const std::string& path, FileCalls& calls) {
+    File file(calls);
+    return file.open(path, Access::ReadWrite) && calls.flush(file.handle());
 }
 
 bool canBeReplaced(const std::string& linkedPath, FileCalls& calls) {

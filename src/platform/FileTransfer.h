@@ -27,6 +27,13 @@ Transfer moveFile(const std::string& from, const std::string& to, FileCalls& cal
 /// there is one of that name, which then gives it its attributes. False, and no change, on failure.
 bool replaceFile(const std::string& path, std::string_view bytes, FileCalls& calls = systemCalls());
 
+/// Gives a file the bytes of another in the same way.
+bool replaceByCopy(const std::string& path, const std::string& from,
+                   FileCalls& calls = systemCalls());
+
+/// Brings a file's bytes onto the disk.
+bool flushFile(const std::string& path, FileCalls& calls = systemCalls());
+
 /// Whether `replaceFile` may be expected to succeed; nothing is written to find out.
 bool canBeReplaced(const std::string& path, FileCalls& calls = systemCalls());
 

@@ -11,6 +11,9 @@ enum class MediaEncode {
     Failed
 };
 
+/// Whether the system's encoder for Windows Media is installed.
+bool hasWindowsMedia();
+
 /// Makes a WMA file of a WAV file as a profile (a .prx file) says, and notes the tool in it. All
 /// paths are full. About every 100 ms it asks whether to go on; when not, it has failed and may
 /// leave a part of the result.

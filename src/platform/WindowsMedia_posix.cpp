@@ -2,6 +2,10 @@
 
 namespace tavlo {
 
+bool hasWindowsMedia() {
+    return false;
+}
+
 MediaEncode encodeWindowsMedia(const std::string&, const std::string&, const std::string&,
                                const std::string&, const std::string&,
                                const std::function<bool()>&) {

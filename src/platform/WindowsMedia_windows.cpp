@@ -111,6 +111,9 @@ class Value {
     VARIANT value_;
 };
 
+constexpr const wchar_t* encoderClass = L"WMEncEng.WMEncoder";
+constexpr const wchar_t* profileClass = L"WMEncEng.WMEncProfile2";
+
 // The encoder sends itself messages, so somebody has to hand them out.
 void handOutMessages() {
     constexpr DWORD step = 100;  // milliseconds
@@ -127,13 +130,19 @@ bool isStopped(const Value& encoder) {
 }
 }  // namespace
 
+bool hasWindowsMedia() {
+    CLSID id{};
+    return SUCCEEDED(::CLSIDFromProgID(encoderClass, &id)) &&
+           SUCCEEDED(::CLSIDFromProgID(profileClass, &id));
+}
+
 MediaEncode encodeWindowsMedia(const std::string& wav, const std::string& wma,
                                const std::string& profile, const std::string& toolName,
                                const std::string& toolVersion,
                                const std::function<bool()>& keepsWaiting) {
     const Library library;
-    const Value encoder = Value::create(L"WMEncEng.WMEncoder");
-    const Value settings = Value::create(L"WMEncEng.WMEncProfile2");
+    const Value encoder = Value::create(encoderClass);
+    const Value settings = Value::create(profileClass);
     if (!encoder.isObject() || !settings.isObject()) return MediaEncode::Unavailable;
     const Value group =
         encoder.get(L"SourceGroupCollection").get(L"Add", {Value(std::string("1"))});
