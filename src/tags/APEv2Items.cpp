@@ -36,7 +36,7 @@ void setCount(ID3tag& record, std::string_view text) {
 }
 
 // clang-format off
-constexpr std::array<FieldItem, 13> rows{{
+constexpr std::array<FieldItem, 14> rows{{
     {"Track", setTrack, trackText},
     {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); },
      gotten<&ID3tag::GetArtist>},
@@ -52,6 +52,8 @@ constexpr std::array<FieldItem, 13> rows{{
     {"Composer", setField<&cID3v2ext::Composer>, longText<&cID3v2ext::Composer>},
     {"Copyright", setField<&cID3v2ext::CopyRight>, longText<&cID3v2ext::CopyRight>},
     {"Encoded by", setField<&cID3v2ext::EncodedBy>, longText<&cID3v2ext::EncodedBy>},
+    {"ENCODER_INFO", setField<&cID3v2ext::EncodingHistory>,
+     longText<&cID3v2ext::EncodingHistory>},
     {"TracksCount", setCount<&ID3tag::TracksCount>, countText<&ID3tag::TracksCount>},
     {"DiskNumber", setCount<&ID3tag::DiskNumber>, countText<&ID3tag::DiskNumber>},
     {"DisksCount", setCount<&ID3tag::DisksCount>, countText<&ID3tag::DisksCount>},

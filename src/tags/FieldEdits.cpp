@@ -84,6 +84,7 @@ constexpr std::array<EditableField, editableFieldCount> editableFields{{
     longField<&cID3v2ext::EncodedBy>,
     longField<&cID3v2ext::URL>,
     longField<&cID3v2ext::EncoderInfo>,
+    longField<&cID3v2ext::EncodingHistory>,
     number<&ID3tag::TracksCount>,
     number<&ID3tag::DiskNumber>,
     number<&ID3tag::DisksCount>,

@@ -24,7 +24,7 @@ struct TagWording {
 };
 
 /// Kinds of ID3v2 frames that feed a field.
-inline constexpr std::size_t interpretedFrameCount = 18;
+inline constexpr std::size_t interpretedFrameCount = 19;
 
 /// Long-form text fields and header data of an ID3v2 tag (ID3v2.3.0 and 2.4.0).
 struct cID3v2ext {
@@ -38,8 +38,9 @@ struct cID3v2ext {
 
     std::string TrackTitle, Artist, AlbumTitle, Year, Comments, Composer, OriginalArtist;
     std::string CopyRight, EncodedBy, URL, TrackNumber, Genre, Mix, EncoderInfo;
-    std::string RecordingTime;  ///< the whole TDRC text where it says more than the year
-    std::string UnknownFrames;  ///< raw frames, header and body, in file order
+    std::string EncodingHistory;  ///< how it was re-encoded, and from what; only where all is read
+    std::string RecordingTime;    ///< the whole TDRC text where it says more than the year
+    std::string UnknownFrames;    ///< raw frames, header and body, in file order
 
     std::bitset<interpretedFrameCount> RowsRead;  ///< of `fieldFrames`: which were there
     bool bDamaged = false;                        ///< not all of the tag could be taken apart
@@ -88,7 +89,7 @@ enum class Refusal : std::uint8_t {
     NotWritten   ///< the disk took no more; the file is as it was
 };
 
-inline constexpr std::size_t editableFieldCount = 20;
+inline constexpr std::size_t editableFieldCount = 21;
 
 /// Everything the program keeps of one audio file. Text is UTF-8; getters give the long form
 /// and, where that is empty, the short field, both without outer blanks.

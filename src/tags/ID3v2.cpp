@@ -102,6 +102,10 @@ class FrameWalk {
         const FieldFrame* frame = findFieldFrame(header.id, version_);
         if (frame == nullptr) return false;
         if (frame->kind == FrameKind::Picture) return interpretPicture(header, at);
+        // A list does not show it.
+        const bool isSkipped =
+            frame->kind == FrameKind::UserText && context_.depth != ReadDepth::Full;
+        if (isSkipped) return false;
         if (header.bodySize > largestTextFrame) return false;
         const auto body = bodyOf(header, at, header.bodySize);
         if (!body) return false;
@@ -111,6 +115,7 @@ class FrameWalk {
         const auto row = static_cast<std::size_t>(frame - fieldFrames().data());
         if (record_.ID3v2Ext.RowsRead[row]) return false;
         if (frame->kind == FrameKind::Comment && !takeCommentHead(cursor, *encoding)) return false;
+        if (frame->kind == FrameKind::UserText && !takeHistoryHead(cursor, *encoding)) return false;
         if (frame->kind == FrameKind::Url) return readUrl(cursor, *encoding);
         return readText(row, cursor, *encoding, *body);
     }
@@ -167,6 +172,12 @@ class FrameWalk {
             record_.ID3v2Ext.CommentLanguage = textOf(*language);
         }
         return true;
+    }
+
+    // Takes the description; a user's text with any other is not ours.
+    bool takeHistoryHead(ByteCursor& cursor, TextEncoding encoding) {
+        const Bytes description = takeTerminated(cursor, encoding);
+        return decodeText(encoding, description, context_.ansi) == encodingHistoryKey;
     }
 
     bool readUrl(ByteCursor& cursor, TextEncoding encoding) {

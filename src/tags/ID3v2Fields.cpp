@@ -90,6 +90,8 @@ constexpr std::array<FieldFrame, fieldFrameCount> rows{{
      setField<&cID3v2ext::URL>, longText<&cID3v2ext::URL>},
     {"TSSE", "", FrameKind::Text,
      setField<&cID3v2ext::EncoderInfo>, longText<&cID3v2ext::EncoderInfo>},
+    {"TXXX", "TXX", FrameKind::UserText,
+     setField<&cID3v2ext::EncodingHistory>, longText<&cID3v2ext::EncodingHistory>},
     {"TCMP", "", FrameKind::Text,
      [](ID3tag& r, std::string_view text) { r.IsPartOfCompilation = leadingNumber(text) != 0; },
      [](const ID3tag& r, int) { return std::string(r.IsPartOfCompilation ? "1" : ""); }},

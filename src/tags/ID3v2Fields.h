@@ -9,7 +9,10 @@
 
 namespace tavlo {
 
-enum class FrameKind : std::uint8_t { Text, Genre, Comment, Url, Picture };
+enum class FrameKind : std::uint8_t { Text, Genre, Comment, Url, UserText, Picture };
+
+/// The description of the one TXXX frame that the program understands, and an APEv2 item's key.
+inline constexpr std::string_view encodingHistoryKey = "ENCODER_INFO";
 
 /// A frame that the program understands, and the field that it feeds and is written from.
 struct FieldFrame {

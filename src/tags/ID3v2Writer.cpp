@@ -102,6 +102,12 @@ class FramesWriter {
             body += language.empty() ? "eng" : language;
             addTerminated(body, {{}, encoded.encoding});
         }
+        if (frame.kind == FrameKind::UserText) {
+            const bool isWide = encoded.encoding == TextEncoding::Utf16;
+            addTerminated(body,
+                          {isWide ? utf16Text(encodingHistoryKey) : std::string(encodingHistoryKey),
+                           encoded.encoding});
+        }
         body += encoded.bytes;
         add(frame.id, body);
     }
