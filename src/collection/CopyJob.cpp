@@ -43,15 +43,6 @@ bool isCopyOf(std::string_view copy, const std::string& source) {
            std::ranges::equal(a.view(tail, compared), b.view(tail, compared));
 }
 
-// The folder below the target in which a file of the collection goes.
-std::string folderInTarget(const cFilesCollection& files, std::size_t index,
-                           const std::string& target, bool keepPaths) {
-    const std::string below = keepPaths ? files.GetFileSubPathOnly(index) : std::string();
-    return below.empty() || isAbsolutePath(below, nativePathStyle())
-               ? target
-               : joinPath(target, below, nativePathStyle());
-}
-
 std::vector<CopyStep> planCopies(const cFilesCollection& files, const std::string& target,
                                  bool keepPaths) {
     std::vector<CopyStep> plan;

@@ -78,6 +78,14 @@ bool gatherJobFiles(Services& services, const JobFiles& wanted, cFilesCollection
     return found;
 }
 
+std::string folderInTarget(const cFilesCollection& files, std::size_t index,
+                           const std::string& target, bool keepPaths) {
+    const std::string below = keepPaths ? files.GetFileSubPathOnly(index) : std::string();
+    return below.empty() || isAbsolutePath(below, nativePathStyle())
+               ? target
+               : joinPath(target, below, nativePathStyle());
+}
+
 bool isUnderstood(Services& services) {
     const JobOptions& options = services.options;
     for (const std::string& word : options.valueless) {

@@ -25,6 +25,11 @@ bool gatherFilesToChange(Services& services, const JobFiles& wanted, cFilesColle
 /// Whether every option was understood and has its value; otherwise the word that nothing was done.
 bool isUnderstood(Services& services);
 
+/// The folder that the result of a file goes to: the target or, with `keepPaths`, the folder below
+/// it that the file has in the collection.
+std::string folderInTarget(const cFilesCollection& files, std::size_t index,
+                           const std::string& target, bool keepPaths);
+
 /// The paths that the command line names; without one the settings' or the current folder.
 std::vector<std::string> wantedPaths(const Services& services);
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "collection/JsonText.h"
 
@@ -24,6 +25,12 @@ class JsonLine {
     void addNumber(std::string_view key, std::size_t number) {
         writeText(json_, key);
         json_.Uint64(number);
+    }
+    void addNames(std::string_view key, const std::vector<std::string>& names) {
+        writeText(json_, key);
+        json_.StartArray();
+        for (const std::string& name : names) writeName(json_, name);
+        json_.EndArray();
     }
     [[nodiscard]] std::string finish() {
         json_.EndObject();

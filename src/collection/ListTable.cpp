@@ -53,7 +53,10 @@ constexpr std::array<Column, 11> columns{{
     {Text::ColumnGenre, false,
      [](const ListRow& row) { return std::string(row.record.GetGenre()); }},
     {Text::ColumnLength, true,
-     [](const ListRow& row) { return row.record.Layer == 0 ? std::string() : row.record.Time(); }},
+     [](const ListRow& row) {
+         return row.record.Seconds == 0 && row.record.Layer == 0 ? std::string()
+                                                                 : row.record.Time();
+     }},
     {Text::ColumnBitrate, true,
      [](const ListRow& row) { return numberOrNothing(row.record.Bitrate); }},
     {Text::ColumnSampleRate, true,

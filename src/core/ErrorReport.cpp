@@ -5,12 +5,20 @@
 namespace tavlo {
 
 void ErrorReport::report(Text text, std::string_view argument) {
-    ++count_;
-    note(text, argument);
+    reportLine(texts_.get(text, withoutControls(std::string(argument))));
 }
 
 void ErrorReport::note(Text text, std::string_view argument) {
-    sink_.write(texts_.get(text, withoutControls(std::string(argument))) + '\n');
+    noteLine(texts_.get(text, withoutControls(std::string(argument))));
+}
+
+void ErrorReport::reportLine(std::string_view line) {
+    ++count_;
+    noteLine(line);
+}
+
+void ErrorReport::noteLine(std::string_view line) {
+    sink_.write(std::string(line) + '\n');
 }
 
 }  // namespace tavlo

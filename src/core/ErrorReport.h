@@ -19,6 +19,10 @@ class ErrorReport {
     /// Tells one line that is no failure.
     void note(Text text, std::string_view argument = {});
 
+    /// The same two for a line that is made already.
+    void reportLine(std::string_view line);
+    void noteLine(std::string_view line);
+
     std::size_t count() const { return count_; }
 
     /// The process's exit code: 1 when anything was reported, else 0.

@@ -2,6 +2,9 @@
 
 #include <array>
 
+#include "platform/Environment.h"
+#include "platform/FileSystem.h"
+
 namespace tavlo {
 namespace {
 
@@ -32,6 +35,14 @@ std::vector<std::string_view> foldersOf(const ToolPlaces& places) {
 }
 
 }  // namespace
+
+ToolPlaces systemToolPlaces() {
+    const auto isFile = [](const std::string& path) {
+        const auto info = fileInfo(path);
+        return info && !info->isFolder;
+    };
+    return {nativePathStyle(), programFolder(), environmentVariable("PATH").value_or(""), isFile};
+}
 
 std::string toolFileName(std::string_view tool, PathStyle style) {
     if (style == PathStyle::Posix && tool.ends_with(programSuffix))

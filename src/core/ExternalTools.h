@@ -17,6 +17,9 @@ struct ToolPlaces {
     std::function<bool(const std::string& path)> exists;
 };
 
+/// The places of the running system.
+ToolPlaces systemToolPlaces();
+
 /// A program's file name on this kind of system: without ".exe" where programs have none.
 std::string toolFileName(std::string_view tool, PathStyle style);
 

@@ -91,6 +91,8 @@ inline constexpr auto optionTable = std::to_array<OptionRow>({
     {{"/wavetrim", "/wt"}, SetMark{&JobOptions::waveTrim}, Text::GroupWave, Text::HelpWaveTrim},
     {{"/nf", "/noformat"}, SetMark{&JobOptions::noFormat}, Text::GroupFiles, Text::HelpNoFormat},
     {{"/nb", "/nobackup"}, SetMark{&JobOptions::noBackup}, Text::GroupFiles, Text::HelpNoBackup},
+    {{"/jobs"}, TakeNumber{&JobOptions::jobsAtOnce}, Text::GroupConversion, Text::HelpJobsAtOnce},
+    {{"/log"}, TakeText{&JobOptions::logFile, false}, Text::GroupConversion, Text::HelpLog},
     {{"/raw"}, SetMark{&JobOptions::raw}, Text::GroupConversion, Text::HelpRaw},
     {{"/z"}, SetMark{&JobOptions::z}, Text::GroupWave, Text::HelpLimits},
     {{"/zx"}, SetMark{&JobOptions::zx}, Text::GroupWave, Text::HelpLimits},

@@ -72,6 +72,8 @@ struct JobOptions {
     EncoderWord encoder = EncoderWord::Mp3;
     std::string preset = "vbr2";
     std::optional<int> outputFormat;
+    std::optional<int> jobsAtOnce;
+    std::optional<std::string> logFile;
     bool raw = false;
 
     std::optional<bool> reduceLevel;

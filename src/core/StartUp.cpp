@@ -124,8 +124,15 @@ int StartUp::dispatch() {
 }
 
 int StartUp::runJob(const JobRow& job) {
-    Services services{options_,      settings_,       texts_,        errors_,
-                      parts_.output, parts_.progress, parts_.cancel, ansiCodePage(settings_)};
+    Services services{options_,
+                      settings_,
+                      texts_,
+                      errors_,
+                      parts_.output,
+                      parts_.progress,
+                      parts_.cancel,
+                      ansiCodePage(settings_),
+                      texts_.get(Text::VersionLine, parts_.programVersion)};
     return job.run(services);
 }
 

@@ -30,6 +30,7 @@ struct Services {
     Progress& progress;
     CancelFlag& cancel;
     int ansiCodePage;
+    std::string programName = {};  ///< with the version
 };
 
 /// A run mode and what does its work; the answer is the process's exit code.

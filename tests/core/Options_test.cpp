@@ -17,12 +17,19 @@ struct Field {
 };
 
 const Field<std::optional<std::string>> textFields[] = {
-    {"folder", &JobOptions::folder},       {"artist", &JobOptions::artist},
-    {"title", &JobOptions::title},         {"album", &JobOptions::album},
-    {"year", &JobOptions::year},           {"mix", &JobOptions::mix},
-    {"track", &JobOptions::trackNumber},   {"genre", &JobOptions::genre},
-    {"target", &JobOptions::targetFolder}, {"template", &JobOptions::nameTemplate},
-    {"playlist", &JobOptions::playlist},   {"language", &JobOptions::languageFile},
+    {"folder", &JobOptions::folder},
+    {"artist", &JobOptions::artist},
+    {"title", &JobOptions::title},
+    {"album", &JobOptions::album},
+    {"year", &JobOptions::year},
+    {"mix", &JobOptions::mix},
+    {"track", &JobOptions::trackNumber},
+    {"genre", &JobOptions::genre},
+    {"target", &JobOptions::targetFolder},
+    {"template", &JobOptions::nameTemplate},
+    {"log", &JobOptions::logFile},
+    {"playlist", &JobOptions::playlist},
+    {"language", &JobOptions::languageFile},
 };
 const Field<bool> markFields[] = {
     {"subfolders", &JobOptions::subfolders},
@@ -53,6 +60,7 @@ const Field<std::optional<int>> numberFields[] = {
     {"above", &JobOptions::normalizeAbove}, {"below", &JobOptions::normalizeBelow},
     {"before", &JobOptions::before},        {"after", &JobOptions::after},
     {"start", &JobOptions::startOffset},    {"end", &JobOptions::endOffset},
+    {"jobs", &JobOptions::jobsAtOnce},
 };
 const Field<int> limitFields[] = {{"low", &JobOptions::lowLimit}, {"high", &JobOptions::highLimit}};
 
@@ -115,7 +123,8 @@ const std::vector<Case> optionCases{
     {"/idle", "priority=64"}, {"/normal", "priority=32"}, {"/high", "priority=128"},
     {"/s", "subfolders=on"}, {"/lng my.lng", "language='my.lng'"}, {"/scan", "mode=18"},
     {"/json", "json=on"}, {"/dryrun", "dryrun=on"}, {"/version", "mode=100"},
-    {"/undo", "mode=19"}, {"/u8", "u8=on"},
+    {"/undo", "mode=19"}, {"/u8", "u8=on"}, {"/jobs 3", "jobs=3"},
+    {"/log \" a log\"", "log=' a log'"},
 };
 // clang-format on
 
