@@ -7,6 +7,7 @@
 #include "collection/PlaylistJob.h"
 #include "collection/RenameJob.h"
 #include "collection/UndoJob.h"
+#include "convert/ConversionJob.h"
 #include "core/ConsoleProgress.h"
 #include "core/ConsoleSink.h"
 #include "core/StartUp.h"
@@ -44,7 +45,8 @@ int main(int argc, char** argv) {
         {RunMode::Change, changeTags},    {RunMode::Rename, renameFiles},
         {RunMode::Rename2, renameFiles},  {RunMode::AutoRename, renameFiles},
         {RunMode::Undo, undoRename},      {RunMode::MakeLists, makePlaylists},
-        {RunMode::Copy, copyPlaylist},
+        {RunMode::Copy, copyPlaylist},    {RunMode::Encode, convertFiles},
+        {RunMode::Decode, convertFiles},
     };
     StartUp startUp({registry, output, progress, progress, cancel, TAVLO_VERSION}, jobs);
     return startUp.run(programCommandLine(argc, argv));

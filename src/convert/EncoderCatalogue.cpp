@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "core/PathText.h"
+#include "platform/PlainText.h"
 
 namespace tavlo {
 
@@ -76,6 +77,32 @@ constexpr auto neroPresets = std::to_array<NamedPreset>({
     {1010, "neroaacenc.exe -q 0.80 ", "VBR 80% (300-330 kbps)", 330},
 });
 
+constexpr int losslessBitrate = std::numeric_limits<int>::max();
+
+// Qualities aim at no bit rate.
+constexpr auto windowsMediaProfiles = std::to_array<NamedPreset>({
+    {1, "TAVLO_CBR_024", "", 24},
+    {2, "TAVLO_CBR_032", "", 32},
+    {3, "TAVLO_VBR_048", "", 48},
+    {4, "TAVLO_VBR_064", "", 64},
+    {5, "TAVLO_VBR_096", "", 96},
+    {WmaVbr128, "TAVLO_VBR_128", "", 128},
+    {7, "TAVLO_VBR_160", "", 160},
+    {8, "TAVLO_VBR_192", "", 192},
+    {9, "TAVLO_CBR_256", "", 256},
+    {10, "TAVLO_CBR_320", "", 320},
+    {11, "TAVLO_VBR_Q10", "", 0},
+    {12, "TAVLO_VBR_Q25", "", 0},
+    {13, "TAVLO_VBR_Q50", "", 0},
+    {14, "TAVLO_VBR_Q75", "", 0},
+    {15, "TAVLO_VBR_Q90", "", 0},
+    {16, "TAVLO_VBR_Q98", "", 0},
+    {WmaLossless, "TAVLO_LOSSLESS", "", losslessBitrate},
+    {WmaUser1, "TAVLO_USERPRESET1", "", 0},
+    {WmaUser1 + 1, "TAVLO_USERPRESET2", "", 0},
+    {WmaUser1 + 2, "TAVLO_USERPRESET3", "", 0},
+});
+
 template <std::size_t size>
 const NamedPreset* findPreset(const std::array<NamedPreset, size>& presets, int mode) {
     const auto row = std::ranges::find(presets, mode, &NamedPreset::mode);
@@ -97,8 +124,17 @@ constexpr auto faacBandwidths = std::to_array<LadderRow>({
 constexpr std::array<int, 11> oggBitrates{64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 500};
 constexpr int oggUsual = 8;
 
+// One argument. A quote in a name, which not every system forbids, is escaped with the backslashes
+// in front of it, as `splitCommandLine` and programs on Windows understand it.
 std::string quoted(std::string_view text) {
-    return std::string("\"").append(text).append("\"");
+    std::string result = "\"";
+    std::size_t slashes = 0;
+    for (const char c : text) {
+        if (c == '"') result.append(slashes + 1, '\\');
+        slashes = c == '\\' ? slashes + 1 : 0;
+        result += c;
+    }
+    return result.append(slashes, '\\') + '"';
 }
 
 std::string number(int value) {
@@ -191,7 +227,9 @@ EncodeCommand oggCommand(int mode, const EncodePaths& paths, const EncoderSettin
         command.description = "oggenc.exe -q" + quality;
         command.label = "Q mode " + quality;
     }
-    command.line = command.description + " -n" + quoted(paths.result) + " " + quoted(paths.wav);
+    std::string name = paths.result;
+    replaceAll(name, "%", "%%");  // oggenc puts tags in where a name has "%"
+    command.line = command.description + " -n" + quoted(name) + " " + quoted(paths.wav);
     return command;
 }
 
@@ -305,6 +343,11 @@ std::optional<EncodeCommand> encodeCommand(FileTypes format, int mode, const Enc
     }
 }
 
+std::string_view windowsMediaProfile(int mode) {
+    const NamedPreset* profile = findPreset(windowsMediaProfiles, mode);
+    return profile == nullptr ? std::string_view() : profile->text;
+}
+
 std::array<std::string, 2> rewrapCommands(const std::string& result) {
     const std::string stream = quoted(result + ".aac");
     return {"mp4creator60.exe -mpeg-version=4 -extract=1 " + quoted(result) + " " + stream,
@@ -348,6 +391,19 @@ std::optional<DecodeCommand> decodeCommand(FileTypes format, const std::string& 
     }
 }
 
+int firstDecoder(FileTypes format, bool isLossless) {
+    constexpr int alac = 2;
+    return format == FileType::Mp4 && isLossless ? alac : 0;
+}
+
+std::string lameVersionIn(std::string_view output) {
+    constexpr std::string_view word = " version ";
+    const std::size_t at = output.find(word);
+    if (at == std::string_view::npos) return {};
+    const std::string_view rest = output.substr(at + word.size());
+    return std::string(rest.substr(0, rest.find_first_of(" \r\n(")));
+}
+
 namespace {
 // Behind the last of the options that give one; 0 where none does.
 int bitrateOption(std::string_view code) {
@@ -389,8 +445,8 @@ int mpeg4Bitrate(int mode, const EncoderSettings& settings) {
 }  // namespace
 
 int nominalBitrate(FileTypes format, int mode, const EncoderSettings& settings) {
-    constexpr int lossless = std::numeric_limits<int>::max();
-    if (IsLosslessType(format) || (format == FileType::Mp4 && mode == Alac)) return lossless;
+    if (IsLosslessTarget(format, mode)) return losslessBitrate;
+    if (format == FileType::Wma) return bitrateOf(windowsMediaProfiles, mode, 0);
     if (format == FileType::Ogg) {
         if (const auto user = chosen(settings.ogg, mode, OggUser1); user.preset != nullptr) {
             return bitrateOf(user);
@@ -426,6 +482,10 @@ std::string_view outputExtension(FileTypes format) {
 
 bool IsLosslessType(FileTypes format) {
     return (format & FileType::Lossless) != 0;
+}
+
+bool IsLosslessTarget(FileTypes format, int mode) {
+    return IsLosslessType(format) || (format == FileType::Mp4 && mode == Alac);
 }
 
 }  // namespace tavlo

@@ -39,6 +39,9 @@ enum EncoderMode : int {
     NeroPreset1 = 1001,
     NeroUser1 = 1011,
     Alac = 1100,
+    WmaVbr128 = 6,
+    WmaLossless = 17,
+    WmaUser1 = 18,
 };
 
 /// Where an encoder reads and writes: full paths.
@@ -61,6 +64,10 @@ struct EncodeCommand {
 std::optional<EncodeCommand> encodeCommand(FileTypes format, int mode, const EncodePaths& paths,
                                            const EncoderSettings& settings);
 
+/// The name of the profile that a mode of Windows Media has, also its file's without ".prx"; empty
+/// for a mode that there is not.
+std::string_view windowsMediaProfile(int mode);
+
 /// The two commands that bring an AAC stream into its final shape; between them the result is
 /// deleted, and after them the ".aac" beside it.
 std::array<std::string, 2> rewrapCommands(const std::string& result);
@@ -76,6 +83,12 @@ std::optional<DecodeCommand> decodeCommand(FileTypes format, const std::string& 
                                            const std::string& wav, const EncoderSettings& settings,
                                            int alternative = 0);
 
+/// The alternative that is tried first.
+int firstDecoder(FileTypes format, bool isLossless);
+
+/// "3.100" out of what "lame --version" prints; empty where it is not in it.
+std::string lameVersionIn(std::string_view output);
+
 /// The bit rate in kbit/s that a mode aims at. 0 where that cannot be told; a lossless format's is
 /// above every other.
 int nominalBitrate(FileTypes format, int mode, const EncoderSettings& settings);
@@ -85,5 +98,8 @@ std::string_view outputExtension(FileTypes format);
 
 /// FLAC, WavPack and Monkey's Audio.
 bool IsLosslessType(FileTypes format);
+
+/// The same, or the mode of MPEG-4 that is ALAC.
+bool IsLosslessTarget(FileTypes format, int mode);
 
 }  // namespace tavlo

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "convert/Converter.h"
+#include "core/StartUp.h"
+
+namespace tavlo {
+
+/// Prints what is to be done, or what came of it, file by file, and sums it up.
+class ConversionReport {
+ public:
+    ConversionReport(Services& services, const ConversionSettings& settings)
+        : services_(services), settings_(settings) {}
+
+    void tellPlanned(const Conversion& row);
+    /// `message` may be empty.
+    void tell(const Conversion& row, ConversionResult result, std::string_view message);
+    /// False when the output took no more.
+    bool finish();
+
+ private:
+    void print(const std::string& text);
+    void tellPlannedJson(const Conversion& row, const std::vector<std::string>& commands);
+
+    Services& services_;
+    const ConversionSettings& settings_;
+    bool isWritten_ = true;
+    std::size_t converted_ = 0, copied_ = 0, skipped_ = 0, there_ = 0;
+};
+
+/// The command lines that a row will run, with the names that a person knows.
+std::vector<std::string> plannedCommands(const Conversion& row, const ConversionSettings& settings);
+
+}  // namespace tavlo

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+
+#include "convert/ConversionContext.h"
+#include "convert/ConversionPlan.h"
+#include "convert/WavDecoder.h"
+#include "convert/WavEncoder.h"
+
+namespace tavlo {
+
+enum class ConversionResult {
+    Converted,
+    Copied,   ///< unchanged
+    Skipped,  ///< it lies there as it is
+    There,    ///< an earlier result
+    Cancelled,
+    Failed
+};
+
+/// Carries out the rows of a plan, one after the other. Whatever goes wrong, the source stays as it
+/// was, and neither a half file nor a WAV is left.
+class Converter {
+ public:
+    explicit Converter(const ConversionContext& context)
+        : context_(context), encoder_(context), decoder_(context) {}
+
+    /// What the row's step asks for. The row's target then is where the result lies.
+    ConversionResult convert(Conversion& row);
+
+    /// Both give the result's name, or "#" where there is none.
+    std::string EncodeWavFile(Conversion& row);
+    std::string ReEncodeFile(Conversion& row);
+
+ private:
+    ConversionResult encodeWave(Conversion& row);
+    ConversionResult reEncode(Conversion& row);
+    ConversionResult decode(Conversion& row);
+    ConversionResult keepSource(Conversion& row, Text copied, Text skipped);
+    ConversionResult failReEncode(Conversion& row);
+    bool copySource(Conversion& row);
+    bool finish(Conversion& row, const std::string& result, EncodedFile& encoded);
+    bool prepareFolder(const Conversion& row);
+    bool carryTags(const Conversion& row, const std::string& result, EncodedFile& encoded);
+    bool writeTags(ID3tag& record);
+    void tellTagsLeft(const ID3tag& tags);
+    void removeSource(const Conversion& row, bool isWanted);
+    [[nodiscard]] bool isReadBack(const Conversion& row) const;
+
+    const ConversionContext& context_;
+    WavEncoder encoder_;
+    WavDecoder decoder_;
+    bool tagsStayBehind_ = false;
+};
+
+}  // namespace tavlo

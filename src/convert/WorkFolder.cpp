@@ -1,0 +1,45 @@
+#include "convert/WorkFolder.h"
+
+#include <random>
+
+#include "core/Numbers.h"
+#include "core/PathText.h"
+#include "platform/FileSystem.h"
+#include "platform/FileTransfer.h"
+
+namespace tavlo {
+
+WorkFolder::WorkFolder(const std::string& parent) {
+    constexpr int numbers = 100000, tries = 100;
+    std::random_device random;
+    std::uniform_int_distribution<int> anyNumber(0, numbers - 1);
+    for (int i = 0; i < tries; ++i) {
+        name_ = "tavlo" + paddedNumber(anyNumber(random), 5);
+        const std::string path = joinPath(parent, name_, nativePathStyle());
+        const Created created = createFolder(path);
+        if (created == Created::Done) path_ = path;
+        if (created != Created::Exists) return;
+    }
+}
+
+WorkFolder::~WorkFolder() {
+    if (path_.empty()) return;
+    for (const FolderEntry& entry : listFolder(path_)) {
+        removeEntry(joinPath(path_, entry.name, nativePathStyle()));
+    }
+    removeEmptyFolder(path_);
+}
+
+std::string WorkFolder::newName() {
+    return name_ + "-" + std::to_string(++last_);
+}
+
+std::string WorkFolder::newPath(const std::string& extension) {
+    return joinPath(path_, newName() + extension, nativePathStyle());
+}
+
+PassingFile::~PassingFile() {
+    if (!path_.empty()) removeEntry(path_);
+}
+
+}  // namespace tavlo
