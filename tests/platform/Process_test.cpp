@@ -79,9 +79,9 @@ TEST(Process, EndIsNoticedAtOnceAndNotBefore) {
     for (int i = 0; i < times; ++i) {
         const TempFolder folder;
         const auto child = startChild("print=9 await", folder.path("gate"));
-        ASSERT_NE(child, nullptr);
+        ASSERT_TRUE(child != nullptr && saysSomething(*child));
         const auto start = Clock::now();
-        ASSERT_FALSE(child->waitFor(20));
+        EXPECT_FALSE(child->waitFor(20));
         EXPECT_GE(Clock::now() - start, milliseconds(20));
         child->kill();
         const auto killed = Clock::now();
@@ -92,11 +92,11 @@ TEST(Process, EndIsNoticedAtOnceAndNotBefore) {
 }
 
 TEST(Process, WhatItLeftBehindIsNotWaitedFor) {
-    const auto child = startChild("leave=4000 print=3", "");
+    const auto child = startChild("leave=2500 print=3", "");
     ASSERT_NE(child, nullptr);
     const auto start = Clock::now();
     EXPECT_TRUE(child->waitFor(longWait));
-    EXPECT_LT(Clock::now() - start, milliseconds(3000));
+    EXPECT_LT(Clock::now() - start, milliseconds(2000));
     EXPECT_EQ(child->output(), "abc");
 }
 
@@ -107,8 +107,7 @@ TEST(Process, PriorityIsThatOfAllItsThreads) {
         ProcessStart start;
         start.priority = atStart;
         const auto child = startChild("print=1 await priority", folder.path(gate), start);
-        ASSERT_NE(child, nullptr);
-        EXPECT_TRUE(comesTrue([&] { return child->waitFor(1) || child->output() == "a"; }));
+        ASSERT_TRUE(child != nullptr && saysSomething(*child));
         if (atStart == PriorityClass::Normal) child->setPriority(PriorityClass::Idle);
         folder.write(gate, "");
         EXPECT_TRUE(child->waitFor(longWait));

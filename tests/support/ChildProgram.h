@@ -39,4 +39,9 @@ bool comesTrue(Condition condition) {
     return true;
 }
 
+/// Until it has said its first word it may not be wholly there, nor what the system puts beside it.
+inline bool saysSomething(Process& child) {
+    return comesTrue([&] { return child.waitFor(1) || !child.output().empty(); });
+}
+
 }  // namespace tavlo::test
