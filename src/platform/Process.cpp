@@ -1,5 +1,6 @@
 #include "platform/Process.h"
 
+#include <algorithm>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -36,8 +37,7 @@ std::vector<std::string> splitCommandLine(std::string_view line) {
             continue;
         }
         isWord = true;
-        std::size_t slashes = 0;
-        while (i + slashes < line.size() && line[i + slashes] == '\\') ++slashes;
+        const std::size_t slashes = std::min(line.find_first_not_of('\\', i), line.size()) - i;
         const bool beforeQuote = i + slashes < line.size() && line[i + slashes] == '"';
         if (slashes > 0) {
             word.append(beforeQuote ? slashes / 2 : slashes, '\\');

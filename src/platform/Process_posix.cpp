@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -9,10 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <csignal>
 
 #include "platform/Process.h"
-
-extern char** environ;
 
 namespace tavlo {
 
@@ -142,6 +140,7 @@ class SpawnAttributes {
 std::unique_ptr<Process> startProcess(const ProcessStart& start) {
     std::vector<std::string> words = splitCommandLine(start.commandLine);
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     std::array<int, 2> ends{};
