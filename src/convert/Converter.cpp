@@ -201,9 +201,10 @@ bool Converter::carryTags(const Conversion& row, const std::string& result, Enco
         tellTagsLeft(tags);
         return true;
     }
-    // Within a format nothing that its tags hold is lost.
-    if (row.type == settings.target.format) copyTags(row.source, result, context_.ansi);
-    ID3tag record = ReadAudioFile(result, {context_.ansi, ReadDepth::Full});
+    const PassingFile own(context_.work.newPath(std::string(outputExtension(row.type))));
+    const bool carriesAll = row.type == settings.target.format && gatherTags(row, own.path());
+    const std::string& tagged = carriesAll ? own.path() : result;
+    ID3tag record = ReadAudioFile(tagged, {context_.ansi, ReadDepth::Full});
     record.FillFromID3(tags);
     if (!isWave) {
         context_.step(Text::UpdatingTags);
@@ -211,7 +212,16 @@ bool Converter::carryTags(const Conversion& row, const std::string& result, Enco
                                           std::string(fileTypeName(row.type)) + " " +
                                           std::to_string(row.bitrate) + "kbps )";
     }
-    return writeTags(record);
+    const bool isWritten = writeTags(record);
+    return isWritten && (!carriesAll || copyTags(tagged, result, context_.ansi, unflushedCalls()));
+}
+
+// Within a format nothing that its tags hold is lost. They are changed in a small file of their
+// own, so that the result has to be written anew but once.
+bool Converter::gatherTags(const Conversion& row, const std::string& path) const {
+    const std::string noSound(1024, '\0');
+    return writeFile(path, noSound, unflushedCalls()) == Transfer::Done &&
+           copyTags(row.source, path, context_.ansi, unflushedCalls());
 }
 
 // Only a disk that refuses is a failure here; what else keeps a tag from being written is told.
@@ -219,8 +229,8 @@ bool Converter::writeTags(ID3tag& record) {
     LogSink sink(context_.log);
     ErrorReport errors(context_.texts, sink);
     NoProgress progress;
-    const TagUpdate done =
-        UpdateTags(record, {context_.ansi, context_.settings.tags, errors, progress});
+    const TagUpdate done = UpdateTags(
+        record, {context_.ansi, context_.settings.tags, errors, progress, unflushedCalls()});
     if (done != TagUpdate::Refused) return true;
     tagsStayBehind_ = true;
     switch (record.Refused) {

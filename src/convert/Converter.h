@@ -42,6 +42,7 @@ class Converter {
     bool finish(Conversion& row, const std::string& result, EncodedFile& encoded);
     bool prepareFolder(const Conversion& row);
     bool carryTags(const Conversion& row, const std::string& result, EncodedFile& encoded);
+    [[nodiscard]] bool gatherTags(const Conversion& row, const std::string& path) const;
     bool writeTags(ID3tag& record);
     void tellTagsLeft(const ID3tag& tags);
     void removeSource(const Conversion& row, bool isWanted);

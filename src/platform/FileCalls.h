@@ -93,4 +93,7 @@ class FileCalls {
 /// The running system's.
 FileCalls& systemCalls();
 
+/// The same for files that nobody misses when the power goes: flushing does nothing.
+FileCalls& unflushedCalls();
+
 }  // namespace tavlo

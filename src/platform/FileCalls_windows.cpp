@@ -63,7 +63,7 @@ bool renameOpen(HANDLE file, const std::wstring& to) {
                                         static_cast<DWORD>(room.size() * 8)) != 0;
 }
 
-class SystemCalls final : public FileCalls {
+class SystemCalls : public FileCalls {
  public:
     FileHandle open(const std::string& path, Access access, FileStatus& status) override {
         const bool writes = access == Access::ReadWrite;
@@ -179,10 +179,20 @@ class SystemCalls final : public FileCalls {
 
     bool clearReadOnly(const std::string& path) override { return tavlo::clearReadOnly(path); }
 };
+
+class UnflushedCalls final : public SystemCalls {
+ public:
+    bool flush(FileHandle) override { return true; }
+};
 }  // namespace
 
 FileCalls& systemCalls() {
     static SystemCalls calls;
+    return calls;
+}
+
+FileCalls& unflushedCalls() {
+    static UnflushedCalls calls;
     return calls;
 }
 

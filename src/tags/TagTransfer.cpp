@@ -25,9 +25,10 @@ std::optional<TagSpan> soundOf(File& file, FileTypes type, const CodePage& ansi)
 }
 }  // namespace
 
-bool copyTags(const std::string& from, const std::string& to, const CodePage& ansi) {
-    File source;
-    File target;
+bool copyTags(const std::string& from, const std::string& to, const CodePage& ansi,
+              FileCalls& calls) {
+    File source(calls);
+    File target(calls);
     const FileTypes type = GetFileType(to);
     if (GetFileType(from) != type) return false;
     if (!source.open(from, Access::Read) || !target.open(to, Access::ReadWrite)) return false;
