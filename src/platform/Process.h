@@ -14,7 +14,7 @@ namespace tavlo {
 struct ProcessStart {
     std::string program;      ///< full path of its file
     std::string commandLine;  ///< the whole line, the program's name first; by Windows' rules
-    std::string folder;       ///< where it runs; empty: where this one does
+    std::string folder = {};  ///< where it runs; empty: where this one does
     bool isShown = false;     ///< its windows, where the system has such
     PriorityClass priority = PriorityClass::Normal;
 };
