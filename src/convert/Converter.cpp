@@ -50,6 +50,10 @@ ConversionResult Converter::convert(Conversion& row) {
         context_.error(Text::SourceGone);
         return ConversionResult::Failed;
     }
+    if (row.isOwnSource && source->isReadOnly) {
+        context_.error(Text::FileNotOpenedForWriting, row.source);
+        return ConversionResult::Failed;
+    }
     switch (row.step) {
         case ConversionStep::Encode:
             return encodeWave(row);

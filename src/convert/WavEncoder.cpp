@@ -72,7 +72,12 @@ std::string WavEncoder::workPath(const Conversion& row) {
     const bool isNetworkOgg =
         context_.settings.target.format == FileType::Ogg && row.folder.starts_with(R"(\\)");
     if (isNetworkOgg || context_.isRemovable(row.folder)) return context_.work.newPath(extension);
-    return joinPath(row.folder, context_.work.newName() + extension, nativePathStyle());
+    // Somebody else's run may have the same number in a shared folder.
+    for (;;) {
+        const std::string path =
+            joinPath(row.folder, context_.work.newName() + extension, nativePathStyle());
+        if (!fileInfo(path)) return path;
+    }
 }
 
 std::optional<EncodeCommand> WavEncoder::commandFor(const Conversion& row, const std::string& wav,
