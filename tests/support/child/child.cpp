@@ -4,6 +4,10 @@
 // NAME:WORD, which is for a program with that name only:
 //   copy         the input file becomes the output file (so it does when nothing is said)
 //   garbage      writes an output file that is none
+//   give=PATH    the output file becomes what lies at PATH, with the output's extension behind it,
+//                if there is such a file;  half=PATH  its first half
+//   beside       from now on the output's name is the input's, with the output's extension;
+//   behind       ... or with ".wav" behind it
 //   print=COUNT  writes so many letters;  args  writes the arguments, as in the log
 //   input        writes how many bytes its input has;  priority, inheritance  writes these
 //   sleep=MILLISECONDS;  await  waits until the file named last is there
@@ -82,7 +86,8 @@ Ways waysOf(const std::vector<std::string>& arguments) {
         const bool isFirst = ways.input.empty() && fs::is_regular_file(pathOf(file), error);
         (isFirst && !isOutput ? ways.input : ways.output) = pathOf(file);
     }
-    if (ways.output.empty()) ways.output = fs::path(ways.input).replace_extension(".wav");
+    const bool isDecoder = ways.output.empty() && !ways.input.empty();
+    if (isDecoder) ways.output = fs::path(ways.input).replace_extension(".wav");
     return ways;
 }
 
@@ -117,6 +122,7 @@ struct Run {
     std::string name;
     std::vector<std::string> arguments;  // without the program's path
     int exitCode = 0;
+    std::string naming = {};  // of its own: "beside" or "behind" the input
 
     [[nodiscard]] std::string told() const {
         std::string text;
@@ -124,16 +130,32 @@ struct Run {
         return text;
     }
 
-    void copy() {
-        const Ways ways = waysOf(arguments);
-        const auto overwrite = fs::copy_options::overwrite_existing;
+    [[nodiscard]] Ways ways() const {
+        Ways found = waysOf(arguments);
+        const fs::path extension = found.output.extension();
+        if (naming == "beside") found.output = fs::path(found.input).replace_extension(extension);
+        if (naming == "behind") found.output = fs::path(found.input) += ".wav";
+        return found;
+    }
+
+    void copy(const fs::path& from, const fs::path& to) {
         std::error_code error;
-        if (!fs::copy_file(ways.input, ways.output, overwrite, error)) exitCode = 1;
+        // Not every system lets a copy take another file's place.
+        if (fs::exists(from)) fs::remove(to, error);
+        if (!fs::copy_file(from, to, error)) exitCode = 1;
+    }
+
+    void give(const std::string& prepared, bool isHalf) {
+        const fs::path output = ways().output;
+        copy(pathOf(prepared + utf8(output.extension())), output);
+        if (isHalf && exitCode == 0) fs::resize_file(output, fs::file_size(output) / 2);
     }
 
     void act(const std::string& word, const std::string& value) {
-        if (word == "copy") copy();
-        if (word == "garbage") std::ofstream(waysOf(arguments).output) << "garbage";
+        if (word == "copy") copy(ways().input, ways().output);
+        if (word == "garbage") std::ofstream(ways().output) << "garbage";
+        if (word == "give" || word == "half") give(value, word == "half");
+        if (word == "beside" || word == "behind") naming = word;
         if (word == "print") say(letters(std::atoi(value.c_str())));
         if (word == "args") say(told());
         if (word == "input") say(inputSize());
@@ -149,9 +171,10 @@ struct Run {
     void follow(const std::string& words) {
         std::istringstream stream(words);
         for (std::string word; stream >> word;) {
-            const std::size_t colon = word.find(':');
-            if (colon != std::string::npos && word.substr(0, colon) != name) continue;
-            if (colon != std::string::npos) word.erase(0, colon + 1);
+            const std::size_t colon = word.find_first_of(":=");
+            const bool isNamed = colon != std::string::npos && word[colon] == ':';
+            if (isNamed && word.substr(0, colon) != name) continue;
+            if (isNamed) word.erase(0, colon + 1);
             const std::size_t equals = std::min(word.find('='), word.size());
             act(word.substr(0, equals), word.substr(std::min(equals + 1, word.size())));
         }
