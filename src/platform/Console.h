@@ -18,10 +18,14 @@ bool writeText(Stream stream, std::string_view text);
 
 /// The first Ctrl+C sets the flag, which must live as long as the process; the second ends the
 /// process as usual.
+/// A request of the system to end sets it as well.
 void cancelOnInterrupt(std::atomic<bool>& flag);
 
-/// From now on the second Ctrl+C sets this flag, and only the third ends the process; with null it
-/// is again as before.
+/// From now on writing to a reader that has gone fails instead of ending the process.
+void surviveClosedPipes();
+
+/// From now on the second Ctrl+C, or a request of the system to end, sets this flag, and only the
+/// next one ends the process; with null it is again as before.
 void heedSecondInterrupt(std::atomic<bool>* flag);
 
 }  // namespace tavlo

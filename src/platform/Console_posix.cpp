@@ -22,6 +22,20 @@ void onInterrupt(int) {
     std::signal(SIGINT, SIG_DFL);
 }
 
+void onTermination(int number) {
+    if (auto* first = interruptFlag.load()) first->store(true);
+    if (auto* second = secondFlag.load()) second->store(true);
+    std::signal(number, SIG_DFL);
+}
+
+void listen(int number, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    sigaction(number, &action, nullptr);
+}
+
 int descriptor(Stream stream) {
     return stream == Stream::Output ? STDOUT_FILENO : STDERR_FILENO;
 }
@@ -50,11 +64,16 @@ bool writeText(Stream stream, std::string_view text) {
 
 void cancelOnInterrupt(std::atomic<bool>& flag) {
     interruptFlag.store(&flag);
-    struct sigaction action {};
-    action.sa_handler = onInterrupt;
-    action.sa_flags = SA_RESTART;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
+    listen(SIGINT, onInterrupt);
+    listen(SIGTERM, onTermination);
+    // A program that was started to outlive its terminal goes on.
+    struct sigaction kept {};
+    sigaction(SIGHUP, nullptr, &kept);
+    if (kept.sa_handler != SIG_IGN) listen(SIGHUP, onTermination);
+}
+
+void surviveClosedPipes() {
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 void heedSecondInterrupt(std::atomic<bool>* flag) {

@@ -81,6 +81,8 @@ void cancelOnInterrupt(std::atomic<bool>& flag) {
     SetConsoleCtrlHandler(onInterrupt, TRUE);
 }
 
+void surviveClosedPipes() {}
+
 void heedSecondInterrupt(std::atomic<bool>* flag) {
     secondFlag.store(flag);
 }

@@ -29,6 +29,12 @@ std::vector<FolderEntry> listFolder(const std::string& folder);
 /// What a path leads to; nothing when there is no such file or folder.
 std::optional<FileInfo> fileInfo(const std::string& path);
 
+/// Whether a name is taken by anything, be it a link that leads nowhere.
+bool isTaken(const std::string& path);
+
+/// Whether a path is a program that may be started.
+bool isProgram(const std::string& path);
+
 /// Makes a file writable for its owner; other attributes stay. False when it could not be done.
 bool clearReadOnly(const std::string& path);
 

@@ -11,6 +11,7 @@
 #include "platform/Environment.h"
 #include "platform/FileSystem.h"
 #include "platform/FileTicks.h"
+#include "platform/FileTransfer.h"
 
 namespace tavlo {
 
@@ -146,12 +147,23 @@ Created createFolder(const std::string& path) {
     return errno == EEXIST && folderExists(path) ? Created::Exists : Created::Failed;
 }
 
+bool isTaken(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+bool isProgram(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           ::access(path.c_str(), X_OK) == 0;
+}
+
 bool removeEntry(const std::string& path) {
     return ::unlink(path.c_str()) == 0;
 }
 
 bool linkOrCopy(const std::string& from, const std::string& to) {
-    return ::symlink(from.c_str(), to.c_str()) == 0;
+    return ::symlink(from.c_str(), to.c_str()) == 0 || copyFile(from, to) == Transfer::Done;
 }
 
 bool removeEmptyFolder(const std::string& path) {

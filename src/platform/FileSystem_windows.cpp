@@ -161,6 +161,15 @@ Created createFolder(const std::string& path) {
     return isThere ? Created::Exists : Created::Failed;
 }
 
+bool isTaken(const std::string& path) {
+    return ::GetFileAttributesW(widePath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool isProgram(const std::string& path) {
+    const auto info = fileInfo(path);
+    return info && !info->isFolder;
+}
+
 bool removeEntry(const std::string& path) {
     return ::DeleteFileW(widePath(path).c_str()) != 0;
 }

@@ -30,6 +30,8 @@ bool replaceBy(const std::string& linkedPath, FileCalls& calls, const Fill& fill
     const std::string path = withoutLinks(linkedPath);
     File old(calls);
     const bool isThere = openToMove(old, path);
+    // What is there and no file that can be read (a device, a pipe) is never replaced.
+    if (!isThere && fileInfo(path)) return false;
     TemporaryFile file(calls);
     const bool complete = file.createBeside(path) && fill(file) &&
                           file.complete(isThere ? old.handle() : noFile, std::nullopt);

@@ -108,4 +108,25 @@ void takeEdits(ID3tag& target, const ID3tag& edited) {
     if (cFormatExt ID3tag::*const own = formatItems(edited.FileType)) target.*own = edited.*own;
 }
 
+std::vector<std::string> tagsMissing(const ID3tag& source, const ID3tag& result) {
+    // In the order of `editableFields`; those without a name belong to the encoder.
+    constexpr std::array<std::string_view, editableFieldCount> names{
+        "Artist",      "Title",      "Mix",        "Album",    "Year",
+        "TrackNumber", "Comment",    "Genre",      "Composer", "OriginalArtist",
+        "CopyRight",   "EncodedBy",  "URL",        "",         "",
+        "TracksCount", "DiskNumber", "DisksCount", "BPM",      "IsPartOfCompilation",
+        "AlbumArt"};
+    std::vector<std::string> missing;
+    for (std::size_t i = 0; i < editableFieldCount; ++i) {
+        const Mark mark = editableFields[i].mark(source);
+        const bool isThere = mark == 0 || mark == editableFields[i].mark(result);
+        if (!isThere && !names[i].empty()) missing.emplace_back(names[i]);
+    }
+    const bool hasOthers = !source.ID3v2Ext.UnknownFrames.empty() ||
+                           !source.ID3v2Ext.UnreadRest.empty() || source.ID3v2Ext.bDamaged ||
+                           !source.UnknownItems.empty() || source.IsLyricsPresent;
+    if (hasOthers) missing.emplace_back("Others");
+    return missing;
+}
+
 }  // namespace tavlo

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "tags/ID3tag.h"
 
 namespace tavlo {
@@ -10,5 +13,9 @@ void markAsRead(ID3tag& record);
 
 /// Copies the edited fields of one record into another one of the same file.
 void takeEdits(ID3tag& target, const ID3tag& edited);
+
+/// What a record read whole has that another one has not, or has otherwise: names of fields as in
+/// the list's JSON, and "Others" for frames and items that are kept but not understood.
+std::vector<std::string> tagsMissing(const ID3tag& source, const ID3tag& result);
 
 }  // namespace tavlo

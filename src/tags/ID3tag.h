@@ -119,6 +119,7 @@ class ID3tag {
     std::uint32_t Frames = 0;  ///< MPEG audio frames
     bool VBR = false;
     bool StreamFound = false;        ///< the file holds the sound that its name and headers promise
+    bool TimeIsGuessed = false;      ///< from the first frame alone, for no header tells it
     int MpegVersion = 0, Layer = 0;  ///< 1, 2 or 25 for MPEG-2.5; 1 to 3; 0 = no stream found
     std::string Encoder;
     bool Lossless = false, Float = false;

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tags/ByteCursor.h"
+#include "tags/ID3v2.h"
 #include "tags/MPEGHeader.h"
 
 namespace tavlo {
@@ -21,6 +22,9 @@ constexpr std::size_t markerSpan = 4096;  // bytes from the first frame that may
 constexpr std::size_t usualSpan = 192;    // bytes that hold a marker in its place and its fields
 constexpr std::size_t encoderOffset = 120, encoderSize = 16;
 constexpr std::uint64_t tailSpan = 4096, tailSize = 3968;
+
+// Encoders do not agree whether the frame with the counts is one of the bytes that they count.
+constexpr std::uint64_t countSlack = 2048;
 
 // What a full-rate frame of 1152 samples is taken to last at 44100 Hz, times 44.1.
 constexpr double frameSamples = 26.125 * 44100 / 1000;
@@ -105,6 +109,13 @@ class FrameSearch {
     std::uint64_t start_, end_;
     std::optional<Frame> unconfirmed_;
 };
+
+std::optional<Frame> frameAt(File& file, std::uint64_t offset) {
+    Frame frame{offset, {}};
+    const bool isFrame = frame.header.ParseHeader(textOf(file.view(offset, headerSize))) &&
+                         frame.header.SampleRate != 0;
+    return isFrame ? std::optional(frame) : std::nullopt;
+}
 
 // What a VBR header tells; 0 where it does not.
 struct StreamCounts {
@@ -231,11 +242,24 @@ void fillLengths(ID3tag& record, const Frame& first, const StreamCounts& counts,
 }
 }  // namespace
 
+std::optional<std::int32_t> countMpegSeconds(File& file) {
+    auto frame = FrameSearch(file, ID3v2TagEnd(file)).find();
+    double seconds = 0;
+    while (frame) {
+        const std::uint32_t size = frame->header.frameSize();
+        if (size == 0) return std::nullopt;
+        seconds += playedSamples(frame->header) / frame->header.SampleRate;
+        const std::uint64_t next = frame->offset + size;
+        frame = frameAt(file, next);
+        if (!frame && next < file.size()) frame = FrameSearch(file, next).find();
+    }
+    return static_cast<std::int32_t>(std::min(seconds, 2147483647.0));
+}
+
 void readMpegStream(File& file, ID3tag& record, std::uint64_t audioEnd) {
     const std::uint64_t start = record.IsID3v2Present ? record.ID3v2Ext.TagSize : 0;
     const auto first = FrameSearch(file, start).find();
     if (!first) return;
-    record.StreamFound = true;
     record.MpegVersion = first->header.Version;
     record.Layer = first->header.Layer;
     record.SampleRate = first->header.SampleRate;
@@ -245,7 +269,10 @@ void readMpegStream(File& file, ID3tag& record, std::uint64_t audioEnd) {
     // The search for texts costs a read; it is left out where the marker says everything.
     VbrHeader vbr = readVbrHeader(file, *first, usualSpan);
     if (vbr.encoder.empty()) vbr = readVbrHeader(file, *first, markerSpan);
-    fillLengths(record, *first, vbr.counts, audioEnd - std::min(audioEnd, first->offset));
+    const std::uint64_t audioBytes = audioEnd - std::min(audioEnd, first->offset);
+    fillLengths(record, *first, vbr.counts, audioBytes);
+    record.TimeIsGuessed = vbr.counts.frames == 0;
+    record.StreamFound = vbr.counts.bytes <= audioBytes + countSlack;
     record.Encoder = std::move(vbr.encoder);
     if (record.Encoder.empty()) record.Encoder = streamEncoder(file, *first);
     if (record.Encoder.empty()) record.Encoder = tailEncoder(file);

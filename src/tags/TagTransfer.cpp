@@ -8,6 +8,25 @@
 namespace tavlo {
 
 namespace {
+// Whether more tags, which no reader knows, lie between those that were found and the sound.
+bool hasTagsInside(File& file, FileTypes type, const TagSpan& sound) {
+    constexpr std::uint64_t headSpan = 65536, tailSpan = 32, footerSpan = 10;
+    const std::uint64_t size = sound.end - sound.begin;
+    const std::string_view head =
+        textOf(file.view(sound.begin, static_cast<std::size_t>(std::min(size, headSpan))));
+    const std::string_view start = head.substr(std::min(head.find_first_not_of('\0'), head.size()));
+    const bool isFrame = start.size() > 1 && start[0] == '\xFF' && (start[1] & 0xE0) == 0xE0;
+    const bool isOther = start.starts_with("ID3") || start.starts_with("APETAGEX") ||
+                         (type == FileType::Mp3 && !isFrame && !start.empty());
+    if (isOther) return true;
+    const std::uint64_t last = std::min(size, tailSpan);
+    const std::string_view tail =
+        textOf(file.view(sound.end - last, static_cast<std::size_t>(last)));
+    const std::string_view footer = tail.substr(tail.size() - std::min(last, footerSpan));
+    return tail.starts_with("APETAGEX") || tail.ends_with("LYRICSEND") ||
+           tail.ends_with("LYRICS200") || footer.starts_with("3DI");
+}
+
 // Where the sound begins and ends between the tags; nothing where a tag lies elsewhere.
 std::optional<TagSpan> soundOf(File& file, FileTypes type, const CodePage& ansi) {
     ID3tag record;
@@ -21,7 +40,8 @@ std::optional<TagSpan> soundOf(File& file, FileTypes type, const CodePage& ansi)
     for (const auto& tag : {layout.ape, layout.lyrics, layout.id3v1}) {
         if (tag) sound.end = std::min(sound.end, tag->begin);
     }
-    return sound.begin < sound.end ? std::optional(sound) : std::nullopt;
+    const bool isSound = sound.begin < sound.end && !hasTagsInside(file, type, sound);
+    return isSound ? std::optional(sound) : std::nullopt;
 }
 }  // namespace
 
@@ -40,6 +60,11 @@ bool copyTags(const std::string& from, const std::string& to, const CodePage& an
     if (source.hasFailed()) return false;
     const Rewrite done = rewriteEnds(target, to, ends, false);
     return done == Rewrite::Done || done == Rewrite::Unchanged;
+}
+
+bool hasKnownTagsOnly(const std::string& path, const CodePage& ansi) {
+    File file;
+    return file.open(path, Access::Read) && soundOf(file, GetFileType(path), ansi).has_value();
 }
 
 }  // namespace tavlo

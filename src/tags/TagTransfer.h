@@ -12,4 +12,7 @@ namespace tavlo {
 bool copyTags(const std::string& from, const std::string& to, const CodePage& ansi,
               FileCalls& calls = systemCalls());
 
+/// Whether every tag of a file lies where a reader finds it.
+bool hasKnownTagsOnly(const std::string& path, const CodePage& ansi);
+
 }  // namespace tavlo

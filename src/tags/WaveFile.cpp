@@ -1,6 +1,7 @@
 #include "tags/WaveFile.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 #include "tags/ByteCursor.h"
@@ -37,7 +38,45 @@ std::uint32_t readFormat(Bytes bytes, ID3tag& record) {
     record.Bitrate = static_cast<int>(rate / 125);
     return rate;
 }
+
+// Programs like to sign what they write; that is no tag of the user's.
+bool isSignatureOnly(File& file, const Chunk& list) {
+    constexpr std::size_t kindSize = 4;
+    if (textOf(file.view(list.data, kindSize)) != "INFO") return false;
+    const std::uint64_t end = list.data + list.size;
+    std::uint64_t at = list.data + kindSize;
+    for (int i = 0; i < mostChunks && at + chunkHeadSize <= end; ++i) {
+        const auto chunk = chunkAt(file, at);
+        if (!chunk || chunk->id != "ISFT") return false;
+        at = chunk->data + chunk->size + chunk->size % 2;
+    }
+    return true;
+}
+
+bool isOfSound(File& file, const Chunk& chunk) {
+    constexpr std::array<std::string_view, 7> ids{"fmt ", "data", "fact", "PAD ",
+                                                  "JUNK", "FLLR", "junk"};
+    return std::ranges::find(ids, chunk.id) != ids.end() ||
+           (chunk.id == "LIST" && isSignatureOnly(file, chunk));
+}
 }  // namespace
+
+WaveContents waveContents(const std::string& path) {
+    WaveContents contents;
+    File file;
+    ID3tag record;
+    if (!file.open(path, Access::Read) || !readWave(file, record)) return {false, false};
+    std::uint64_t at = 12;
+    for (int i = 0; i < mostChunks && at + chunkHeadSize <= file.size(); ++i) {
+        const auto chunk = chunkAt(file, at);
+        if (!chunk) break;
+        const bool fits = chunk->size <= file.size() - chunk->data;
+        if (chunk->id == "data" && fits) contents.isWhole = chunk->size > 0;
+        if (!fits || !isOfSound(file, *chunk)) contents.hasOnlySound = false;
+        at = chunk->data + chunk->size + chunk->size % 2;
+    }
+    return contents;
+}
 
 bool readWave(File& file, ID3tag& record) {
     constexpr std::size_t headSize = 12;

@@ -9,4 +9,11 @@ namespace tavlo {
 /// it is none.
 bool readWave(File& file, ID3tag& record);
 
+/// What a RIFF WAVE file is made of.
+struct WaveContents {
+    bool isWhole = false;      ///< it holds exactly as much sound as it says
+    bool hasOnlySound = true;  ///< no tags, and nothing else that is not understood
+};
+WaveContents waveContents(const std::string& path);
+
 }  // namespace tavlo
