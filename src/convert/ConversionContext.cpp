@@ -16,12 +16,26 @@ bool ConversionContext::runHidden(const std::string& commandLine) const {
 
 void ConversionContext::tellMissing(const std::string& tool) const {
     error(Text::ToolNotFound, tool);
-    if (!missed.isNew(tool)) return;
-    step(Text::ToolRequired, tool);
-    for (const Text text : {Text::ToolNotIncluded, Text::ToolCopyright, Text::ToolDownload}) {
-        step(text);
-    }
+    missed.add(tool);
 }
+
+namespace {
+// Without what moves a terminal's cursor or colours its text.
+std::string withoutEscapes(std::string_view line) {
+    std::string text;
+    while (!line.empty()) {
+        if (line.starts_with("\x1b[")) {
+            constexpr std::string_view parameters = "0123456789;?[\x1b";
+            line.remove_prefix(std::min(line.size(), line.find_first_not_of(parameters)));
+            line.remove_prefix(std::min<std::size_t>(line.size(), 1));
+        } else {
+            text += line.front();
+            line.remove_prefix(1);
+        }
+    }
+    return text;
+}
+}  // namespace
 
 void ConversionContext::tellOutput() const {
     constexpr std::size_t most = 5;  // lines
@@ -31,7 +45,7 @@ void ConversionContext::tellOutput() const {
         // Progress is drawn over and over on one line.
         std::string_view line = takeLine(rest);
         line.remove_prefix(std::min(line.size(), line.rfind('\r') + 1));
-        if (!trimBlanks(line).empty()) lines.emplace_back(line);
+        if (!trimBlanks(line).empty()) lines.push_back(withoutEscapes(line));
     }
     const std::size_t first = lines.size() - std::min(most, lines.size());
     for (std::size_t i = first; i < lines.size(); ++i) {

@@ -20,17 +20,20 @@ namespace tavlo {
 /// ".bak" behind its name. Empty where nothing is to be changed.
 using WaveProcessing = std::function<bool(const std::string& wav, bool isTargetLossless)>;
 
-/// The external programs that were missed, each told once in full.
+/// The external programs that were missed; from any thread.
 class MissedTools {
  public:
-    /// True the first time that a program is named; from any thread.
-    bool isNew(const std::string& tool) {
+    void add(const std::string& tool) {
         const std::lock_guard lock(mutex_);
-        return tools_.insert(tool).second;
+        tools_.insert(tool);
+    }
+    [[nodiscard]] std::set<std::string> tools() const {
+        const std::lock_guard lock(mutex_);
+        return tools_;
     }
 
  private:
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::set<std::string> tools_;
 };
 

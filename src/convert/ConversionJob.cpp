@@ -3,6 +3,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <map>
+#include <system_error>
 #include <thread>
 
 #include "collection/JobFiles.h"
@@ -74,6 +75,7 @@ class ConversionRun {
             !settings.isBeginner &&
             services.options.showExec.value_or(services.settings.flag(Setting::ShowExecWindows));
         heedSecondInterrupt(&control_.endsNow);
+        surviveClosedPipes();
     }
     ~ConversionRun() { heedSecondInterrupt(nullptr); }
     ConversionRun(const ConversionRun&) = delete;
@@ -163,7 +165,12 @@ class ConversionRun {
     // Each worker takes the next file; results are told in the order of the list.
     void runSideBySide(std::size_t workers) {
         std::vector<std::jthread> threads;
-        for (std::size_t i = 0; i < workers; ++i) threads.emplace_back([this] { work(); });
+        try {
+            for (std::size_t i = 0; i < workers; ++i) threads.emplace_back([this] { work(); });
+        } catch (const std::system_error&) {
+            // The system gives no more threads; fewer do as well.
+        }
+        if (threads.empty()) return runOneByOne();
         for (std::size_t i = 0; i < rows_.size(); ++i) {
             progress_.begin(rows_[i]);
             const Finished finished = waitFor(i);
@@ -201,17 +208,20 @@ class ConversionRun {
         return finished;
     }
 
-    // The last line that says how it ended.
-    static std::string messageOf(const MonitorLog& log, std::size_t first) {
-        std::string message;
+    // What went wrong first, or how it ended.
+    static LogLine messageOf(const MonitorLog& log, std::size_t first) {
+        LogLine message;
         for (std::size_t i = first; i < log.lines().size(); ++i) {
-            if (log.lines()[i].kind != LogKind::Step) message = log.lines()[i].text;
+            const LogLine& line = log.lines()[i];
+            if (line.kind == LogKind::Error) return line;
+            if (line.kind == LogKind::Result) message = line;
         }
         return message;
     }
 
-    void tellFinished(const Conversion& row, ConversionResult result, const std::string& message) {
-        report_.tell(row, result, message);
+    void tellFinished(const Conversion& row, ConversionResult result, const LogLine& message) {
+        if (message.kind == LogKind::Error) report_.countFailure();
+        report_.tell(row, result, message.text);
         progress_.finish(row);
         if (result == ConversionResult::Cancelled) return;
         log_.AddLogLine(
@@ -219,6 +229,13 @@ class ConversionRun {
     }
 
     void tellEnd() {
+        for (const std::string& tool : missed_.tools()) {
+            log_.AddLogLine(services_.texts.get(Text::ToolRequired, tool));
+            for (const Text text :
+                 {Text::ToolNotIncluded, Text::ToolCopyright, Text::ToolDownload}) {
+                log_.AddLogLine(services_.texts.get(text));
+            }
+        }
         if (log_.errors() > 0) {
             log_.AddLogLine(services_.texts.get(Text::ErrorsFound, std::to_string(log_.errors())));
         }
@@ -260,10 +277,16 @@ std::string targetFolder(const Services& services) {
 
 std::vector<Conversion> sourcesOf(const Services& services, const cFilesCollection& files) {
     const std::string target = targetFolder(services);
+    const PathStyle style = nativePathStyle();
+    // Results of an earlier run in a folder below are no sources.
+    const bool isBelow = !target.empty() && services.options.subfolders &&
+                         liesIn(target, files.BaseFolder, style) &&
+                         !liesIn(files.BaseFolder, target, style);
     std::vector<Conversion> rows;
     for (std::size_t i = 1; i <= files.count(); ++i) {
         Conversion row;
         row.source = files.GetFile(i);
+        if (isBelow && liesIn(row.source, target, style)) continue;
         if (!target.empty()) {
             row.folder = folderInTarget(files, i, target, services.options.keepPaths);
         }
@@ -272,15 +295,22 @@ std::vector<Conversion> sourcesOf(const Services& services, const cFilesCollecti
     return rows;
 }
 
+constexpr int mostJobs = 64;  // side by side
+
 // Whether the options ask for what can be done.
 bool isPossible(Services& services) {
     const JobOptions& options = services.options;
     const bool processes = options.normalize.value_or(false) || options.trim.value_or(false) ||
                            options.waveTrim || options.normalizeSeparately;
     if (processes) services.errors.report(Text::WaveNotProcessed, options.modeWord);
-    const bool isCount = options.jobsAtOnce.value_or(1) >= 1;
+    const int jobs = options.jobsAtOnce.value_or(1);
+    const bool isCount = jobs >= 1 && jobs <= mostJobs;
     if (!isCount) services.errors.report(Text::NotWithJob);
-    return !processes && isCount;
+    const std::string log = options.logFile.value_or("");
+    constexpr FileTypes kept = FileType::Audio | FileType::M3u | FileType::Cue;
+    const bool isSafe = (GetFileType(log) & kept) == 0;
+    if (!isSafe) services.errors.report(Text::LogIsSound, log);
+    return !processes && isCount && isSafe;
 }
 
 void saveLog(Services& services, const MonitorLog& log) {
@@ -296,11 +326,16 @@ bool showPlan(Services& services, const ConversionSettings& settings,
               const std::vector<Conversion>& rows) {
     ConversionReport report(services, settings);
     for (const Conversion& row : rows) report.tellPlanned(row);
+    for (const std::string& tool : report.plannedTools()) {
+        if (findTool(tool, systemToolPlaces()).empty()) {
+            services.errors.note(Text::ToolNotFound, tool);
+        }
+    }
     return report.finish();
 }
 
 bool perform(Services& services, ConversionSettings& settings, std::vector<Conversion> rows) {
-    WorkFolder work(temporaryFolder());
+    WorkFolder work(absolutePath(temporaryFolder()));
     if (work.path().empty()) {
         services.errors.report(Text::NoWorkFolder, temporaryFolder());
         return true;

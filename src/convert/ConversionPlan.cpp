@@ -7,6 +7,7 @@
 #include "collection/RenamePlan.h"
 #include "platform/CodePage.h"
 #include "platform/FileSystem.h"
+#include "platform/Utf8.h"
 #include "tags/AudioFile.h"
 
 namespace tavlo {
@@ -31,10 +32,13 @@ class Planner {
         row.isLossless = record.Lossless;
         row.bitrate = record.Bitrate;
         row.seconds = record.Seconds;
+        row.isTimeGuessed = record.TimeIsGuessed;
         row.size = record.Length;
+        row.modified = record.Modified;
         if (row.folder.empty()) row.folder = folderOf(row.source, nativePathStyle());
+        if (!record.OK) return;
         row.step = stepOf(row);
-        settleName(row);
+        settleName(row, !record.ReadOnly);
         given_.insert(comparable(row.target));
     }
 
@@ -49,45 +53,61 @@ class Planner {
             !settings_.bitrateRise &&
             wouldNotShrink(row.type, row.bitrate, settings_.target, settings_.encoders);
         if (!stays) return ConversionStep::ReEncode;
-        const std::string wanted = inFolder(row, fileNameOf(row.source, nativePathStyle()));
-        return samePath(wanted, row.source) ? ConversionStep::Skip : ConversionStep::Copy;
+        return samePath(sourceIn(row), row.source) ? ConversionStep::Skip : ConversionStep::Copy;
     }
 
-    static std::string inFolder(const Conversion& row, std::string_view name) {
-        return joinPath(row.folder, name, nativePathStyle());
+    static std::string sourceIn(const Conversion& row) {
+        return joinPath(row.folder, fileNameOf(row.source, nativePathStyle()), nativePathStyle());
     }
 
-    void settleName(Conversion& row) {
+    // The source's name with the result's extension, cut where it would be too long.
+    [[nodiscard]] std::string wantedPath(const Conversion& row) const {
+        constexpr std::size_t longestName = 255, roomForNumber = 6;
+        if (row.step == ConversionStep::Copy) return sourceIn(row);
+        const std::string_view extension = settings_.target.format == FileType::Wave
+                                               ? ".wav"
+                                               : outputExtension(settings_.target.format);
+        const std::string_view base = baseNameOf(row.source, nativePathStyle());
+        const std::string_view cut = utf8Head(base, longestName - extension.size() - roomForNumber);
+        return joinPath(row.folder, std::string(cut).append(extension), nativePathStyle());
+    }
+
+    // Only a file that loses nothing but sound gives way to its own result.
+    static bool mayGiveWay(const Conversion& row, bool isWritable) {
+        return isWritable && (row.type & typesWithTags) != 0 &&
+               row.step == ConversionStep::ReEncode && withoutLinks(row.source) == row.source;
+    }
+
+    void settleName(Conversion& row, bool isWritable) {
         if (row.step == ConversionStep::Skip) {
             row.target = row.source;
             return;
         }
-        const bool copies = row.step == ConversionStep::Copy;
-        const std::string_view extension = settings_.target.format == FileType::Wave
-                                               ? ".wav"
-                                               : outputExtension(settings_.target.format);
-        const std::string wanted = inFolder(
-            row, copies ? std::string(fileNameOf(row.source, nativePathStyle()))
-                        : std::string(baseNameOf(row.source, nativePathStyle())).append(extension));
-        row.isOwnSource = samePath(wanted, row.source);
-        if (!row.isOwnSource && isEarlierResult(row, wanted)) row.step = ConversionStep::Done;
-        const bool isSettled = row.isOwnSource || row.step == ConversionStep::Done;
-        row.target = isSettled ? wanted : freePath(wanted, nativePathStyle(), [&](auto path) {
-            return isFree(path);
+        const std::string wanted = wantedPath(row);
+        row.isOwnSource = samePath(wanted, row.source) && mayGiveWay(row, isWritable);
+        if (row.isOwnSource) {
+            row.target = row.source;
+            return;
+        }
+        row.target = freePath(wanted, nativePathStyle(), [&](std::string_view path) {
+            if (given_.contains(comparable(path)) || samePath(path, row.source)) return false;
+            if (!isEarlierResult(row, std::string(path))) return isFree(path);
+            row.step = ConversionStep::Done;
+            return true;
         });
+        if (row.target.empty()) row.step = ConversionStep::Fail;
     }
 
     [[nodiscard]] bool isFree(std::string_view path) const {
-        const std::string name = comparable(path);
-        return !given_.contains(name) && !sources_.contains(name) && !fileInfo(std::string(path));
+        return !sources_.contains(comparable(path)) && !isTaken(std::string(path));
     }
 
-    // A file of the result's name and with the source's sound.
+    // A file of the result's name with the source's sound.
     [[nodiscard]] bool isEarlierResult(const Conversion& row, const std::string& path) const {
-        const std::string name = comparable(path);
-        if (given_.contains(name) || sources_.contains(name) || !fileInfo(path)) return false;
+        if (!fileInfo(path)) return false;
         const ID3tag record = ReadAudioFile(path, {ansi_, ReadDepth::List});
-        return record.OK && record.Seconds > 0 && sameTime(record.Seconds, row.seconds);
+        return record.OK && record.StreamFound && record.Seconds > 0 &&
+               sameTime(record.Seconds, row.seconds);
     }
 
     const ConversionSettings& settings_;
@@ -102,6 +122,16 @@ std::vector<Conversion> planConversions(std::vector<Conversion> sources,
     planner.reserve(sources);
     for (Conversion& row : sources) planner.plan(row);
     return sources;
+}
+
+bool takeFreeName(Conversion& row) {
+    row.target = freePath(row.target, nativePathStyle(),
+                          [](std::string_view path) { return !isTaken(std::string(path)); });
+    return !row.target.empty();
+}
+
+std::string correctionFile(const Conversion& row) {
+    return row.type == FileType::Wv ? row.source + "c" : std::string();
 }
 
 bool wouldNotShrink(FileTypes type, int bitrate, const ConversionTarget& target,
@@ -121,7 +151,14 @@ bool sameTime(std::int32_t seconds, std::int32_t others) {
 }
 
 bool samePath(std::string_view left, std::string_view right) {
-    return comparable(left) == comparable(right);
+    const PathStyle style = nativePathStyle();
+    if (left == right) return true;
+    if (lowerCase(fileNameOf(left, style)) != lowerCase(fileNameOf(right, style))) return false;
+    const std::string leftFolder(folderOf(left, style));
+    const std::string rightFolder(folderOf(right, style));
+    if (comparable(leftFolder) == comparable(rightFolder)) return true;
+    const auto id = folderId(leftFolder);
+    return id && id == folderId(rightFolder);
 }
 
 }  // namespace tavlo

@@ -27,17 +27,28 @@ struct Conversion {
     std::string target;  ///< full path of the result
     ConversionStep step = ConversionStep::Fail;
     FileTypes type = FileType::None;
-    bool isLossless = false;   ///< the source
-    int bitrate = 0;           ///< kbit/s; 0 = unknown
-    std::int32_t seconds = 0;  ///< 0 = unknown
-    std::uint64_t size = 0;    ///< bytes
-    bool isOwnSource = false;  ///< the result takes the source's place
+    bool isLossless = false;     ///< the source
+    int bitrate = 0;             ///< kbit/s; 0 = unknown
+    std::int32_t seconds = 0;    ///< 0 = unknown
+    std::uint64_t size = 0;      ///< bytes
+    std::int64_t modified = 0;   ///< of the source, as `FileInfo` has it
+    bool isTimeGuessed = false;  ///< from one frame; all of them have to be counted
+    bool isOwnSource = false;    ///< the result takes the source's place
 };
+
+/// Kinds of files whose tags can be read and written.
+inline constexpr FileTypes typesWithTags = FileType::Mp3 | FileType::Ape2Only;
 
 /// Decides for every file what is to be done, and gives each result a name of its own: one that is
 /// no other source's, no other result's, and no file's that is there, but for an earlier result.
 std::vector<Conversion> planConversions(std::vector<Conversion> sources,
                                         const ConversionSettings& settings, const CodePage& ansi);
+
+/// Gives a row the next name that nothing has, for its own was taken meanwhile.
+bool takeFreeName(Conversion& row);
+
+/// The second file of a WavPack file that has one; empty for every other type.
+std::string correctionFile(const Conversion& row);
 
 /// Whether a file of this type and bit rate would not get smaller by aiming at the target.
 bool wouldNotShrink(FileTypes type, int bitrate, const ConversionTarget& target,
@@ -49,7 +60,8 @@ bool savesTooLittle(int oldBitrate, int newBitrate);
 /// Whether two playing times are those of the same sound: 1 s or 1 % apart at most.
 bool sameTime(std::int32_t seconds, std::int32_t others);
 
-/// Whether two paths are the same file's; letters compare without case where the system's do.
+/// Whether two paths name one file: the same folder, however it is reached, and the same name,
+/// letters compared without case.
 bool samePath(std::string_view left, std::string_view right);
 
 }  // namespace tavlo

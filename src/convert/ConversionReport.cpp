@@ -66,6 +66,7 @@ void ConversionReport::tellPlanned(const Conversion& row) {
        : row.step == ConversionStep::Done ? there_
                                           : converted_);
     const auto commands = plannedCommands(row, settings_);
+    for (const std::string& line : commands) tools_.insert(programOf(line));
     if (services_.options.json) return tellPlannedJson(row, commands);
     std::string text = withoutControls(row.source + " -> " + row.target + "  " +
                                        services_.texts.get(wordsOf(row.step).text)) +
@@ -115,7 +116,7 @@ bool ConversionReport::finish() {
     }
     if (skipped_ > 0) line += count(Text::SummaryNotConverted, skipped_);
     if (there_ > 0) line += count(Text::SummaryThere, there_);
-    if (services_.errors.count() > 0) line += count(Text::SummaryErrors, services_.errors.count());
+    if (failed_ > 0) line += count(Text::SummaryErrors, failed_);
     print(line + '\n');
     return isWritten_;
 }

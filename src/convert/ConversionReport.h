@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,10 @@ class ConversionReport {
     void tellPlanned(const Conversion& row);
     /// `message` may be empty.
     void tell(const Conversion& row, ConversionResult result, std::string_view message);
+    /// One more file of which something went wrong.
+    void countFailure() { ++failed_; }
+    /// The programs that the rows told so far will run.
+    [[nodiscard]] const std::set<std::string>& plannedTools() const { return tools_; }
     /// False when the output took no more.
     bool finish();
 
@@ -27,7 +32,8 @@ class ConversionReport {
     Services& services_;
     const ConversionSettings& settings_;
     bool isWritten_ = true;
-    std::size_t converted_ = 0, copied_ = 0, skipped_ = 0, there_ = 0;
+    std::size_t converted_ = 0, copied_ = 0, skipped_ = 0, there_ = 0, failed_ = 0;
+    std::set<std::string> tools_;
 };
 
 /// The command lines that a row will run, with the names that a person knows.

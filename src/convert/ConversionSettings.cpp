@@ -86,7 +86,7 @@ ConversionTarget targetOf(const JobOptions& options, const Settings& settings) {
     const EncoderWord encoder =
         options.outputFormat ? encoderOf(*options.outputFormat) : options.encoder;
     const std::string_view preset =
-        encoder == options.encoder ? std::string_view(options.preset) : defaultPreset(encoder);
+        findPreset(encoder, options.preset).value_or(defaultPreset(encoder));
     const auto* row = std::ranges::find_if(presetModes, [&](const PresetMode& mode) {
         return mode.encoder == encoder && mode.preset == preset;
     });

@@ -1,31 +1,28 @@
 #include "convert/Converter.h"
 
-#include "collection/RenamePlan.h"
-#include "collection/TagColumns.h"
 #include "platform/FileSystem.h"
 #include "platform/FileTransfer.h"
 #include "platform/RecycleBin.h"
 #include "tags/AudioFile.h"
+#include "tags/FieldEdits.h"
+#include "tags/MpegStream.h"
 #include "tags/TagTransfer.h"
 #include "tags/UpdateTags.h"
+#include "tags/WaveFile.h"
 
 namespace tavlo {
 
 namespace {
-constexpr FileTypes typesWithTags = FileType::Mp3 | FileType::Ape2Only;
-
-// What one file's tag writers report goes into its log.
-class LogSink final : public TextSink {
+// Keeps what tag writers report.
+class KeptLines final : public TextSink {
  public:
-    explicit LogSink(MonitorLog& log) : log_(log) {}
     bool write(std::string_view text) override {
         while (text.ends_with('\n')) text.remove_suffix(1);
-        log_.AddErrorLine(std::string(text));
+        lines.emplace_back(text);
         return true;
     }
 
- private:
-    MonitorLog& log_;
+    std::vector<std::string> lines;
 };
 
 class NoProgress final : public Progress {
@@ -43,15 +40,17 @@ std::string nameOrFailure(ConversionResult result, const Conversion& row) {
 }
 }  // namespace
 
+// Whether the source is what it was when the plan was made.
+bool Converter::isUnchanged(const Conversion& row) const {
+    const auto info = fileInfo(row.source);
+    return info && !info->isFolder && info->size == row.size && info->modified == row.modified;
+}
+
 ConversionResult Converter::convert(Conversion& row) {
     context_.step(Text::Processing, row.source);
-    const auto source = fileInfo(row.source);
-    if (!source || source->isFolder) {
-        context_.error(Text::SourceGone);
-        return ConversionResult::Failed;
-    }
-    if (row.isOwnSource && source->isReadOnly) {
-        context_.error(Text::FileNotOpenedForWriting, row.source);
+    const bool isThere = fileInfo(row.source).has_value();
+    if (!isThere || (row.step != ConversionStep::Fail && !isUnchanged(row))) {
+        context_.error(isThere ? Text::SourceChanged : Text::SourceGone);
         return ConversionResult::Failed;
     }
     switch (row.step) {
@@ -70,7 +69,8 @@ ConversionResult Converter::convert(Conversion& row) {
         case ConversionStep::Fail:
             break;
     }
-    context_.error(Text::FileNotCreated, row.target);
+    const bool hasName = row.modified != 0;
+    context_.error(hasName ? Text::FileNotCreated : Text::FileNotRead, row.source);
     return ConversionResult::Failed;
 }
 
@@ -90,11 +90,10 @@ bool Converter::prepareFolder(const Conversion& row) {
 
 ConversionResult Converter::encodeWave(Conversion& row) {
     if (!prepareFolder(row)) return ConversionResult::Failed;
-    tagsStayBehind_ = false;
     const PassingFile result(encoder_.workPath(row));
     const bool isAvailable = encoder_.isAvailable(row);
     auto encoded = isAvailable ? encoder_.encode(row, row.source, result.path()) : std::nullopt;
-    if (context_.control.endsNow) return ConversionResult::Cancelled;
+    if (isStopped(encoded.has_value())) return ConversionResult::Cancelled;
     if (!encoded) {
         context_.error(Text::EncodingError);
         return ConversionResult::Failed;
@@ -104,17 +103,21 @@ ConversionResult Converter::encodeWave(Conversion& row) {
     return ConversionResult::Converted;
 }
 
+// What was finished when somebody cancelled is kept.
+bool Converter::isStopped(bool isFinished) const {
+    return context_.control.endsNow || (context_.isCancelled() && !isFinished);
+}
+
 ConversionResult Converter::reEncode(Conversion& row) {
     if (!prepareFolder(row)) return ConversionResult::Failed;
-    tagsStayBehind_ = false;
     if (!encoder_.isAvailable(row)) return failReEncode(row);
     const PassingFile wav(context_.work.newPath(".wav"));
-    const bool isDecoded = decoder_.DecodeToWav(row, wav.path());
+    const bool isDecoded = decodeWhole(row, wav.path());
     if (context_.isCancelled()) return ConversionResult::Cancelled;
     if (!isDecoded) return failReEncode(row);
     const PassingFile result(encoder_.workPath(row));
     auto encoded = encoder_.encode(row, wav.path(), result.path());
-    if (context_.control.endsNow) return ConversionResult::Cancelled;
+    if (isStopped(encoded.has_value())) return ConversionResult::Cancelled;
     if (!encoded) return failReEncode(row);
     context_.step(Text::FileBitrate, std::to_string(encoded->record.Bitrate));
     const bool isDiscarded = !context_.settings.bitrateRise && row.bitrate > 0 &&
@@ -126,11 +129,21 @@ ConversionResult Converter::reEncode(Conversion& row) {
     return ConversionResult::Converted;
 }
 
+// A playing time that was guessed from one frame is counted first, for it tells whether all of the
+// sound came out.
+bool Converter::decodeWhole(Conversion& row, const std::string& wav) {
+    File file;
+    if (row.isTimeGuessed && file.open(row.source, Access::Read)) {
+        row.seconds = countMpegSeconds(file).value_or(0);
+    }
+    return decoder_.DecodeToWav(row, wav);
+}
+
 ConversionResult Converter::decode(Conversion& row) {
     if (!prepareFolder(row)) return ConversionResult::Failed;
     const PassingFile wav(context_.work.newPath(".wav"));
-    const bool isDecoded = decoder_.DecodeToWav(row, wav.path());
-    if (context_.control.endsNow) return ConversionResult::Cancelled;
+    const bool isDecoded = decodeWhole(row, wav.path());
+    if (isStopped(isDecoded)) return ConversionResult::Cancelled;
     if (!isDecoded) return ConversionResult::Failed;
     if (encoder_.place(wav.path(), row)) return ConversionResult::Converted;
     context_.error(Text::FileNotCreated, row.target);
@@ -142,22 +155,17 @@ ConversionResult Converter::keepSource(Conversion& row, Text copied, Text skippe
     const std::string wanted =
         joinPath(row.folder, fileNameOf(row.source, nativePathStyle()), nativePathStyle());
     const bool isThere = samePath(wanted, row.source);
-    if (isThere) {
-        row.target = row.source;
-    } else if (row.step != ConversionStep::Copy) {
-        row.target = wanted;
-    }
+    if (isThere) row.target = row.source;
     if (!isThere && !copySource(row)) return ConversionResult::Failed;
     context_.log.AddLogLine(context_.texts.get(isThere ? skipped : copied), LogKind::Result);
     return isThere ? ConversionResult::Skipped : ConversionResult::Copied;
 }
 
 bool Converter::copySource(Conversion& row) {
-    const auto isFree = [](std::string_view path) { return !fileInfo(std::string(path)); };
-    Transfer copied = Transfer::Exists;
-    while (prepareFolder(row) && copied == Transfer::Exists) {
-        row.target = freePath(row.target, nativePathStyle(), isFree);
-        copied = row.target.empty() ? Transfer::Failed : copyFile(row.source, row.target);
+    if (!prepareFolder(row)) return false;
+    Transfer copied = copyFile(row.source, row.target);
+    while (copied == Transfer::Exists && takeFreeName(row)) {
+        copied = copyFile(row.source, row.target);
     }
     if (copied == Transfer::Done) return true;
     context_.error(copied == Transfer::NotRead ? Text::FileNotRead : Text::FileNotCreated,
@@ -176,35 +184,50 @@ ConversionResult Converter::failReEncode(Conversion& row) {
     return kept == ConversionResult::Copied ? kept : ConversionResult::Failed;
 }
 
-bool Converter::finish(Conversion& row, const std::string& result, EncodedFile& encoded) {
+bool Converter::finish(Conversion& row, const std::string& result, const EncodedFile& encoded) {
+    tagsStayBehind_ = true;
     if (context_.settings.writesTags && !carryTags(row, result, encoded)) {
-        context_.error(Text::ReadWriteError);
-        context_.error(Text::FileNotWritten, row.target);
+        context_.log.AddErrorLine(context_.texts.get(Text::ReadWriteError) + " " + row.target);
         return false;
     }
+    lookForMissingTags(row, result);
+    if (row.isOwnSource && !mayReplace(row, result)) return false;
     if (encoder_.place(result, row)) return true;
     context_.error(Text::FileNotCreated, row.target);
     return false;
 }
 
+// A file gives way only to a result that is as long and has all its tags.
+bool Converter::mayReplace(const Conversion& row, const std::string& result) const {
+    if (!isUnchanged(row)) {
+        context_.error(Text::SourceChanged);
+        return false;
+    }
+    if (!tagsStayBehind_ && isReadBack(row, result)) return true;
+    context_.error(Text::NotReplaced);
+    return false;
+}
+
 // --- Tags ----------------------------------------------------------------------------------------
 
-bool Converter::carryTags(const Conversion& row, const std::string& result, EncodedFile& encoded) {
+bool Converter::carryTags(const Conversion& row, const std::string& result,
+                          const EncodedFile& encoded) {
     const ConversionSettings& settings = context_.settings;
     ID3tag tags = ReadAudioFile(row.source, {context_.ansi, ReadDepth::Full});
     const bool isWave = row.type == FileType::Wave;
-    if (!isWave && (row.type & typesWithTags) == 0) {
-        context_.step(Text::TagsUnread);
-        tagsStayBehind_ = true;
-    }
-    if (tags.GetArtist().empty()) tags.SetArtist(settings.artist);
-    if (tags.GetAlbum().empty()) tags.SetAlbum(settings.album);
-    if (tags.GetYear().empty()) tags.SetYear(settings.year);
-    if (tags.GetGenre().empty()) tags.SetGenre(settings.genre);
-    if ((settings.target.format & typesWithTags) == 0) {
-        tellTagsLeft(tags);
-        return true;
-    }
+    bool hasDefaults = false;
+    const auto fill = [&](std::string_view present, void (ID3tag::*set)(std::string_view),
+                          const std::string& text) {
+        if (!present.empty() || text.empty()) return;
+        (tags.*set)(text);
+        hasDefaults = true;
+    };
+    fill(tags.GetArtist(), &ID3tag::SetArtist, settings.artist);
+    fill(tags.GetAlbum(), &ID3tag::SetAlbum, settings.album);
+    fill(tags.GetYear(), &ID3tag::SetYear, settings.year);
+    fill(tags.GetGenre(), &ID3tag::SetGenre, settings.genre);
+    const bool isWritten = (settings.target.format & typesWithTags) != 0;
+    if (!isWritten || (isWave && !hasDefaults)) return true;
     const PassingFile own(context_.work.newPath(std::string(outputExtension(row.type))));
     const bool carriesAll = row.type == settings.target.format && gatherTags(row, own.path());
     const std::string& tagged = carriesAll ? own.path() : result;
@@ -216,8 +239,10 @@ bool Converter::carryTags(const Conversion& row, const std::string& result, Enco
                                           std::string(fileTypeName(row.type)) + " " +
                                           std::to_string(row.bitrate) + "kbps )";
     }
-    const bool isWritten = writeTags(record);
-    return isWritten && (!carriesAll || copyTags(tagged, result, context_.ansi, unflushedCalls()));
+    if (!writeTags(record)) return false;
+    if (carriesAll && !copyTags(tagged, result, context_.ansi, unflushedCalls())) return false;
+    tagsStayBehind_ = row.type == settings.target.format && !carriesAll;
+    return true;
 }
 
 // Within a format nothing that its tags hold is lost. They are changed in a small file of their
@@ -230,13 +255,12 @@ bool Converter::gatherTags(const Conversion& row, const std::string& path) const
 
 // Only a disk that refuses is a failure here; what else keeps a tag from being written is told.
 bool Converter::writeTags(ID3tag& record) {
-    LogSink sink(context_.log);
-    ErrorReport errors(context_.texts, sink);
+    KeptLines kept;
+    ErrorReport errors(context_.texts, kept);
     NoProgress progress;
     const TagUpdate done = UpdateTags(
         record, {context_.ansi, context_.settings.tags, errors, progress, unflushedCalls()});
     if (done != TagUpdate::Refused) return true;
-    tagsStayBehind_ = true;
     switch (record.Refused) {
         case Refusal::NotOpened:
         case Refusal::NotRead:
@@ -244,34 +268,53 @@ bool Converter::writeTags(ID3tag& record) {
         case Refusal::NotWritten:
             return false;
         default:
+            for (const std::string& line : kept.lines) context_.log.AddErrorLine(line);
             return true;
     }
 }
 
-void Converter::tellTagsLeft(const ID3tag& tags) {
-    std::string names;
-    for (const TagColumn& column : tagColumns()) {
-        const std::string text = column.get(tags);
-        if (text.empty() || text == "0") continue;
-        names += (names.empty() ? "" : ", ") + context_.texts.get(column.caption);
+// Tells what the source's tags hold and the result's do not.
+void Converter::lookForMissingTags(const Conversion& row, const std::string& result) {
+    const ReadContext whole{context_.ansi, ReadDepth::Full};
+    const bool isWave = row.type == FileType::Wave;
+    const bool isKnown =
+        isWave ? waveContents(row.source).hasOnlySound : (row.type & typesWithTags) != 0;
+    if (!isKnown) {
+        context_.step(Text::TagsUnread);
+        tagsStayBehind_ = true;
+        return;
     }
-    if (names.empty()) return;
-    context_.step(Text::TagsStayBehind, names);
-    tagsStayBehind_ = true;
+    const bool isSameType = row.type == context_.settings.target.format;
+    if (isWave || (isSameType && !tagsStayBehind_)) {
+        tagsStayBehind_ = false;
+        return;
+    }
+    std::vector<std::string> missing =
+        tagsMissing(ReadAudioFile(row.source, whole), ReadAudioFile(result, whole));
+    const bool hasOthers = !hasKnownTagsOnly(row.source, context_.ansi);
+    if (hasOthers && (missing.empty() || missing.back() != "Others"))
+        missing.emplace_back("Others");
+    tagsStayBehind_ = !missing.empty();
+    std::string names;
+    for (const std::string& name : missing) names += (names.empty() ? "" : ", ") + name;
+    const bool isTold = tagsStayBehind_ && context_.settings.writesTags;
+    if (isTold) context_.step(Text::TagsStayBehind, names);
 }
 
 // --- The source ----------------------------------------------------------------------------------
 
-bool Converter::isReadBack(const Conversion& row) const {
-    const auto record = readSound(row.target, context_.ansi);
-    return record && flushFile(row.target) && row.seconds > 0 &&
-           sameTime(record->Seconds, row.seconds);
+// WavPack keeps what makes it lossless in a second file, whose sound has its own place.
+bool Converter::isReadBack(const Conversion& row, const std::string& result) const {
+    const auto record = readSound(result, context_.ansi);
+    return record && flushFile(result) && row.seconds > 0 &&
+           sameTime(record->Seconds, row.seconds) && !fileInfo(correctionFile(row));
 }
 
 void Converter::removeSource(const Conversion& row, bool isWanted) {
     if (!isWanted || row.isOwnSource) return;
     if (tagsStayBehind_) return context_.step(Text::SourceStaysForTags);
-    if (!isReadBack(row)) return context_.step(Text::SourceStays);
+    if (!isUnchanged(row)) return context_.error(Text::SourceChanged);
+    if (!isReadBack(row, row.target)) return context_.step(Text::SourceStays);
     const bool isGone =
         context_.settings.usesRecycleBin ? moveToRecycleBin(row.source) : removeFile(row.source);
     if (!isGone) context_.error(Text::SourceNotRemoved, row.source);

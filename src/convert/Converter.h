@@ -38,15 +38,19 @@ class Converter {
     ConversionResult decode(Conversion& row);
     ConversionResult keepSource(Conversion& row, Text copied, Text skipped);
     ConversionResult failReEncode(Conversion& row);
+    bool decodeWhole(Conversion& row, const std::string& wav);
     bool copySource(Conversion& row);
-    bool finish(Conversion& row, const std::string& result, EncodedFile& encoded);
+    bool finish(Conversion& row, const std::string& result, const EncodedFile& encoded);
     bool prepareFolder(const Conversion& row);
-    bool carryTags(const Conversion& row, const std::string& result, EncodedFile& encoded);
+    bool carryTags(const Conversion& row, const std::string& result, const EncodedFile& encoded);
     [[nodiscard]] bool gatherTags(const Conversion& row, const std::string& path) const;
     bool writeTags(ID3tag& record);
-    void tellTagsLeft(const ID3tag& tags);
+    void lookForMissingTags(const Conversion& row, const std::string& result);
     void removeSource(const Conversion& row, bool isWanted);
-    [[nodiscard]] bool isReadBack(const Conversion& row) const;
+    [[nodiscard]] bool isStopped(bool isFinished) const;
+    [[nodiscard]] bool isUnchanged(const Conversion& row) const;
+    [[nodiscard]] bool mayReplace(const Conversion& row, const std::string& result) const;
+    [[nodiscard]] bool isReadBack(const Conversion& row, const std::string& result) const;
 
     const ConversionContext& context_;
     WavEncoder encoder_;

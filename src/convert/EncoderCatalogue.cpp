@@ -405,19 +405,20 @@ std::string lameVersionIn(std::string_view output) {
 }
 
 namespace {
-// Behind the last of the options that give one; 0 where none does.
+// Behind the last of the options that give one, with or without a blank; 0 where none does.
 int bitrateOption(std::string_view code) {
     constexpr std::array<int, 10> vbrBitrates{245, 225, 190, 175, 165, 130, 115, 100, 85, 65};
+    const std::string words = " " + std::string(code);
     int found = 0;
-    for (const std::string_view option : {"-b ", "--abr ", "-V "}) {
-        const std::size_t at = code.rfind(option);
-        if (at == std::string_view::npos) continue;
-        int value = 0;
-        const std::string_view rest = code.substr(at + option.size());
-        const auto read = std::from_chars(rest.data(), rest.data() + rest.size(), value);
-        if (read.ec != std::errc()) continue;
-        const bool isQuality = option == "-V ";
-        if (isQuality && (value < 0 || value >= static_cast<int>(vbrBitrates.size()))) continue;
+    for (const std::string_view option : {" -b", " --abr", " -V"}) {
+        const std::size_t at = words.rfind(option);
+        if (at == std::string::npos) continue;
+        const std::string_view rest =
+            trimBlanks(std::string_view(words).substr(at + option.size()));
+        int value = -1;
+        std::from_chars(rest.data(), rest.data() + rest.size(), value);
+        const bool isQuality = option == " -V";
+        if (value < 0 || (isQuality && value >= static_cast<int>(vbrBitrates.size()))) continue;
         found = isQuality ? vbrBitrates[static_cast<std::size_t>(value)] : value;
     }
     return found;

@@ -4,6 +4,7 @@
 
 #include "platform/FileSystem.h"
 #include "platform/FileTransfer.h"
+#include "tags/WaveFile.h"
 
 namespace tavlo {
 
@@ -39,7 +40,6 @@ const DecoderRow* findDecoder(const Conversion& row) {
 }  // namespace
 
 bool WavDecoder::DecodeToWav(const Conversion& row, const std::string& wav) {
-    isCutShort_ = false;
     const DecoderRow* decoder = findDecoder(row);
     if (decoder == nullptr) {
         context_.error(Text::NoDecoder, row.source);
@@ -48,9 +48,10 @@ bool WavDecoder::DecodeToWav(const Conversion& row, const std::string& wav) {
     context_.step(decoder->step);
     std::string missing;
     for (const int alternative : decoder->alternatives) {
-        if (alternative < 0 || context_.control.endsNow) break;
+        if (alternative < 0 || context_.isCancelled()) break;
         const Attempt attempt = tryDecoder(row, wav, alternative);
         if (attempt.isDone) return true;
+        if (attempt.isCorrupted) return false;
         if (attempt.wasStarted) {
             missing.clear();
             context_.tellOutput();
@@ -76,13 +77,18 @@ WavDecoder::Attempt WavDecoder::tryDecoder(const Conversion& row, const std::str
         context_.error(Text::FileNotRead, row.source);
         return attempt;
     }
+    const PassingFile correction(row.type == FileType::Wv ? copy.path() + "c" : "");
+    const std::string ownCorrection = correctionFile(row);
+    if (!ownCorrection.empty() && fileInfo(ownCorrection)) {
+        linkOrCopy(ownCorrection, correction.path());
+    }
     const auto command = decodeCommand(row.type, namesItself ? copy.path() : row.source, wav,
                                        context_.settings.encoders, alternative);
     attempt.executable = command->executable;
     attempt.wasStarted = context_.run(command->line, std::string(folderOf(wav, nativePathStyle())));
     if (!attempt.wasStarted) return attempt;
     if (namesItself) takeNamed(copy.path(), wav);
-    attempt.isDone = check(row, wav);
+    judge(row, wav, attempt);
     if (!attempt.isDone) removeEntry(wav);
     return attempt;
 }
@@ -95,12 +101,19 @@ void WavDecoder::takeNamed(const std::string& copy, const std::string& wav) {
     if (moveFile(behind.path(), wav) != Transfer::Done) moveFile(instead.path(), wav);
 }
 
-bool WavDecoder::check(const Conversion& row, const std::string& wav) {
+// A WAV that is shorter than its source says lacks some of the sound: the decoder broke off, or the
+// source is damaged. One that does not hold what it promises was broken off in any case.
+void WavDecoder::judge(const Conversion& row, const std::string& wav, Attempt& attempt) const {
     const auto sound = readSound(wav, context_.ansi);
-    if (!sound) return false;
-    isCutShort_ = sound->Seconds < row.seconds && !sameTime(sound->Seconds, row.seconds);
-    if (isCutShort_) context_.error(Text::CorruptedFile);
-    return true;
+    if (!sound) return;
+    const bool isAsLong = row.seconds > 0 && sameTime(sound->Seconds, row.seconds);
+    const bool isCutShort = !isAsLong && sound->Seconds < row.seconds;
+    const bool isBrokenOff = !isAsLong && !waveContents(wav).isWhole;
+    attempt.isCorrupted = isCutShort || isBrokenOff;
+    attempt.isDone = !attempt.isCorrupted;
+    if (!attempt.isCorrupted) return;
+    context_.tellOutput();
+    context_.error(Text::CorruptedFile);
 }
 
 }  // namespace tavlo

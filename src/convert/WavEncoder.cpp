@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "collection/RenamePlan.h"
 #include "platform/Environment.h"
 #include "platform/FileSystem.h"
 #include "platform/FileTransfer.h"
@@ -76,7 +75,7 @@ std::string WavEncoder::workPath(const Conversion& row) {
     for (;;) {
         const std::string path =
             joinPath(row.folder, context_.work.newName() + extension, nativePathStyle());
-        if (!fileInfo(path)) return path;
+        if (!isTaken(path)) return path;
     }
 }
 
@@ -88,13 +87,19 @@ std::optional<EncodeCommand> WavEncoder::commandFor(const Conversion& row, const
 }
 
 bool WavEncoder::isAvailable(const Conversion& row) const {
-    if (context_.settings.target.format == FileType::Wma) {
+    const ConversionTarget& target = context_.settings.target;
+    if (target.format == FileType::Wma) {
         if (context_.settings.encodesWindowsMedia && hasWindowsMedia()) return true;
         context_.error(Text::NoWindowsMedia);
         return false;
     }
     const auto command = commandFor(row, row.source, row.target);
-    if (!command || context_.runner.hasTool(command->executable)) return true;
+    if (!command) {
+        context_.error(Text::NoSuchMode, std::to_string(target.mode));
+        return false;
+    }
+    if (context_.runner.hasTool(command->executable)) return true;
+    tellStep(*command);
     context_.tellMissing(command->executable);
     return false;
 }
@@ -111,13 +116,17 @@ std::optional<EncodedFile> WavEncoder::encode(const Conversion& row, const std::
     const auto command = commandFor(row, namesItself ? plain.path() : wav, result);
     const bool isRun = isWma ? encodeWma(wav, result) : command && run(*command, result);
     if (!isRun || context_.control.endsNow) return std::nullopt;
-    if (namesItself && !fileInfo(result)) moveFile(beside.path(), result);
+    const bool isBeside = namesItself && !fileInfo(result) && fileInfo(beside.path());
+    if (isBeside && moveFile(beside.path(), result) == Transfer::Failed) {
+        context_.error(Text::FileNotCreated, row.target);
+        return std::nullopt;
+    }
     auto record = readBack(wav, result);
     if (record) return EncodedFile{std::move(*record), isWma ? "" : command->description};
     if (isWma) return std::nullopt;
     context_.tellOutput();
-    context_.error(fileInfo(result) ? Text::EncoderFailed : Text::ToolNotFound,
-                   command->executable);
+    const bool isNothing = row.step == ConversionStep::ReEncode && !fileInfo(result);
+    context_.error(isNothing ? Text::ToolNotFound : Text::EncoderFailed, command->executable);
     return std::nullopt;
 }
 
@@ -128,7 +137,8 @@ void WavEncoder::tellStep(const EncodeCommand& command) const {
     context_.step(isAlac ? Text::EncodingAlac : row->text);
     const bool scales = target.format == FileType::Mp3 || target.format == FileType::Mpc;
     if (scales && context_.settings.encoders.reduceLevel) context_.step(Text::ReduceLevelMode);
-    const bool isHidden = command.label.empty() || context_.settings.isBeginner;
+    const bool isHidden =
+        command.label.empty() || (context_.settings.isBeginner && target.format == FileType::Mp3);
     if (!isHidden) context_.log.AddLogLine(command.label);
 }
 
@@ -139,7 +149,7 @@ bool WavEncoder::run(const EncodeCommand& command, const std::string& result) {
         context_.tellMissing(command.executable);
         return false;
     }
-    return !command.isRewrapped || context_.control.endsNow || rewrap(result);
+    return !command.isRewrapped || (!context_.isCancelled() && rewrap(result));
 }
 
 bool WavEncoder::rewrap(const std::string& result) {
@@ -169,20 +179,16 @@ std::optional<ID3tag> WavEncoder::readBack(const std::string& wav,
                                            const std::string& result) const {
     const auto source = readSound(wav, context_.ansi);
     auto record = readSound(result, context_.ansi);
-    const bool isWhole = record && source && sameTime(record->Seconds, source->Seconds);
+    const bool isWhole = record && source && sameTime(record->Seconds, source->Seconds) &&
+                         withoutLinks(result) == result;
     return isWhole ? std::move(record) : std::nullopt;
 }
 
-bool WavEncoder::place(const std::string& result, Conversion& row) {
+bool WavEncoder::place(const std::string& result, Conversion& row) const {
     if (row.isOwnSource) return replaceByCopy(row.target, result);
-    for (;;) {
-        const Transfer moved = moveFile(result, row.target);
-        if (moved == Transfer::Done || moved == Transfer::Copied) return true;
-        if (moved != Transfer::Exists) return false;
-        const auto isFree = [](std::string_view path) { return !fileInfo(std::string(path)); };
-        row.target = freePath(row.target, nativePathStyle(), isFree);
-        if (row.target.empty()) return false;
-    }
+    Transfer moved = moveFile(result, row.target);
+    while (moved == Transfer::Exists && takeFreeName(row)) moved = moveFile(result, row.target);
+    return moved == Transfer::Done || moved == Transfer::Copied;
 }
 
 }  // namespace tavlo

@@ -32,7 +32,7 @@ class WavEncoder {
     std::string workPath(const Conversion& row);
 
     /// Gives a finished file its name, which may have become another one meanwhile.
-    bool place(const std::string& result, Conversion& row);
+    bool place(const std::string& result, Conversion& row) const;
 
  private:
     [[nodiscard]] std::optional<EncodeCommand> commandFor(const Conversion& row,

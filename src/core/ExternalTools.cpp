@@ -37,11 +37,8 @@ std::vector<std::string_view> foldersOf(const ToolPlaces& places) {
 }  // namespace
 
 ToolPlaces systemToolPlaces() {
-    const auto isFile = [](const std::string& path) {
-        const auto info = fileInfo(path);
-        return info && !info->isFolder;
-    };
-    return {nativePathStyle(), programFolder(), environmentVariable("PATH").value_or(""), isFile};
+    return {nativePathStyle(), programFolder(), environmentVariable("PATH").value_or(""),
+            isProgram};
 }
 
 std::string toolFileName(std::string_view tool, PathStyle style) {

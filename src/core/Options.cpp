@@ -45,8 +45,12 @@ class OptionReader {
     }
 
     void operator()(const TakeNumber& action) {
-        if (const auto value = takeValue())
+        const std::string word = line_.ParameterEx(at_);
+        if (const auto value = takeValue()) {
             options_.*action.target = parseInteger(trimBlanks(*value)).value_or(0);
+        } else {
+            options_.valueless.push_back(word);
+        }
     }
 
     void operator()(const TakeSpecial& action) {

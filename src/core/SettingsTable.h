@@ -193,6 +193,12 @@ constexpr SettingRow textRow(Setting setting, std::string_view key, std::string_
     return {setting, key, SettingKind::Text, 0, value, group};
 }
 
+constexpr SettingRow levelRow(Setting setting, std::string_view key, int value, int lowest,
+                              int highest) {
+    return {setting, key,    SettingKind::Integer, value, {}, SettingsGroup::Encoders,
+            lowest,  highest};
+}
+
 inline constexpr std::array settingsTable{
     flagRow(Setting::AlphaEnabled, "AlphaEnabled", false),
     SettingRow{Setting::AlphaLevel,
@@ -290,8 +296,8 @@ inline constexpr std::array settingsTable{
     flagRow(Setting::EnableWavPackHybrid, "EnableWavPackHybrid", false, SettingsGroup::Encoders),
     flagRow(Setting::EnableMonkeyAudio, "EnableMonkeyAudio", true, SettingsGroup::Encoders),
     numberRow(Setting::FAACModeDef, "FAACModeDef", 5, SettingsGroup::Encoders),
-    numberRow(Setting::MonkeyModeDef, "MonkeyModeDef", 2, SettingsGroup::Encoders),
-    numberRow(Setting::FLACModeDef, "FLACModeDef", 5, SettingsGroup::Encoders),
+    levelRow(Setting::MonkeyModeDef, "MonkeyModeDef", 2, 1, 4),
+    levelRow(Setting::FLACModeDef, "FLACModeDef", 5, 0, 8),
     flagRow(Setting::EnableLAME393, "EnableLAME393", false, SettingsGroup::Encoders),
     flagRow(Setting::SeparateMP3Decoder, "SeparateMP3Decoder", false, SettingsGroup::Encoders),
     textRow(Setting::LamePreset1Name, "LamePreset1_Name", "CBR 160kbps", SettingsGroup::Encoders),

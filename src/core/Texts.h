@@ -239,6 +239,10 @@ enum class Text : int {
     StepDecode = 3063,
     StepCopy = 3064,
     StepSkip = 3065,
+    SourceChanged = 3066,
+    NotReplaced = 3067,
+    NoSuchMode = 3068,
+    LogIsSound = 3069,
 };
 
 enum class Language { English, Russian };
@@ -552,8 +556,8 @@ inline constexpr auto textTable = std::to_array<TextRow>({
      "Обработка звука ещё не готова; ничего не преобразовано из-за %1"},
     {Text::DecoderFailed, "no sound came out of %1", "%1 не выдал звук"},
     {Text::EncoderFailed, "no whole file came out of %1", "%1 не выдал целый файл"},
-    {Text::NotWithJob, "1 or more files side by side: /jobs N",
-     "Число файлов одновременно: /jobs N"},
+    {Text::NotWithJob, "1 to 64 files side by side: /jobs N",
+     "От 1 до 64 файлов одновременно: /jobs N"},
     {Text::SourceStaysForTags, "the source stays, because not all of its tags could go over",
      "исходный файл оставлен: не все его теги удалось перенести"},
     {Text::StepEncode, "encode", "кодировать"},
@@ -561,6 +565,15 @@ inline constexpr auto textTable = std::to_array<TextRow>({
     {Text::StepDecode, "decode", "декодировать"},
     {Text::StepCopy, "copy as it is", "скопировать без изменений"},
     {Text::StepSkip, "skip", "пропустить"},
+    {Text::SourceChanged, "the source was changed meanwhile and stays as it is",
+     "исходный файл за это время изменился и оставлен как есть"},
+    {Text::NotReplaced,
+     "the result is not as long as its source or lacks tags, so the source stays",
+     "результат короче исходного или без части тегов, поэтому исходный файл оставлен"},
+    {Text::NoSuchMode, "There is no encoder preset of this number: %1",
+     "Нет набора настроек кодировщика с номером %1"},
+    {Text::LogIsSound, "The log cannot be written over this file: %1",
+     "Журнал нельзя записать поверх этого файла: %1"},
 });
 
 /// Every text that a person sees, in one language, with replacements from a language file.

@@ -65,7 +65,9 @@ class NamePlan : public testing::Test {
         }
         rows = planConversions(rows, settings_, CodePage(1252));
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            EXPECT_EQ(rows[i].target, folder_.path(wanted[i].target)) << wanted[i].source;
+            const std::string& target = wanted[i].target;
+            EXPECT_EQ(rows[i].target, target.empty() ? target : folder_.path(target))
+                << wanted[i].source;
             EXPECT_EQ(rows[i].step, wanted[i].step) << wanted[i].source;
         }
     }
@@ -77,21 +79,35 @@ class NamePlan : public testing::Test {
 TEST_F(NamePlan, NoResultTakesAnothersName) {
     using enum ConversionStep;
     settings_.target = {FileType::Mp3, 64};
-    for (const std::string name : {"one.wav", "a/one.wav", "b/one.wav", "two.wav", "three.wav"}) {
+    for (const std::string name : {"one.wav", "a/one.wav", "b/one.wav", "c/one.wav", "two.wav",
+                                   "three.wav", "four.wav", "five.wav"}) {
         folder_.write(name, waveBytes(3));
     }
-    folder_.write("one.mp3", mp3Bytes(3));        // a source of the same run
-    folder_.write("out/two.mp3", mp3Bytes(3));    // an earlier result
-    folder_.write("out/three.mp3", mp3Bytes(9));  // somebody else's
+    folder_.write("one.mp3", mp3Bytes(9));      // a source of the same run
+    folder_.write("out/two.mp3", mp3Bytes(3));  // an earlier result
+    folder_.write("out/one (1).mp3", mp3Bytes(3));
+    folder_.write("out/three.mp3", mp3Bytes(9));                     // somebody else's
+    folder_.write("out/five.mp3", vbrBytes(3, 64).substr(0, 5000));  // half an earlier one
     folder_.makeFolder("out/four.mp3");
-    folder_.write("four.wav", waveBytes(3));
     expect({{"one.wav", "", "one (1).mp3", Encode},
             {"one.mp3", "", "one.mp3", ReEncode},
             {"a/one.wav", "out", "out/one.mp3", Encode},
-            {"b/one.wav", "out", "out/one (1).mp3", Encode},
+            {"b/one.wav", "out", "out/one (1).mp3", Done},
+            {"c/one.wav", "out", "out/one (2).mp3", Encode},
             {"two.wav", "out", "out/two.mp3", Done},
             {"three.wav", "out", "out/three (1).mp3", Encode},
-            {"four.wav", "out", "out/four (1).mp3", Encode}});
+            {"four.wav", "out", "out/four (1).mp3", Encode},
+            {"five.wav", "out", "out/five (1).mp3", Encode}});
+}
+
+TEST_F(NamePlan, OnlyAFileThatLosesNothingGivesWay) {
+    using enum ConversionStep;
+    settings_.target = {FileType::Mp3, 64};
+    folder_.write("UP.MP3", mp3Bytes(3));
+    expect({{"UP.MP3", "", "UP.MP3", ReEncode}});
+    settings_.target = {FileType::Ogg, 0};
+    folder_.write("a.ogg", "whose tags cannot be read");
+    expect({{"a.ogg", "", "a (1).ogg", ReEncode}, {"none.ogg", "", "", Fail}});
 }
 
 TEST_F(NamePlan, WhatStaysKeepsItsName) {

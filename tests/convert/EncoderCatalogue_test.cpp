@@ -183,15 +183,16 @@ TEST(EncoderCatalogue, DecodersAndRewrapping) {
 TEST(EncoderCatalogue, ModesAimAtBitrates) {
     EncoderSettings settings = someSettings();
     settings.lame[0].code = "-V 2 --abr 100";
+    settings.ogg[1].code = "-V2 -b96";
     settings.lame[2].code = "--preset radio";
     constexpr int lossless = std::numeric_limits<int>::max();
     const std::tuple<FileTypes, int, int> aims[] = {
-        {FileType::Mp3, 192, 192},     {FileType::Mp3, 554, 165},       {FileType::Mp3, 555, 190},
-        {FileType::Mp3, 556, 245},     {FileType::Mp3, 9002, 192},      {FileType::Mp3, 9003, 0},
-        {FileType::Ogg, 0, 64},        {FileType::Ogg, 10, 500},        {FileType::Ogg, 20, 256},
-        {FileType::Mpc, 1, 90},        {FileType::Mpc, 7, 350},         {FileType::Mpc, 8, 180},
-        {FileType::Mp4, 1006, 190},    {FileType::Mp4, 6, 150},         {FileType::Mp4, 600, 120},
-        {FileType::Flac, 0, lossless}, {FileType::Mp4, 1100, lossless},
+        {FileType::Mp3, 192, 192}, {FileType::Mp3, 554, 165},     {FileType::Mp3, 555, 190},
+        {FileType::Mp3, 556, 245}, {FileType::Mp3, 9002, 192},    {FileType::Mp3, 9003, 0},
+        {FileType::Ogg, 0, 64},    {FileType::Ogg, 10, 500},      {FileType::Ogg, 20, 256},
+        {FileType::Ogg, 32, 190},  {FileType::Mpc, 1, 90},        {FileType::Mpc, 7, 350},
+        {FileType::Mpc, 8, 180},   {FileType::Mp4, 1006, 190},    {FileType::Mp4, 6, 150},
+        {FileType::Mp4, 600, 120}, {FileType::Flac, 0, lossless}, {FileType::Mp4, 1100, lossless},
     };
     for (const auto& [format, mode, bitrate] : aims) {
         EXPECT_EQ(nominalBitrate(format, mode, settings), bitrate) << format << " " << mode;
