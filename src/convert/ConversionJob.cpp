@@ -236,8 +236,9 @@ class ConversionRun {
                 log_.AddLogLine(services_.texts.get(text));
             }
         }
-        if (log_.errors() > 0) {
-            log_.AddLogLine(services_.texts.get(Text::ErrorsFound, std::to_string(log_.errors())));
+        if (report_.failures() > 0) {
+            log_.AddLogLine(
+                services_.texts.get(Text::ErrorsFound, std::to_string(report_.failures())));
         }
         if (isCancelled()) {
             log_.AddErrorLine(services_.texts.get(Text::Interrupted));

@@ -20,6 +20,7 @@ class ConversionReport {
     void tell(const Conversion& row, ConversionResult result, std::string_view message);
     /// One more file of which something went wrong.
     void countFailure() { ++failed_; }
+    [[nodiscard]] std::size_t failures() const { return failed_; }
     /// The programs that the rows told so far will run.
     [[nodiscard]] const std::set<std::string>& plannedTools() const { return tools_; }
     /// False when the output took no more.

@@ -6,7 +6,6 @@ namespace tavlo {
 
 void MonitorLog::AddLogLine(std::string text, LogKind kind) {
     lines_.push_back({withoutControls(std::move(text)), kind});
-    if (kind == LogKind::Error) ++errors_;
     if (show_) show_(lines_.back());
 }
 

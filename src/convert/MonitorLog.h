@@ -27,14 +27,12 @@ class MonitorLog {
     void append(const MonitorLog& other);
 
     [[nodiscard]] const std::vector<LogLine>& lines() const { return lines_; }
-    [[nodiscard]] std::size_t errors() const { return errors_; }
     /// All lines with CR and LF behind each, as they are saved.
     [[nodiscard]] std::string text() const;
 
  private:
     Show show_;
     std::vector<LogLine> lines_;
-    std::size_t errors_ = 0;
 };
 
 }  // namespace tavlo

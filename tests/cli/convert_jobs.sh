@@ -59,8 +59,8 @@ encoding to MP3 using LAME
 reduce level mode
 VBR medium preset
 file bitrate: 128 kbps
-tags of this source format cannot be read yet, so none go over
 updating information tags
+tags of this source format cannot be read yet, so none go over
 processing b.wav
 encoding to MP3 using LAME
 reduce level mode
@@ -75,7 +75,7 @@ processing d.wav
 encoding to MP3 using LAME
 reduce level mode
 VBR medium preset
-2 errors found!
+1 errors found!
 done
 EOF
 ) || fail "another log"
