@@ -12,26 +12,28 @@ namespace tavlo {
 namespace {
 constexpr std::string_view unprocessedSuffix = ".bak";
 
-// Brings the sound back that the processing kept, or lets it go.
+// Has the sound processed, and brings back afterwards what it was, or, where it is not wanted any
+// more, lets it go. Of a source with losses, or for a lossless result, only a WAV is processed.
 class ProcessedWav {
  public:
-    ProcessedWav(const ConversionContext& context, const std::string& wav,
-                 const ConversionTarget& target)
+    ProcessedWav(const ConversionContext& context, const Conversion& row, const std::string& wav)
         : wav_(wav), keepsUnprocessed_(context.settings.keepsWavUnprocessed) {
-        if (!context.processWave) return;
-        context.processWave(wav, IsLosslessTarget(target.format, target.mode));
-        isProcessed_ = fileInfo(unprocessed()).has_value();
+        const ConversionTarget& target = context.settings.target;
+        const bool isLossless = IsLosslessTarget(target.format, target.mode);
+        const bool isWanted = row.type == FileType::Wave || (row.isLossless && !isLossless);
+        // Somebody's own file of that name is not to be lost.
+        if (!context.processWave || !isWanted || isTaken(unprocessed())) return;
+        isProcessed_ = context.processWave(wav, isLossless) && isTaken(unprocessed());
     }
     ProcessedWav(const ProcessedWav&) = delete;
     ProcessedWav& operator=(const ProcessedWav&) = delete;
     ~ProcessedWav() {
         if (!isProcessed_) return;
-        if (!keepsUnprocessed_) {
-            removeEntry(unprocessed());
-        } else if (replaceByCopy(wav_, unprocessed())) {
-            removeEntry(unprocessed());
-        }
+        const bool goesBack = keepsUnprocessed_ || !isEncoded_;
+        if (!goesBack || replaceByCopy(wav_, unprocessed())) removeEntry(unprocessed());
     }
+
+    void setEncoded() { isEncoded_ = true; }
 
  private:
     [[nodiscard]] std::string unprocessed() const { return wav_ + std::string(unprocessedSuffix); }
@@ -39,6 +41,7 @@ class ProcessedWav {
     const std::string wav_;
     const bool keepsUnprocessed_;
     bool isProcessed_ = false;
+    bool isEncoded_ = false;
 };
 
 struct StepText {
@@ -106,7 +109,7 @@ bool WavEncoder::isAvailable(const Conversion& row) const {
 
 std::optional<EncodedFile> WavEncoder::encode(const Conversion& row, const std::string& wav,
                                               const std::string& result) {
-    const ProcessedWav processed(context_, wav, context_.settings.target);
+    ProcessedWav processed(context_, row, wav);
     const bool isWma = context_.settings.target.format == FileType::Wma;
     // Newer versions of WavPack's encoder put the result beside the WAV, whatever lies there.
     const bool namesItself = context_.settings.target.format == FileType::Wv;
@@ -122,6 +125,7 @@ std::optional<EncodedFile> WavEncoder::encode(const Conversion& row, const std::
         return std::nullopt;
     }
     auto record = readBack(wav, result);
+    if (record) processed.setEncoded();
     if (record) return EncodedFile{std::move(*record), isWma ? "" : command->description};
     if (isWma) return std::nullopt;
     context_.tellOutput();
@@ -157,8 +161,9 @@ bool WavEncoder::rewrap(const std::string& result) {
     const PassingFile stream(result + ".aac");
     context_.step(Text::OptimizingAac);
     const bool isExtracted = context_.runHidden(extract) && isFilled(stream.path());
-    const bool isDone = isExtracted && removeEntry(result) && context_.runHidden(create);
-    if (!isDone) context_.tellMissing("mp4creator60.exe");
+    const bool isDone =
+        isExtracted && removeEntry(result) && context_.runHidden(create) && isFilled(result);
+    if (!isDone && !context_.control.endsNow) context_.tellMissing("mp4creator60.exe");
     return isDone;
 }
 

@@ -1,6 +1,8 @@
 #include "convert/WorkFolder.h"
 
+#include <chrono>
 #include <random>
+#include <thread>
 
 #include "core/Numbers.h"
 #include "core/PathText.h"
@@ -27,7 +29,12 @@ WorkFolder::~WorkFolder() {
     for (const FolderEntry& entry : listFolder(path_)) {
         removeEntry(joinPath(path_, entry.name, nativePathStyle()));
     }
-    removeEmptyFolder(path_);
+    // A program that has just ended may hold the folder that it ran in for a moment.
+    constexpr int tries = 40;
+    constexpr auto pause = std::chrono::milliseconds(25);
+    for (int i = 0; i < tries && !removeEmptyFolder(path_) && isTaken(path_); ++i) {
+        std::this_thread::sleep_for(pause);
+    }
 }
 
 std::string WorkFolder::newName() {

@@ -206,6 +206,35 @@ TEST(Converter, TagsOfAnMp3StayByteForByte) {
     }
 }
 
+// Less sound, tags that no reader knows, tags that are not wanted, another file in its place: the
+// source neither goes nor gives way.
+TEST(Converter, DoubtLetsTheSourceStay) {
+    const std::string whole = tag(3, textFrame(3, "TIT2", "Title") + frame(3, "XYZW", "unknown"));
+    const std::string lyrics1 = "LYRICSBEGINla la laLYRICSEND" + Id3v1{"T", "", "", "", ""}.block();
+    const auto expectItStays = [](const std::string& bytes, bool writesTags, bool changes) {
+        for (const std::string folder : {"", "o"}) {
+            Desk desk({{"a.mp3", bytes}}, "lame", changes ? "sleep=250 give=#" : "give=#");
+            desk.settings.bitrateRise = desk.settings.deletesCompressed = true;
+            desk.settings.writesTags = writesTags;
+            desk.tick = [&] {
+                if (changes) desk.folder.write("a.mp3", bytes + "another");
+            };
+            desk.convert("a.mp3", folder);
+            EXPECT_EQ(desk.folder.read("a.mp3"), bytes + (changes ? "another" : ""))
+                << folder << "\n"
+                << desk.log();
+        }
+    };
+    for (const std::string& bytes :
+         {vbrBytes(24, 128), mp3Bytes(24), whole + whole + mp3, std::string(100, 'x') + whole + mp3,
+          std::string(100, '\0') + whole + mp3, ApeTag{{apeItem("Own", "x")}}.bytes() + whole + mp3,
+          mp3 + lyrics1}) {
+        expectItStays(bytes, true, false);
+    }
+    expectItStays(whole + mp3, false, false);
+    expectItStays(whole + mp3, true, true);
+}
+
 TEST(Converter, WavPackMayNameItsOutputItself) {
     for (const std::string does : {"give=#", "beside give=#"}) {
         Desk desk({{"a.wav", wav}, {"a.wv", "other"}}, "wavpack", does);
@@ -218,7 +247,8 @@ TEST(Converter, WavPackMayNameItsOutputItself) {
 TEST(Converter, ProcessedSoundGivesWayToTheOldOne) {
     for (const auto& [does, keeps, changes] : {std::tuple("give=#", true, "a.mp3=#.mp3"),
                                                {"give=#", false, "a.mp3=#.mp3 a.wav=#.wav"},
-                                               {"garbage", true, ""}}) {
+                                               {"garbage", true, ""},
+                                               {"garbage", false, ""}}) {
         Desk desk({{"a.wav", wav}}, "lame", does);
         desk.settings.keepsWavUnprocessed = keeps;
         desk.processWave = [&](const std::string& path, bool) {
@@ -230,6 +260,13 @@ TEST(Converter, ProcessedSoundGivesWayToTheOldOne) {
         desk.convert("a.wav");
         EXPECT_EQ(desk.changes(), changes) << does;
     }
+    Desk own({{"a.wav", wav}, {"a.wav.bak", "somebody's"}, {"a.ogg", ""}}, "lame oggdec", "give=#");
+    int processed = 0;
+    own.processWave = [&](const std::string&, bool) { return ++processed > 0; };
+    own.convert("a.wav");
+    own.convert("a.ogg", "o");
+    EXPECT_EQ(own.changes(), "a.mp3=#.mp3 o/a.mp3=#.mp3");
+    EXPECT_EQ(processed, 0);
 }
 
 TEST(Converter, EndsAfterTheProgramOrWithIt) {
