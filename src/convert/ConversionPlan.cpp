@@ -62,7 +62,8 @@ class Planner {
 
     // The source's name with the result's extension, cut where it would be too long.
     [[nodiscard]] std::string wantedPath(const Conversion& row) const {
-        constexpr std::size_t longestName = 255, roomForNumber = 6;
+        constexpr std::size_t longestName = 255;
+        constexpr std::size_t roomForNumber = 6;
         if (row.step == ConversionStep::Copy) return sourceIn(row);
         const std::string_view extension = settings_.target.format == FileType::Wave
                                                ? ".wav"

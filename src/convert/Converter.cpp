@@ -38,13 +38,13 @@ std::string nameOrFailure(ConversionResult result, const Conversion& row) {
         result == ConversionResult::Failed || result == ConversionResult::Cancelled;
     return hasNone ? "#" : std::string(fileNameOf(row.target, nativePathStyle()));
 }
-}  // namespace
 
 // Whether the source is what it was when the plan was made.
-bool Converter::isUnchanged(const Conversion& row) const {
+bool isUnchanged(const Conversion& row) {
     const auto info = fileInfo(row.source);
     return info && !info->isFolder && info->size == row.size && info->modified == row.modified;
 }
+}  // namespace
 
 ConversionResult Converter::convert(Conversion& row) {
     context_.step(Text::Processing, row.source);
@@ -145,7 +145,7 @@ ConversionResult Converter::decode(Conversion& row) {
     const bool isDecoded = decodeWhole(row, wav.path());
     if (isStopped(isDecoded)) return ConversionResult::Cancelled;
     if (!isDecoded) return ConversionResult::Failed;
-    if (encoder_.place(wav.path(), row)) return ConversionResult::Converted;
+    if (placeResult(wav.path(), row)) return ConversionResult::Converted;
     context_.error(Text::FileNotCreated, row.target);
     return ConversionResult::Failed;
 }
@@ -192,7 +192,7 @@ bool Converter::finish(Conversion& row, const std::string& result, const Encoded
     }
     lookForMissingTags(row, result);
     if (row.isOwnSource && !mayReplace(row, result)) return false;
-    if (encoder_.place(result, row)) return true;
+    if (placeResult(result, row)) return true;
     context_.error(Text::FileNotCreated, row.target);
     return false;
 }

@@ -48,7 +48,6 @@ class Converter {
     void lookForMissingTags(const Conversion& row, const std::string& result);
     void removeSource(const Conversion& row, bool isWanted);
     [[nodiscard]] bool isStopped(bool isFinished) const;
-    [[nodiscard]] bool isUnchanged(const Conversion& row) const;
     [[nodiscard]] bool mayReplace(const Conversion& row, const std::string& result) const;
     [[nodiscard]] bool isReadBack(const Conversion& row, const std::string& result) const;
 

@@ -76,7 +76,7 @@ std::string WavEncoder::workPath(const Conversion& row) {
     if (isNetworkOgg || context_.isRemovable(row.folder)) return context_.work.newPath(extension);
     // Somebody else's run may have the same number in a shared folder.
     for (;;) {
-        const std::string path =
+        std::string path =
             joinPath(row.folder, context_.work.newName() + extension, nativePathStyle());
         if (!isTaken(path)) return path;
     }
@@ -189,7 +189,7 @@ std::optional<ID3tag> WavEncoder::readBack(const std::string& wav,
     return isWhole ? std::move(record) : std::nullopt;
 }
 
-bool WavEncoder::place(const std::string& result, Conversion& row) const {
+bool placeResult(const std::string& result, Conversion& row) {
     if (row.isOwnSource) return replaceByCopy(row.target, result);
     Transfer moved = moveFile(result, row.target);
     while (moved == Transfer::Exists && takeFreeName(row)) moved = moveFile(result, row.target);

@@ -31,9 +31,6 @@ class WavEncoder {
     /// should not write straight into it (removable drives, Ogg files on the network).
     std::string workPath(const Conversion& row);
 
-    /// Gives a finished file its name, which may have become another one meanwhile.
-    bool place(const std::string& result, Conversion& row) const;
-
  private:
     [[nodiscard]] std::optional<EncodeCommand> commandFor(const Conversion& row,
                                                           const std::string& wav,
@@ -46,5 +43,9 @@ class WavEncoder {
 
     const ConversionContext& context_;
 };
+
+/// Gives a finished file its row's name, which may have become another one meanwhile, or puts it in
+/// the source's place.
+bool placeResult(const std::string& result, Conversion& row);
 
 }  // namespace tavlo

@@ -12,7 +12,8 @@
 namespace tavlo {
 
 WorkFolder::WorkFolder(const std::string& parent) {
-    constexpr int numbers = 100000, tries = 100;
+    constexpr int numbers = 100000;
+    constexpr int tries = 100;
     std::random_device random;
     std::uniform_int_distribution<int> anyNumber(0, numbers - 1);
     for (int i = 0; i < tries; ++i) {

@@ -149,7 +149,9 @@ class FramesWriter {
     }
 
     static std::string encodingByte(const Encoded& text) {
-        return std::string(1, static_cast<char>(text.encoding));
+        std::string byte;
+        byte += static_cast<char>(text.encoding);
+        return byte;
     }
 
     static void addTerminated(std::string& body, const Encoded& text) {

@@ -10,7 +10,9 @@ namespace tavlo {
 namespace {
 // Whether more tags, which no reader knows, lie between those that were found and the sound.
 bool hasTagsInside(File& file, FileTypes type, const TagSpan& sound) {
-    constexpr std::uint64_t headSpan = 65536, tailSpan = 32, footerSpan = 10;
+    constexpr std::uint64_t headSpan = 65536;
+    constexpr std::uint64_t tailSpan = 32;
+    constexpr std::uint64_t footerSpan = 10;
     const std::uint64_t size = sound.end - sound.begin;
     const std::string_view head =
         textOf(file.view(sound.begin, static_cast<std::size_t>(std::min(size, headSpan))));
