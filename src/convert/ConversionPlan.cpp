@@ -9,6 +9,7 @@
 #include "platform/FileSystem.h"
 #include "platform/Utf8.h"
 #include "tags/AudioFile.h"
+#include "tags/MpegStream.h"
 
 namespace tavlo {
 
@@ -33,13 +34,16 @@ class Planner {
         row.bitrate = record.Bitrate;
         row.seconds = record.Seconds;
         row.isTimeGuessed = record.TimeIsGuessed;
+        // The byte counts of MP3 files are too often wrong; their sound is counted when decoded.
+        row.isCut = !record.StreamFound && record.Seconds > 0 && row.type != FileType::Mp3;
         row.size = record.Length;
         row.modified = record.Modified;
         if (row.folder.empty()) row.folder = folderOf(row.source, nativePathStyle());
         if (!record.OK) return;
         row.step = stepOf(row);
         settleName(row, !record.ReadOnly);
-        given_.insert(comparable(row.target));
+        const bool isKept = row.step == ConversionStep::Skip || row.isOwnSource;
+        if (!isKept) given_.insert(comparable(row.target));
     }
 
  private:
@@ -104,8 +108,9 @@ class Planner {
     }
 
     // A file of the result's name with the source's sound.
-    [[nodiscard]] bool isEarlierResult(const Conversion& row, const std::string& path) const {
+    [[nodiscard]] bool isEarlierResult(Conversion& row, const std::string& path) const {
         if (!fileInfo(path)) return false;
+        countTime(row);
         const ID3tag record = ReadAudioFile(path, {ansi_, ReadDepth::List});
         return record.OK && record.StreamFound && record.Seconds > 0 &&
                sameTime(record.Seconds, row.seconds);
@@ -123,6 +128,13 @@ std::vector<Conversion> planConversions(std::vector<Conversion> sources,
     planner.reserve(sources);
     for (Conversion& row : sources) planner.plan(row);
     return sources;
+}
+
+void countTime(Conversion& row) {
+    File file;
+    if (!row.isTimeGuessed || !file.open(row.source, Access::Read)) return;
+    row.seconds = countMpegSeconds(file).value_or(0);
+    row.isTimeGuessed = false;
 }
 
 bool takeFreeName(Conversion& row) {

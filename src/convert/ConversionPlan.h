@@ -33,6 +33,7 @@ struct Conversion {
     std::uint64_t size = 0;      ///< bytes
     std::int64_t modified = 0;   ///< of the source, as `FileInfo` has it
     bool isTimeGuessed = false;  ///< from one frame; all of them have to be counted
+    bool isCut = false;          ///< the source holds less sound than it promises
     bool isOwnSource = false;    ///< the result takes the source's place
 };
 
@@ -43,6 +44,9 @@ inline constexpr FileTypes typesWithTags = FileType::Mp3 | FileType::Ape2Only;
 /// no other source's, no other result's, and no file's that is there, but for an earlier result.
 std::vector<Conversion> planConversions(std::vector<Conversion> sources,
                                         const ConversionSettings& settings, const CodePage& ansi);
+
+/// Replaces a guessed playing time by that of all frames, for which the source is read.
+void countTime(Conversion& row);
 
 /// Gives a row the next name that nothing has, for its own was taken meanwhile.
 bool takeFreeName(Conversion& row);

@@ -61,6 +61,12 @@ void ConversionReport::print(const std::string& text) {
 }
 
 void ConversionReport::tellPlanned(const Conversion& row) {
+    if (row.step == ConversionStep::Fail) {
+        const std::string message = services_.texts.get(Text::FileNotRead, row.source);
+        services_.errors.reportLine(message);
+        countFailure();
+        return tell(row, ConversionResult::Failed, message);
+    }
     ++(row.step == ConversionStep::Copy   ? copied_
        : row.step == ConversionStep::Skip ? skipped_
        : row.step == ConversionStep::Done ? there_

@@ -5,7 +5,6 @@
 #include "platform/RecycleBin.h"
 #include "tags/AudioFile.h"
 #include "tags/FieldEdits.h"
-#include "tags/MpegStream.h"
 #include "tags/TagTransfer.h"
 #include "tags/UpdateTags.h"
 #include "tags/WaveFile.h"
@@ -69,8 +68,7 @@ ConversionResult Converter::convert(Conversion& row) {
         case ConversionStep::Fail:
             break;
     }
-    const bool hasName = row.modified != 0;
-    context_.error(hasName ? Text::FileNotCreated : Text::FileNotRead, row.source);
+    context_.error(Text::FileNotRead, row.source);
     return ConversionResult::Failed;
 }
 
@@ -132,10 +130,11 @@ ConversionResult Converter::reEncode(Conversion& row) {
 // A playing time that was guessed from one frame is counted first, for it tells whether all of the
 // sound came out.
 bool Converter::decodeWhole(Conversion& row, const std::string& wav) {
-    File file;
-    if (row.isTimeGuessed && file.open(row.source, Access::Read)) {
-        row.seconds = countMpegSeconds(file).value_or(0);
+    if (row.isCut) {
+        context_.error(Text::CorruptedFile);
+        return false;
     }
+    countTime(row);
     return decoder_.DecodeToWav(row, wav);
 }
 
@@ -314,6 +313,9 @@ void Converter::removeSource(const Conversion& row, bool isWanted) {
     if (!isWanted || row.isOwnSource) return;
     if (tagsStayBehind_) return context_.step(Text::SourceStaysForTags);
     if (!isUnchanged(row)) return context_.error(Text::SourceChanged);
+    const auto info = fileInfo(row.source);
+    const bool isFree = info && !info->isReadOnly && withoutLinks(row.source) == row.source;
+    if (!isFree) return context_.step(Text::SourceIsKept);
     if (!isReadBack(row, row.target)) return context_.step(Text::SourceStays);
     const bool isGone =
         context_.settings.usesRecycleBin ? moveToRecycleBin(row.source) : removeFile(row.source);

@@ -243,6 +243,7 @@ enum class Text : int {
     NotReplaced = 3067,
     NoSuchMode = 3068,
     LogIsSound = 3069,
+    SourceIsKept = 3070,
 };
 
 enum class Language { English, Russian };
@@ -558,7 +559,8 @@ inline constexpr auto textTable = std::to_array<TextRow>({
     {Text::EncoderFailed, "no whole file came out of %1", "%1 не выдал целый файл"},
     {Text::NotWithJob, "1 to 64 files side by side: /jobs N",
      "От 1 до 64 файлов одновременно: /jobs N"},
-    {Text::SourceStaysForTags, "the source stays, because not all of its tags could go over",
+    {Text::SourceStaysForTags,
+     "the source stays, because its tags cannot be read or could not all go over",
      "исходный файл оставлен: не все его теги удалось перенести"},
     {Text::StepEncode, "encode", "кодировать"},
     {Text::StepReEncode, "re-encode", "перекодировать"},
@@ -574,6 +576,8 @@ inline constexpr auto textTable = std::to_array<TextRow>({
      "Нет набора настроек кодировщика с номером %1"},
     {Text::LogIsSound, "The log cannot be written over this file: %1",
      "Журнал нельзя записать поверх этого файла: %1"},
+    {Text::SourceIsKept, "the source stays, because it is a link or read-only",
+     "исходный файл оставлен: это ссылка или файл только для чтения"},
 });
 
 /// Every text that a person sees, in one language, with replacements from a language file.

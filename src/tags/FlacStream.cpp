@@ -108,6 +108,7 @@ std::optional<StreamFacts> readFlac(File& file, SoundSpan span) {
     facts.audioBytes = span.end - *frames;
     const std::uint32_t first = sameInAll(file.view(*frames, 4));
     if (first >> 17U != frameMark && facts.length > 0) return std::nullopt;
+    const std::uint64_t promised = facts.length;
     // An encoder that was killed has promised what it never wrote, or left the number empty.
     findLast(file, {*frames, span.end}, "\xFF", frameHeadSize, [&](std::uint64_t, Bytes bytes) {
         if (sameInAll(bytes) != first) return false;
@@ -116,6 +117,7 @@ std::optional<StreamFacts> readFlac(File& file, SoundSpan span) {
         facts.length = *end;
         return true;
     });
+    facts.isCut = facts.length < promised;
     return facts;
 }
 

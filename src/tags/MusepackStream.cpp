@@ -126,6 +126,7 @@ class Version8Reader {
         facts_.audioBytes = span_.end - at;
         if (!isFinished || facts_.length == 0) {
             const std::uint64_t held = heldSamples(at);
+            facts_.isCut = held < facts_.length;
             facts_.length = facts_.length == 0 ? held : std::min(held, facts_.length);
         }
         return facts_;

@@ -16,6 +16,7 @@ constexpr std::size_t identificationSize = 30, longestVendor = 256;
 
 struct Page {
     bool isFirst = false;  // of its stream
+    bool isLast = false;
     std::uint64_t granule = 0;
     std::uint32_t serial = 0;
     std::uint64_t headSize = 0, dataSize = 0;
@@ -36,6 +37,7 @@ std::optional<Page> parsePage(Bytes bytes) {
     if (!sizes || flags > 7) return std::nullopt;
     Page page;
     page.isFirst = (flags & 2U) != 0;
+    page.isLast = (flags & 4U) != 0;
     page.granule = granuleHigh << 32U | granuleLow;
     page.serial = serial;
     page.headSize = pageHeadSize + sizes->size();
@@ -79,6 +81,7 @@ class OggReader {
         if (!findVorbis() || !passHeaders()) return std::nullopt;
         facts_.timeScale = facts_.sampleRate;
         facts_.audioBytes = span_.end - at_;
+        facts_.isCut = true;
         findLast(file_, {at_, span_.end}, "OggS", pageHeadSize + mostSegments,
                  [&](std::uint64_t at, Bytes bytes) {
                      const auto page = parsePage(bytes);
@@ -87,6 +90,7 @@ class OggReader {
                          return false;
                      }
                      facts_.length = page->granule;
+                     facts_.isCut = !page->isLast;
                      return true;
                  });
         return facts_;

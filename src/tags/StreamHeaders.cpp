@@ -80,7 +80,7 @@ bool readStream(File& file, ID3tag& record, std::uint64_t audioEnd) {
     record.Lossless = facts->isLossless;
     record.Float = facts->isFloat;
     record.Encoder = facts->encoder;
-    record.StreamFound = true;
+    record.StreamFound = !facts->isCut;
     fillLengths(record, *facts);
     return true;
 }

@@ -31,6 +31,7 @@ struct StreamFacts {
     std::uint64_t audioBytes = 0;
     std::uint32_t usualBitrate = 0;  ///< bit/s, for where the playing time is not told; 0 = none
     bool isLossless = false, isFloat = false;
+    bool isCut = false;  ///< less sound than was promised; `length` is what is there
     std::string encoder;
 };
 

@@ -11,7 +11,9 @@ namespace {
 // Whether more tags, which no reader knows, lie between those that were found and the sound.
 bool hasTagsInside(File& file, FileTypes type, const TagSpan& sound) {
     constexpr std::uint64_t headSpan = 65536;
-    constexpr std::uint64_t tailSpan = 32;
+    constexpr std::uint64_t tailSpan = 227;
+    constexpr std::uint64_t footerSize = 32;
+    constexpr std::uint64_t blockSize = 128;
     constexpr std::uint64_t footerSpan = 10;
     const std::uint64_t size = sound.end - sound.begin;
     const std::string_view head =
@@ -24,9 +26,10 @@ bool hasTagsInside(File& file, FileTypes type, const TagSpan& sound) {
     const std::uint64_t last = std::min(size, tailSpan);
     const std::string_view tail =
         textOf(file.view(sound.end - last, static_cast<std::size_t>(last)));
-    const std::string_view footer = tail.substr(tail.size() - std::min(last, footerSpan));
-    return tail.starts_with("APETAGEX") || tail.ends_with("LYRICSEND") ||
-           tail.ends_with("LYRICS200") || footer.starts_with("3DI");
+    const auto end = [&](std::uint64_t count) { return tail.substr(last - std::min(last, count)); };
+    return end(footerSize).starts_with("APETAGEX") || end(footerSpan).starts_with("3DI") ||
+           tail.starts_with("TAG+") || end(blockSize).starts_with("TAG") ||
+           tail.ends_with("LYRICSEND") || tail.ends_with("LYRICS200");
 }
 
 // Where the sound begins and ends between the tags; nothing where a tag lies elsewhere.

@@ -85,6 +85,7 @@ class WavPackReader {
             facts_.length = total_ ? std::min(*total_, held) : held;
             return true;
         });
+        facts_.isCut = total_ && facts_.length < *total_;
         return facts_;
     }
 

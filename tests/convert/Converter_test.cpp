@@ -144,7 +144,8 @@ TEST(Converter, WhatSavesTooLittleStaysAsItIs) {
 
 TEST(Converter, SourcesGoOnlyWhenAllOfThemIsInTheResult) {
     const std::string tools = "lame ffmpeg faad wavpack";
-    const std::string stays = "the source stays, because not all of its tags could go over\n";
+    const std::string stays =
+        "the source stays, because its tags cannot be read or could not all go over\n";
     const Row rows[] = {
         {"a.wav", "", tools, "give=#", Converted, "a.mp3=#.mp3 a.wav=gone", "", toMp3, "waves"},
         {"a.wav", "", tools, "give=#", Converted, "a.mp3=#.mp3", "", toMp3, "others"},
