@@ -1,7 +1,7 @@
 #include "core/CommandString.h"
 #include "core/Options.h"
 #include "fuzz/Promise.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

@@ -6,7 +6,7 @@
 #include "fuzz/Promise.h"
 #include "platform/CodePage.h"
 #include "platform/Utf8.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

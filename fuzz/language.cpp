@@ -1,6 +1,6 @@
 #include "core/Texts.h"
 #include "fuzz/Promise.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

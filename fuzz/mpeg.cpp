@@ -1,6 +1,6 @@
 #include "fuzz/Reading.h"
 #include "tags/AudioFile.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/MPEGHeader.h"
 
 using namespace tavlo;

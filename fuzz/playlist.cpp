@@ -2,7 +2,7 @@
 
 #include "fuzz/Promise.h"
 #include "platform/Utf8.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

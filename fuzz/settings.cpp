@@ -2,7 +2,7 @@
 
 #include "fuzz/Promise.h"
 #include "platform/RegistryText.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

@@ -3,7 +3,7 @@
 #include "core/FileNameText.h"
 #include "fuzz/Promise.h"
 #include "platform/Utf8.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

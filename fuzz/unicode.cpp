@@ -5,7 +5,7 @@
 #include "platform/CodePage.h"
 #include "platform/Utf16.h"
 #include "platform/Utf8.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/TagText.h"
 
 using namespace tavlo;

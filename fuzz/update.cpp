@@ -1,7 +1,7 @@
 #include "fuzz/Promise.h"
 #include "support/MemoryFile.h"
 #include "support/RecordTexts.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/UpdateTags.h"
 
 using namespace tavlo;

@@ -1,6 +1,7 @@
 #include <array>
 #include <vector>
 
+#include "cd/DiscJob.h"
 #include "collection/ChangeJob.h"
 #include "collection/CopyJob.h"
 #include "collection/ListJob.h"
@@ -18,8 +19,10 @@ namespace {
 
 using namespace tavlo;
 
-// The width of a list's lines that go to no terminal does not matter.
+// A drive for CDs has tracks instead of files. The width of a list's lines that go to no terminal
+// does not matter.
 int printList(Services& services) {
+    if (const auto drive = wantedDrive(services.options)) return listDisc(services, *drive);
     const bool terminal = isTerminal(Stream::Output);
     const ListForm form = services.options.json ? ListForm::JsonLines
                           : terminal            ? ListForm::Table

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "collection/JobFiles.h"
-#include "collection/JsonLine.h"
+#include "core/JsonLine.h"
 #include "collection/ReverseTemplate.h"
 #include "collection/TagColumns.h"
 #include "platform/PlainText.h"

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "collection/JobFiles.h"
-#include "collection/JsonLine.h"
+#include "core/JsonLine.h"
 #include "collection/Playlist.h"
 #include "collection/RenamePlan.h"
 #include "collection/cFilesCollection.h"

@@ -4,7 +4,7 @@
 #include <array>
 #include <charconv>
 
-#include "collection/JsonText.h"
+#include "core/JsonText.h"
 
 namespace tavlo {
 

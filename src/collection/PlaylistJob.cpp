@@ -2,7 +2,7 @@
 
 #include "collection/FolderPlaylist.h"
 #include "collection/JobFiles.h"
-#include "collection/JsonLine.h"
+#include "core/JsonLine.h"
 #include "platform/FileSystem.h"
 #include "platform/PlainText.h"
 

@@ -1,6 +1,6 @@
 #include "collection/RenameReport.h"
 
-#include "collection/JsonLine.h"
+#include "core/JsonLine.h"
 #include "platform/PlainText.h"
 
 namespace tavlo {

@@ -1,6 +1,6 @@
 #include "convert/ConversionReport.h"
 
-#include "collection/JsonLine.h"
+#include "core/JsonLine.h"
 #include "platform/PlainText.h"
 
 namespace tavlo {

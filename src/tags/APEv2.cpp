@@ -4,7 +4,7 @@
 #include <array>
 
 #include "tags/APEv2Items.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/Lyrics3.h"
 #include "tags/Picture.h"
 #include "tags/TagText.h"

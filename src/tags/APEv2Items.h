@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/ID3tag.h"
 
 namespace tavlo {

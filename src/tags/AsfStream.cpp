@@ -1,4 +1,4 @@
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/StreamReaders.h"
 
 namespace tavlo {

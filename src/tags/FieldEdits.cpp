@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/TagText.h"
 
 namespace tavlo {

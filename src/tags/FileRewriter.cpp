@@ -5,7 +5,7 @@
 
 #include "platform/FileSystem.h"
 #include "platform/TemporaryFile.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/ID3v2.h"
 
 namespace tavlo {

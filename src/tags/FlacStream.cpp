@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/StreamReaders.h"
 
 namespace tavlo {

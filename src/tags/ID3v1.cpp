@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/Utf8.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/TagText.h"
 
 namespace tavlo {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/ID3v2Fields.h"
 #include "tags/ID3v2Frame.h"
 #include "tags/Picture.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/ByteWriting.h"
 #include "tags/Inflate.h"
 

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "platform/Utf8.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/ByteWriting.h"
 #include "tags/ID3v2Frame.h"
 #include "tags/Picture.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/TagText.h"
 
 namespace tavlo {

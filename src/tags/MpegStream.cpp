@@ -5,7 +5,7 @@
 #include <cstring>
 #include <optional>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/ID3v2.h"
 #include "tags/MPEGHeader.h"
 

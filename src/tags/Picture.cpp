@@ -4,7 +4,7 @@
 #include <array>
 
 #include "core/TextCase.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/TagText.h"
 
 namespace tavlo {

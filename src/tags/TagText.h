@@ -6,7 +6,7 @@
 
 #include "platform/CodePage.h"
 #include "platform/PlainText.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 
 namespace tavlo {
 

@@ -7,7 +7,7 @@
 #include "platform/FileSystem.h"
 #include "tags/APEv2.h"
 #include "tags/AudioFile.h"
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/FieldEdits.h"
 #include "tags/FileRewriter.h"
 #include "tags/ID3v1.h"

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <array>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 #include "tags/StreamReaders.h"
 
 namespace tavlo {

@@ -4,7 +4,7 @@
 #include <array>
 #include <limits>
 
-#include "tags/ByteCursor.h"
+#include "core/ByteCursor.h"
 
 namespace tavlo {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "collection/JsonText.h"
+#include "core/JsonText.h"
 
 namespace tavlo {
 
@@ -32,6 +32,18 @@ class JsonLine {
         for (const std::string& name : names) writeName(json_, name);
         json_.EndArray();
     }
+    void addFlag(std::string_view key, bool flag) {
+        writeText(json_, key);
+        json_.Bool(flag);
+    }
+    /// What comes next, up to `endObject`, is an object of an array that stands under a key.
+    void beginArray(std::string_view key) {
+        writeText(json_, key);
+        json_.StartArray();
+    }
+    void beginObject() { json_.StartObject(); }
+    void endObject() { json_.EndObject(); }
+    void endArray() { json_.EndArray(); }
     [[nodiscard]] std::string finish() {
         json_.EndObject();
         return std::string(buffer_.GetString(), buffer_.GetSize()) + '\n';

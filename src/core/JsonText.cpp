@@ -1,4 +1,4 @@
-#include "collection/JsonText.h"
+#include "core/JsonText.h"
 
 #include "platform/Utf8.h"
 

@@ -1,0 +1,118 @@
+#include "cd/CdText.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+
+#include "core/ByteCursor.h"
+#include "platform/CodePage.h"
+
+namespace tavlo {
+
+namespace {
+constexpr std::size_t packSize = 18, textSize = 12, checkedSize = 16;
+constexpr std::uint8_t titlePack = 0x80, artistPack = 0x81;
+constexpr std::size_t longestPosition = 15;  // it counts no further
+
+struct Pack {
+    std::uint8_t kind = 0;
+    std::size_t track = 0;     // that its first text is of
+    std::size_t position = 0;  // characters of that text in the packs before
+    bool isWide = false;       // two bytes a character
+    Bytes text;
+};
+
+// x^16 + x^12 + x^5 + 1, written inverted.
+std::uint16_t checksum(Bytes bytes) {
+    std::uint16_t sum = 0;
+    for (const std::uint8_t byte : bytes) {
+        sum = static_cast<std::uint16_t>(sum ^ byte << 8U);
+        for (int bit = 0; bit < 8; ++bit) {
+            const bool carries = (sum & 0x8000U) != 0;
+            sum = static_cast<std::uint16_t>(sum << 1U ^ (carries ? 0x1021U : 0U));
+        }
+    }
+    return static_cast<std::uint16_t>(~sum);
+}
+
+// Nothing for a pack that is broken or of another language.
+std::optional<Pack> parsePack(Bytes bytes) {
+    const auto sum = static_cast<std::uint16_t>(bytes[checkedSize] << 8U | bytes[checkedSize + 1]);
+    const unsigned place = bytes[3];
+    const bool isFirstBlock = (place & 0x70U) == 0;
+    if (!isFirstBlock || checksum(bytes.first(checkedSize)) != sum) return std::nullopt;
+    return Pack{bytes[0], bytes[1] & 0x7FU, place & 0x0FU, (place & 0x80U) != 0,
+                bytes.subspan(4, textSize)};
+}
+
+// The texts of one kind, pack by pack: each ends in a zero character, and the next one is the next
+// track's.
+class TextRun {
+ public:
+    explicit TextRun(std::array<std::string, 100>& texts) : texts_(texts) {}
+
+    void add(const Pack& pack) {
+        const std::size_t width = pack.isWide ? 2 : 1;
+        const bool continues = isWhole_ && track_ == pack.track &&
+                               pack.position == std::min(text_.size() / width, longestPosition);
+        if (!continues) {
+            text_.clear();
+            track_ = pack.track;
+            isWhole_ = pack.position == 0;
+        }
+        for (std::size_t i = 0; i + width <= pack.text.size(); i += width) {
+            const std::string_view character = textOf(pack.text.subspan(i, width));
+            if (character.find_first_not_of('\0') == std::string_view::npos) {
+                end(pack.isWide);
+            } else {
+                text_ += character;
+            }
+        }
+    }
+
+ private:
+    // One tab says that the text is that of the track before.
+    void end(bool isWide) {
+        const std::string_view tab = isWide ? "\t\t" : "\t";
+        const CodePage page(isWide ? 932 : 1252);
+        const bool isKept = isWhole_ && track_ < texts_.size() && !text_.empty();
+        if (isKept && text_ == tab && track_ > 0) {
+            texts_[track_] = texts_[track_ - 1];
+        } else if (isKept) {
+            texts_[track_] = page.toUtf8(text_);
+        }
+        text_.clear();
+        ++track_;
+        isWhole_ = true;
+    }
+
+    std::array<std::string, 100>& texts_;
+    std::string text_;
+    std::size_t track_ = 0;
+    bool isWhole_ = false;  // its beginning was not lost
+};
+}  // namespace
+
+bool CdText::isEmpty() const {
+    const auto isNone = [](const std::string& text) { return text.empty(); };
+    return std::ranges::all_of(titles, isNone) && std::ranges::all_of(artists, isNone);
+}
+
+CdText parseCdText(Bytes answer) {
+    CdText texts;
+    TextRun titles(texts.titles);
+    TextRun artists(texts.artists);
+    ByteCursor cursor(answer);
+    const auto size = cursor.bigEndian(2);  // of what follows
+    if (!size || *size < 2 || !cursor.take(2)) return texts;
+    cursor = ByteCursor(cursor.rest().first(std::min<std::size_t>(cursor.left(), *size - 2)));
+    while (const auto bytes = cursor.take(packSize)) {
+        const auto pack = parsePack(*bytes);
+        if (!pack) continue;
+        if (pack->kind == titlePack) titles.add(*pack);
+        if (pack->kind == artistPack) artists.add(*pack);
+    }
+    return texts;
+}
+
+}  // namespace tavlo

@@ -1,0 +1,294 @@
+#include "cd/CDDB.h"
+
+#include <gtest/gtest.h>
+
+#include "cd/DiscJob.h"
+#include "support/MemorySink.h"
+#include "support/TagBytes.h"
+#include "support/TestProgress.h"
+#include "support/TestRegistry.h"
+
+namespace tavlo::test {
+namespace {
+
+constexpr unsigned audio = 0x10, data = 0x14;
+
+struct Start {
+    int frames;
+    unsigned control = audio;
+};
+
+std::string descriptor(int number, const Start& start) {
+    const int seconds = start.frames / framesPerSecond;
+    const int bytes[] = {0,
+                         static_cast<int>(start.control),
+                         number,
+                         0,
+                         0,
+                         seconds / secondsPerMinute,
+                         seconds % secondsPerMinute,
+                         start.frames % framesPerSecond};
+    return {std::begin(bytes), std::end(bytes)};
+}
+
+// An answer to READ TOC; the last start is the lead-out's.
+std::string tocAnswer(const std::vector<Start>& starts, int first = 1) {
+    const int count = static_cast<int>(starts.size()) - 1;
+    std::string all = {static_cast<char>(first), static_cast<char>(first + count - 1)};
+    for (int i = 0; i <= count; ++i) {
+        all += descriptor(i == count ? 0xAA : first + i, starts[static_cast<std::size_t>(i)]);
+    }
+    return bigEndian(all.size(), 2) + all;
+}
+
+std::string tocText(const std::string& answer) {
+    const auto toc = parseToc(bytesOfText(answer));
+    return toc ? toc->text() : "none";
+}
+
+TEST(DiscToc, TextHasEveryStartAndTheLeadOut) {
+    std::vector<Start> most;
+    std::string mostText;
+    for (int i = 0; i <= 99; ++i) {
+        most.push_back({150 + 1000 * i});
+        mostText += (i > 0 ? " " : "") + std::to_string(150 + 1000 * i);
+    }
+    std::vector<Start> tooMany = most;
+    tooMany.push_back({200000});
+    const std::string three = tocAnswer({{150}, {18432}, {36107}, {201850}});
+    std::string unpositioned = three;
+    for (const std::size_t at : {5U, 13U, 21U, 29U}) unpositioned[at] = '\0';
+    const std::pair<std::string, std::string> discs[] = {
+        {tocAnswer({{150}, {20000}}), "150 20000"},
+        {three, "150 18432 36107 201850"},
+        {tocAnswer(most), mostText},
+        {tocAnswer({{150, data}, {18432}, {201850}}), "150 18432 201850"},  // mixed
+        {tocAnswer({{150}, {18432}, {190000, data}, {201850, data}}), "150 18432 190000 201850"},
+        {tocAnswer({{150, data}, {201850}}), ""},  // data only
+        {tocAnswer({{150}, {18432}, {300000}}, 5), "150 18432 300000"},
+        {tocAnswer(tooMany), "none"},
+        {tocAnswer({{150}}), "none"},  // blank: the last track is below the first
+        {three + std::string(500, '\xFF'), "150 18432 36107 201850"},
+        {bigEndian(802, 2) + three.substr(2), "150 18432 36107 201850"},  // says more than there is
+        {three.substr(0, three.size() - 1), "none"},
+        {bigEndian(30, 2) + three.substr(2), "none"},  // says less than there is
+        {unpositioned, ""},
+        {"", "none"},
+    };
+    for (const auto& [answer, text] : discs) EXPECT_EQ(tocText(answer), text);
+}
+
+// Discs whose numbers were published.
+TEST(DiscToc, DiscIdIsThatOfTheServers) {
+    const std::vector<Start> ten = {{150},    {18901},  {39738},  {59557},  {79152}, {100126},
+                                    {124833}, {147278}, {166336}, {182560}, {206535}};
+    EXPECT_EQ(parseToc(bytesOfText(tocAnswer(ten)))->discId(), "830abf0a");
+    const std::vector<Start> many = {{150},    {9700},   {25887},  {39297},  {53795},  {63735},
+                                     {77517},  {94877},  {107270}, {123552}, {135522}, {148422},
+                                     {161197}, {174790}, {192022}, {205545}, {218010}, {228700},
+                                     {239590}, {255470}, {266932}, {288750}, {303602}};
+    EXPECT_EQ(parseToc(bytesOfText(tocAnswer(many)))->discId(), "370fce16");
+}
+
+std::uint16_t checksumOf(std::string_view pack) {
+    unsigned sum = 0;
+    for (const char c : pack) {
+        for (int bit = 7; bit >= 0; --bit) {
+            const unsigned in = static_cast<unsigned char>(c) >> static_cast<unsigned>(bit) & 1U;
+            const bool carries = ((sum >> 15U) ^ in) != 0;
+            sum = (sum << 1U ^ (carries ? 0x1021U : 0U)) & 0xFFFFU;
+        }
+    }
+    return static_cast<std::uint16_t>(sum ^ 0xFFFFU);
+}
+
+// The packs of one kind for texts from the album on, each ended by a zero character.
+std::vector<std::string> textPacks(unsigned kind, const std::vector<std::string>& texts,
+                                   std::size_t width = 1, unsigned block = 0) {
+    std::vector<std::string> packs;
+    std::size_t begin = 0;  // of the text that is written
+    std::string all;
+    std::vector<std::pair<std::size_t, std::size_t>> places;  // track, position of each byte
+    for (std::size_t track = 0; track < texts.size(); ++track) {
+        begin = all.size();
+        all += texts[track] + std::string(width, '\0');
+        for (std::size_t i = begin; i < all.size(); ++i) places.emplace_back(track, i - begin);
+    }
+    all.resize((all.size() + 11) / 12 * 12, '\0');
+    for (std::size_t at = 0; at < all.size(); at += 12) {
+        const auto [track, position] = places[at];
+        const std::size_t place =
+            std::min<std::size_t>(position / width, 15) | block << 4U | (width == 2 ? 0x80U : 0U);
+        std::string pack = {static_cast<char>(kind), static_cast<char>(track),
+                            static_cast<char>(packs.size()), static_cast<char>(place)};
+        pack += all.substr(at, 12);
+        packs.push_back(pack + bigEndian(checksumOf(pack), 2));
+    }
+    return packs;
+}
+
+std::string textAnswer(const std::vector<std::vector<std::string>>& kinds) {
+    std::string all(2, '\0');
+    for (const auto& packs : kinds) {
+        for (const std::string& pack : packs) all += pack;
+    }
+    return bigEndian(all.size(), 2) + all;
+}
+
+TEST(CdText, TextsRunOverPacks) {
+    const std::vector<std::string> titles = {"An album of songs", "A", "\t", "",
+                                             "A title that is longer than two packs \xE9"};
+    const std::string answer =
+        textAnswer({textPacks(0x80, titles), textPacks(0x81, {"Somebody", "Else", "\t"}),
+                    textPacks(0x82, {"a writer"}), textPacks(0x80, {"Other language"}, 1, 1)});
+    const CdText text = parseCdText(bytesOfText(answer));
+    EXPECT_EQ(text.titles[0], "An album of songs");
+    EXPECT_EQ(text.titles[2], "A");  // as before
+    EXPECT_EQ(text.titles[3], "");
+    EXPECT_EQ(text.titles[4], "A title that is longer than two packs é");
+    EXPECT_EQ(text.artists[1] + text.artists[2], "ElseElse");
+    const std::string wide = textAnswer({textPacks(0x80, {"\x83\x65\x83\x58", "\t\t"}, 2)});
+    EXPECT_EQ(parseCdText(bytesOfText(wide)).titles[1], "テス");
+    for (std::size_t size = 0; size < answer.size(); size += 7) {
+        parseCdText(bytesOfText(answer).first(size));
+    }
+}
+
+TEST(CdText, BrokenPackTakesOnlyItsOwnTexts) {
+    auto packs = textPacks(0x80, {"album", "one and a long one", "two", "three", "four"});
+    ASSERT_EQ(packs.size(), 4U);
+    packs[1][10] ^= 1;  // inside "one and a long one"
+    const CdText text = parseCdText(bytesOfText(textAnswer({packs})));
+    EXPECT_EQ(text.titles[0], "album");
+    EXPECT_EQ(text.titles[1], "");
+    EXPECT_EQ(text.titles[3], "three");
+    EXPECT_EQ(text.titles[4], "four");
+}
+
+// Answers as a drive gave them.
+struct Recording {
+    CdAnswer opened = CdAnswer::Done, toc = CdAnswer::Done, text = CdAnswer::Failed;
+    std::string tocBytes, textBytes;
+    std::vector<std::string> log;
+};
+
+class Recorded final : public CdTransport {
+ public:
+    explicit Recorded(Recording& recording) : recording_(recording) {}
+    CdAnswer open(const std::string& drive) override {
+        recording_.log.push_back("open " + drive);
+        return recording_.opened;
+    }
+    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> bytes,
+                  std::size_t& received) override {
+        const bool isToc = command[2] == 0;
+        EXPECT_EQ(command, (isToc ? CdCommand{0x43, 2, 0, 0, 0, 0, 0, 3, 0x24, 0}
+                                  : CdCommand{0x43, 2, 5, 0, 0, 0, 0, 0x12, 4, 0}));
+        EXPECT_EQ(bytes.size(), isToc ? 804U : 4612U);
+        const std::string& answer = isToc ? recording_.tocBytes : recording_.textBytes;
+        received = std::min(answer.size(), bytes.size());
+        std::copy_n(answer.begin(), received, bytes.begin());
+        return isToc ? recording_.toc : recording_.text;
+    }
+    void close() override { recording_.log.emplace_back("close"); }
+
+ private:
+    Recording& recording_;
+};
+
+class RecordedTracks final : public CdTracks {
+ public:
+    CdAnswer open(const std::string&) override { return CdAnswer::Done; }
+    int count() override { return 2; }
+    std::optional<CdTrackInfo> track(int number) override {
+        if (number == 1) return CdTrackInfo{0, 2, 0, 17999, true};
+        return CdTrackInfo{4, 2, 0, 999, true};
+    }
+    void close() override {}
+};
+
+TEST(Cddb, FirstReaderThatSucceedsAnswers) {
+    Recording good;
+    good.tocBytes = tocAnswer({{150}, {18150}, {20000}});
+    good.text = CdAnswer::Done;
+    good.textBytes = textAnswer({textPacks(0x80, {"Album"})});
+    Recording bad;
+    bad.toc = CdAnswer::Failed;
+    Recording empty;
+    empty.toc = CdAnswer::NoDisc;
+    Recording dataOnly;
+    dataOnly.tocBytes = tocAnswer({{150, data}, {18150}});
+    Recording absent;
+    absent.opened = CdAnswer::NotAvailable;
+    CDDB_MCI mci(std::make_unique<RecordedTracks>());
+    const auto read = [&](Recording& first, Recording& second, bool withMci) {
+        CDDB_SPTI spti(std::make_unique<Recorded>(first));
+        CDDB_ASPI aspi(std::make_unique<Recorded>(second));
+        std::vector<DiscReader*> readers{&spti, &aspi};
+        if (withMci) readers.push_back(&mci);
+        return readDiscBy(" d:\\", readers);
+    };
+    const DiscContents first = read(good, bad, true);
+    EXPECT_EQ(first.toc.text(), "150 18150 20000");
+    EXPECT_EQ(first.text.titles[0], "Album");
+    EXPECT_EQ(good.log, (std::vector<std::string>{"open d:", "close"}));
+    EXPECT_TRUE(bad.log.empty());
+    EXPECT_EQ(read(bad, good, false).toc.text(), "150 18150 20000");
+    // One frame behind the last track's position and length.
+    const DiscContents last = read(bad, absent, true);
+    EXPECT_EQ(last.toc.text(), "150 18150 19150");
+    EXPECT_TRUE(last.text.isEmpty());
+    EXPECT_EQ(last.toc.tracks[0].length, 18000);
+    EXPECT_EQ(read(absent, bad, false).answer, CdAnswer::Failed);
+    EXPECT_EQ(read(bad, empty, false).answer, CdAnswer::NoDisc);
+    EXPECT_EQ(read(dataOnly, absent, false).answer, CdAnswer::Done);
+    EXPECT_EQ(read(dataOnly, absent, false).toc.text(), "");
+    for (const Recording* one : {&bad, &empty, &dataOnly}) EXPECT_EQ(one->log.back(), "close");
+}
+
+TEST(Cddb, DiscIsPrinted) {
+    TestRegistry registry;
+    RegistryEx store(registry.registry());
+    JobOptions options;
+    Settings settings(store);
+    const Texts texts;
+    MemorySink output;
+    MemorySink messages;
+    ErrorReport errors(texts, messages);
+    TestProgress progress;
+    Services services{options, settings, texts, errors, output, progress, progress.cancel, 1252};
+    DiscContents disc;
+    disc.toc = *parseToc(bytesOfText(tocAnswer({{150}, {18432, data}, {20000}})));
+    disc.text.titles[0] = "Album";
+    disc.text.artists[0] = "Band";
+    disc.text.titles[1] = "One\n";
+    disc.answer = CdAnswer::Done;
+    EXPECT_EQ(printDisc(services, "D:", disc), 0);
+    EXPECT_EQ(output.text,
+              "150 18432 20000\nCDDB disc id: 09010802\nBand - Album\n"
+              "01  00:02.00  04:03.57  audio  One \n02  04:05.57  00:20.68  data\n");
+    options.json = true;
+    output.text.clear();
+    printDisc(services, "D:", disc);
+    EXPECT_TRUE(output.text.starts_with(
+        R"({"Drive":"D:","Toc":"150 18432 20000","DiscId":"09010802","Artist":"Band","Title":"Album",)"
+        R"("Tracks":[{"Number":1,"Start":"00:02.00","Length":"04:03.57","IsAudio":true,"Artist":"",)"
+        R"("Title":"One\n"},)"))
+        << output.text;
+    disc.toc = {};
+    const std::pair<CdAnswer, std::string_view> failures[] = {
+        {CdAnswer::Done, "no audio"},
+        {CdAnswer::NoDisc, "no disc"},
+        {CdAnswer::NotAvailable, "no CD drive"},
+        {CdAnswer::NoRights, "No right"},
+        {CdAnswer::Failed, "cannot be read"}};
+    for (const auto& [answer, words] : failures) {
+        messages.text.clear();
+        disc.answer = answer;
+        EXPECT_EQ(printDisc(services, "D:", disc), 1);
+        EXPECT_NE(messages.text.find(words), std::string::npos) << messages.text;
+    }
+}
+
+}  // namespace
+}  // namespace tavlo::test
