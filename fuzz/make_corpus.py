@@ -143,6 +143,25 @@ GAP = 80 * 64
 LARGE = id3v2(3, [frame(3, b"APIC", PICTURE + bytes(GAP)), frame(3, b"TIT2", b"\0behind it")])
 LARGE = bytes([5, 80]) + LARGE[:80] + LARGE[80 + GAP:] + FRAME * 3
 
+def packs(kind, *places):
+    """CD-TEXT; each place is (track, position, 12 bytes)."""
+    out = b""
+    for number, (track, position, text) in enumerate(places):
+        pack = bytes([kind, track, number, position]) + text
+        rest = 0
+        for byte in pack:
+            rest ^= byte << 8
+            for _ in range(8):
+                rest = (rest << 1 ^ (0x1021 if rest & 0x8000 else 0)) & 0xFFFF
+        out += pack + (rest ^ 0xFFFF).to_bytes(2, "big")
+    return out
+
+
+TOC = bytes([0, 26, 1, 2]) + bytes([0, 0x10, 1, 0, 0, 0, 2, 0, 0, 0x14, 2, 0, 0, 4, 5, 6,
+                                    0, 0x10, 0xAA, 0, 0, 40, 1, 74])
+CD_TEXT = packs(0x80, (0, 0, b"Album\0One\0\t\0"), (3, 0, b"A long title")) + packs(
+    0x81, (0, 0, b"Band\0\0\0\0\0\0\0\0"), (1, 0x80, b"\x83\x65\0\0\t\t\0\0\0\0\0\0"))
+
 SEEDS = {
     "id3v1": [V1, id3v1(b"\xc8\xec\xff", 0), b"x" * 40 + V1 + b"behind it", V1[:127]],
     "id3v2": [TAG2, TAG3, TAG4, FLAGGED, FLAGGED4, UNSYNC, EXTENDED],
@@ -161,6 +180,7 @@ SEEDS = {
     "playlist": [b"#EXTM3U\r\n#EXTINF:10,a\r\n..\\a\\b.mp3\r\n\r\n./c.mp3 \n/d//e.mp3\n",
                  b"C:\\a/b.mp3\n\\\\server\\share\\c.mp3\n\\d.mp3\n\xcf\xee.mp3",
                  b"\xef\xbb\xbf" + "Ночь.mp3".encode(), b"#a\na.mp3\r \nb.mp3 \t\r\n#\xd0\x96"],
+    "disc": [b"\0" + TOC, b"\1" + (len(CD_TEXT) + 2).to_bytes(2, "big") + b"\0\0" + CD_TEXT],
     "commandline": [b'/scan "C:\\My Music" /s /json', b"-rename --template \"%A - %T\" /to /mnt/p",
                     b"/e mp3 vbr2 /f5 /norm_level 90 *.wav", b'/a "" /t\t"x y" /zxx 1 2 /lng'],
     "settings": [b"Name\0text \"\\\n\0[HKEY_CURRENT_USER\\Software\\Tavlo]\n\"name\"=-1\n"

@@ -265,13 +265,13 @@ TEST(Cddb, DiscIsPrinted) {
     disc.answer = CdAnswer::Done;
     EXPECT_EQ(printDisc(services, "D:", disc), 0);
     EXPECT_EQ(output.text,
-              "150 18432 20000\nCDDB disc id: 09010802\nBand - Album\n"
+              "150 18432 20000\nCDDB disc id: 0d010802\nBand - Album\n"
               "01  00:02.00  04:03.57  audio  One \n02  04:05.57  00:20.68  data\n");
     options.json = true;
     output.text.clear();
     printDisc(services, "D:", disc);
     EXPECT_TRUE(output.text.starts_with(
-        R"({"Drive":"D:","Toc":"150 18432 20000","DiscId":"09010802","Artist":"Band","Title":"Album",)"
+        R"({"Drive":"D:","Toc":"150 18432 20000","DiscId":"0d010802","Artist":"Band","Title":"Album",)"
         R"("Tracks":[{"Number":1,"Start":"00:02.00","Length":"04:03.57","IsAudio":true,"Artist":"",)"
         R"("Title":"One\n"},)"))
         << output.text;
