@@ -1,9 +1,13 @@
+// The first one has to come first.
+// clang-format off
+#include <windows.h>
 #include <mmsystem.h>
 #include <ntddscsi.h>
-#include <windows.h>
 #include <winioctl.h>
+// clang-format on
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <vector>
 
@@ -13,7 +17,7 @@
 namespace tavlo {
 
 namespace {
-constexpr std::size_t senseSize = 14;
+constexpr std::size_t senseBytes = 14;
 constexpr DWORD timeOut = 5;  // seconds
 
 // Sense key 2 with code 3A: there is no medium.
@@ -92,7 +96,7 @@ class PassThrough final : public CdTransport {
         SCSI_PASS_THROUGH_DIRECT& block = request.block;
         block.Length = sizeof block;
         block.CdbLength = static_cast<UCHAR>(command.size());
-        block.SenseInfoLength = senseSize;
+        block.SenseInfoLength = senseBytes;
         block.DataIn = SCSI_IOCTL_DATA_IN;
         block.DataTransferLength = static_cast<ULONG>(data.size());
         block.TimeOutValue = timeOut;
@@ -139,7 +143,7 @@ struct AspiExecute {
     HANDLE posted;
     BYTE reserved2[20];
     BYTE command[16];
-    BYTE sense[senseSize + 2];
+    BYTE sense[senseBytes + 2];
 };
 #pragma pack(pop)
 
@@ -168,7 +172,7 @@ class Aspi final : public CdTransport {
         request->unit = unit_;
         request->bufferSize = static_cast<DWORD>(buffer->size());
         request->buffer = buffer->data();
-        request->senseSize = senseSize;
+        request->senseSize = senseBytes;
         request->commandSize = static_cast<BYTE>(command.size());
         request->posted = posted;
         std::memcpy(request->command, command.data(), command.size());
