@@ -24,12 +24,12 @@ struct Pack {
 
 // x^16 + x^12 + x^5 + 1, written inverted.
 std::uint16_t checksum(Bytes bytes) {
-    std::uint16_t sum = 0;
-    for (const std::uint8_t byte : bytes) {
-        sum = static_cast<std::uint16_t>(sum ^ byte << 8U);
+    std::uint32_t sum = 0;
+    for (const std::uint32_t byte : bytes) {
+        sum ^= byte << 8U;
         for (int bit = 0; bit < 8; ++bit) {
             const bool carries = (sum & 0x8000U) != 0;
-            sum = static_cast<std::uint16_t>(sum << 1U ^ (carries ? 0x1021U : 0U));
+            sum = (sum << 1U ^ (carries ? 0x1021U : 0U)) & 0xFFFFU;
         }
     }
     return static_cast<std::uint16_t>(~sum);

@@ -36,7 +36,8 @@ int digitSum(int number) {
 }  // namespace
 
 CdCommand readTocCommand(TocFormat format, std::size_t allocation) {
-    constexpr std::uint8_t readToc = 0x43, asMsf = 0x02;
+    constexpr std::uint8_t readToc = 0x43;
+    constexpr std::uint8_t asMsf = 0x02;
     CdCommand command{readToc, asMsf, static_cast<std::uint8_t>(format)};
     command[7] = static_cast<std::uint8_t>(allocation >> 8U);
     command[8] = static_cast<std::uint8_t>(allocation & 0xFFU);
