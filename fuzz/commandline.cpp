@@ -1,7 +1,7 @@
+#include "core/ByteCursor.h"
 #include "core/CommandString.h"
 #include "core/Options.h"
 #include "fuzz/Promise.h"
-#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

@@ -3,10 +3,10 @@
 
 #include "collection/ListJson.h"
 #include "collection/ListTable.h"
+#include "core/ByteCursor.h"
 #include "fuzz/Promise.h"
 #include "platform/CodePage.h"
 #include "platform/Utf8.h"
-#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

@@ -1,8 +1,8 @@
+#include "core/ByteCursor.h"
 #include "core/TextCase.h"
 #include "core/WildcardMask.h"
 #include "fuzz/Promise.h"
 #include "platform/Utf8.h"
-#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

@@ -1,6 +1,6 @@
+#include "core/ByteCursor.h"
 #include "fuzz/Reading.h"
 #include "tags/AudioFile.h"
-#include "core/ByteCursor.h"
 #include "tags/MPEGHeader.h"
 
 using namespace tavlo;

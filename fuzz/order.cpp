@@ -1,6 +1,6 @@
+#include "core/ByteCursor.h"
 #include "core/TextCase.h"
 #include "fuzz/Promise.h"
-#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

@@ -1,8 +1,8 @@
 #include "collection/Playlist.h"
 
+#include "core/ByteCursor.h"
 #include "fuzz/Promise.h"
 #include "platform/Utf8.h"
-#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

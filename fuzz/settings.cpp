@@ -1,8 +1,8 @@
 #include <algorithm>
 
+#include "core/ByteCursor.h"
 #include "fuzz/Promise.h"
 #include "platform/RegistryText.h"
-#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

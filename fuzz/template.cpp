@@ -1,9 +1,9 @@
 #include "collection/NameTemplate.h"
 #include "collection/ReverseTemplate.h"
+#include "core/ByteCursor.h"
 #include "core/FileNameText.h"
 #include "fuzz/Promise.h"
 #include "platform/Utf8.h"
-#include "core/ByteCursor.h"
 
 using namespace tavlo;
 

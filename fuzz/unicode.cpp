@@ -1,11 +1,11 @@
 #include <algorithm>
 
+#include "core/ByteCursor.h"
 #include "core/TextCase.h"
 #include "fuzz/Promise.h"
 #include "platform/CodePage.h"
 #include "platform/Utf16.h"
 #include "platform/Utf8.h"
-#include "core/ByteCursor.h"
 #include "tags/TagText.h"
 
 using namespace tavlo;

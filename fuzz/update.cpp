@@ -1,7 +1,7 @@
+#include "core/ByteCursor.h"
 #include "fuzz/Promise.h"
 #include "support/MemoryFile.h"
 #include "support/RecordTexts.h"
-#include "core/ByteCursor.h"
 #include "tags/UpdateTags.h"
 
 using namespace tavlo;

@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "collection/JobFiles.h"
-#include "core/JsonLine.h"
 #include "collection/ReverseTemplate.h"
 #include "collection/TagColumns.h"
+#include "core/JsonLine.h"
 #include "platform/PlainText.h"
 #include "tags/AudioFile.h"
 #include "tags/UpdateTags.h"

@@ -4,10 +4,10 @@
 #include <set>
 
 #include "collection/JobFiles.h"
-#include "core/JsonLine.h"
 #include "collection/Playlist.h"
 #include "collection/RenamePlan.h"
 #include "collection/cFilesCollection.h"
+#include "core/JsonLine.h"
 #include "core/TextCase.h"
 #include "platform/File.h"
 #include "platform/FileSystem.h"

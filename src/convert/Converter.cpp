@@ -32,12 +32,6 @@ class NoProgress final : public Progress {
     void pumpMessages() override {}
 };
 
-std::string nameOrFailure(ConversionResult result, const Conversion& row) {
-    const bool hasNone =
-        result == ConversionResult::Failed || result == ConversionResult::Cancelled;
-    return hasNone ? "#" : std::string(fileNameOf(row.target, nativePathStyle()));
-}
-
 // Whether the source is what it was when the plan was made.
 bool isUnchanged(const Conversion& row) {
     const auto info = fileInfo(row.source);
@@ -54,9 +48,9 @@ ConversionResult Converter::convert(Conversion& row) {
     }
     switch (row.step) {
         case ConversionStep::Encode:
-            return encodeWave(row);
+            return EncodeWavFile(row);
         case ConversionStep::ReEncode:
-            return reEncode(row);
+            return ReEncodeFile(row);
         case ConversionStep::Decode:
             return decode(row);
         case ConversionStep::Copy:
@@ -72,21 +66,13 @@ ConversionResult Converter::convert(Conversion& row) {
     return ConversionResult::Failed;
 }
 
-std::string Converter::EncodeWavFile(Conversion& row) {
-    return nameOrFailure(encodeWave(row), row);
-}
-
-std::string Converter::ReEncodeFile(Conversion& row) {
-    return nameOrFailure(reEncode(row), row);
-}
-
 bool Converter::prepareFolder(const Conversion& row) {
     if (createFolders(row.folder)) return true;
     context_.error(Text::FolderNotCreated, row.folder);
     return false;
 }
 
-ConversionResult Converter::encodeWave(Conversion& row) {
+ConversionResult Converter::EncodeWavFile(Conversion& row) {
     if (!prepareFolder(row)) return ConversionResult::Failed;
     const PassingFile result(encoder_.workPath(row));
     const bool isAvailable = encoder_.isAvailable(row);
@@ -106,7 +92,7 @@ bool Converter::isStopped(bool isFinished) const {
     return context_.control.endsNow || (context_.isCancelled() && !isFinished);
 }
 
-ConversionResult Converter::reEncode(Conversion& row) {
+ConversionResult Converter::ReEncodeFile(Conversion& row) {
     if (!prepareFolder(row)) return ConversionResult::Failed;
     if (!encoder_.isAvailable(row)) return failReEncode(row);
     const PassingFile wav(context_.work.newPath(".wav"));

@@ -28,13 +28,9 @@ class Converter {
     /// What the row's step asks for. The row's target then is where the result lies.
     ConversionResult convert(Conversion& row);
 
-    /// Both give the result's name, or "#" where there is none.
-    std::string EncodeWavFile(Conversion& row);
-    std::string ReEncodeFile(Conversion& row);
-
  private:
-    ConversionResult encodeWave(Conversion& row);
-    ConversionResult reEncode(Conversion& row);
+    ConversionResult EncodeWavFile(Conversion& row);
+    ConversionResult ReEncodeFile(Conversion& row);
     ConversionResult decode(Conversion& row);
     ConversionResult keepSource(Conversion& row, Text copied, Text skipped);
     ConversionResult failReEncode(Conversion& row);

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "tags/APEv2Items.h"
 #include "core/ByteCursor.h"
+#include "tags/APEv2Items.h"
 #include "tags/Lyrics3.h"
 #include "tags/Picture.h"
 #include "tags/TagText.h"

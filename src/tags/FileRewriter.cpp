@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <optional>
 
+#include "core/ByteCursor.h"
 #include "platform/FileSystem.h"
 #include "platform/TemporaryFile.h"
-#include "core/ByteCursor.h"
 #include "tags/ID3v2.h"
 
 namespace tavlo {

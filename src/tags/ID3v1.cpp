@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/Utf8.h"
 #include "core/ByteCursor.h"
+#include "platform/Utf8.h"
 #include "tags/TagText.h"
 
 namespace tavlo {

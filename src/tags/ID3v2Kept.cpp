@@ -4,8 +4,8 @@
 #include <array>
 #include <optional>
 
-#include "platform/Utf8.h"
 #include "core/ByteCursor.h"
+#include "platform/Utf8.h"
 #include "tags/ByteWriting.h"
 #include "tags/ID3v2Frame.h"
 #include "tags/Picture.h"

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "platform/Utf8.h"
 #include "core/ByteCursor.h"
+#include "platform/Utf8.h"
 #include "tags/StreamReaders.h"
 
 namespace tavlo {

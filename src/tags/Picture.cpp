@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "core/TextCase.h"
 #include "core/ByteCursor.h"
+#include "core/TextCase.h"
 #include "tags/TagText.h"
 
 namespace tavlo {

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "core/ByteCursor.h"
 #include "platform/CodePage.h"
 #include "platform/PlainText.h"
-#include "core/ByteCursor.h"
 
 namespace tavlo {
 

@@ -4,10 +4,10 @@
 #include <chrono>
 #include <thread>
 
+#include "core/ByteCursor.h"
 #include "platform/FileSystem.h"
 #include "tags/APEv2.h"
 #include "tags/AudioFile.h"
-#include "core/ByteCursor.h"
 #include "tags/FieldEdits.h"
 #include "tags/FileRewriter.h"
 #include "tags/ID3v1.h"
