@@ -14,6 +14,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!toc) return 0;
         promise(!toc->tracks.empty() && toc->tracks.size() <= 99);
         promise(toc->text().empty() == toc->discId().empty());
+        for (const DiscTrack& track : toc->tracks) {
+            promise(track.number >= 1 && track.number <= 99 && track.length > 0);
+        }
     } else {
         const CdText text = parseCdText(answer);
         for (const std::string& title : text.titles) promise(title.size() <= 3 * size);

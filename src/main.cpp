@@ -13,16 +13,21 @@
 #include "core/ConsoleSink.h"
 #include "core/StartUp.h"
 #include "platform/Console.h"
+#include "platform/FileSystem.h"
 #include "platform/Registry.h"
 
 namespace {
 
 using namespace tavlo;
 
-// A drive for CDs has tracks instead of files. The width of a list's lines that go to no terminal
-// does not matter.
+// A disc has tracks, one without music perhaps files. The width of a list's lines that go to no
+// terminal does not matter.
 int printList(Services& services) {
-    if (const auto drive = wantedDrive(services.options)) return listDisc(services, *drive);
+    if (const auto drive = wantedDrive(services.options)) {
+        const DiscContents disc = ReadDisc(*drive);
+        const bool hasFiles = disc.toc.text().empty() && folderExists(*drive);
+        if (!hasFiles) return printDisc(services, *drive, disc);
+    }
     const bool terminal = isTerminal(Stream::Output);
     const ListForm form = services.options.json ? ListForm::JsonLines
                           : terminal            ? ListForm::Table

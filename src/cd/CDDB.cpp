@@ -8,11 +8,12 @@
 namespace tavlo {
 
 namespace {
-// "  d:\" is "d:"; a device's path stays.
+// "D:\\" and "D: (a drive)" are "D:"; a device's path stays.
 std::string driveName(std::string_view drive) {
     drive = trimBlanks(drive);
-    const bool isLetter = drive.size() == 1 || drive.substr(1) == ":" || drive.substr(1) == ":\\";
-    return isLetter && !drive.empty() ? std::string(drive.substr(0, 1)) + ":" : std::string(drive);
+    const char first = drive.empty() ? '\0' : lowerAscii(drive.front());
+    const bool isLetter = first >= 'a' && first <= 'z' && (drive.size() == 1 || drive[1] == ':');
+    return isLetter ? std::string(drive.substr(0, 1)) + ":" : std::string(drive);
 }
 
 // Of what several readers met, what a person can do something about counts most.
@@ -23,11 +24,11 @@ int weight(CdAnswer answer) {
 }
 }  // namespace
 
+// How much came, the answer says itself; drivers are often wrong about it.
 CdAnswer ScsiReader::read(TocFormat format, std::size_t allocation, std::string& answer) {
     std::vector<std::uint8_t> data(allocation);
-    std::size_t received = allocation;
-    const CdAnswer result = transport_->send(readTocCommand(format, allocation), data, received);
-    answer = textOf(Bytes(data).first(std::min(received, allocation)));
+    const CdAnswer result = transport_->send(readTocCommand(format, allocation), data);
+    answer = textOf(Bytes(data));
     return result;
 }
 
@@ -38,10 +39,15 @@ bool ScsiReader::InitMediaTOC(const std::string& drive) {
     answer_ = transport_->open(drive);
     if (answer_ == CdAnswer::Done) answer_ = read(TocFormat::Toc, tocSize, answer);
     if (answer_ == CdAnswer::Done) {
-        toc_ = parseToc(bytesOfText(answer)).value_or(DiscToc());
+        const auto toc = parseToc(bytesOfText(answer));
+        if (toc) toc_ = *toc;
+        if (!toc) answer_ = CdAnswer::Failed;
         const bool hasText =
             !GetTOC().empty() && read(TocFormat::CdText, cdTextSize, answer) == CdAnswer::Done;
-        if (hasText) text_ = parseCdText(bytesOfText(answer));
+        if (hasText) {
+            const auto first = static_cast<std::size_t>(toc_.tracks.front().number);
+            text_ = parseCdText(bytesOfText(answer), first);
+        }
     }
     transport_->close();
     return !GetTOC().empty();
@@ -52,6 +58,7 @@ bool CDDB_MCI::InitMediaTOC(const std::string& drive) {
     toc_ = {};
     answer_ = tracks_->open(drive);
     const int count = answer_ == CdAnswer::Done ? tracks_->count() : 0;
+    if (answer_ == CdAnswer::Done && (count < 1 || count > mostTracks)) answer_ = CdAnswer::Failed;
     for (int number = 1; number <= count && count <= mostTracks; ++number) {
         const auto track = tracks_->track(number);
         if (!track) {
@@ -66,6 +73,7 @@ bool CDDB_MCI::InitMediaTOC(const std::string& drive) {
         toc_.leadOut = start + track->length + 1;
     }
     tracks_->close();
+    toc_.takeGapOff();
     return !GetTOC().empty();
 }
 
@@ -77,7 +85,8 @@ DiscContents readDiscBy(std::string_view drive, std::span<DiscReader* const> rea
         if (isRead || weight(reader->answer()) > weight(contents.answer)) {
             contents = {reader->toc(), reader->GetTEXT(), reader->answer()};
         }
-        if (isRead) break;
+        // A disc that was read and has no audio tracks has none for the others either.
+        if (isRead || reader->answer() == CdAnswer::Done) break;
     }
     return contents;
 }

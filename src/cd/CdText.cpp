@@ -6,6 +6,7 @@
 
 #include "core/ByteCursor.h"
 #include "platform/CodePage.h"
+#include "platform/Utf8.h"
 
 namespace tavlo {
 
@@ -17,6 +18,7 @@ constexpr std::size_t longestPosition = 15;  // it counts no further
 struct Pack {
     std::uint8_t kind = 0;
     std::size_t track = 0;     // that its first text is of
+    std::uint8_t number = 0;   // of the pack
     std::size_t position = 0;  // characters of that text in the packs before
     bool isWide = false;       // two bytes a character
     Bytes text;
@@ -39,9 +41,13 @@ std::uint16_t checksum(Bytes bytes) {
 std::optional<Pack> parsePack(Bytes bytes) {
     const auto sum = static_cast<std::uint16_t>(bytes[checkedSize] << 8U | bytes[checkedSize + 1]);
     const unsigned place = bytes[3];
-    const bool isFirstBlock = (place & 0x70U) == 0;
-    if (!isFirstBlock || checksum(bytes.first(checkedSize)) != sum) return std::nullopt;
-    return Pack{bytes[0], bytes[1] & 0x7FU, place & 0x0FU, (place & 0x80U) != 0,
+    const bool isOurs = (place & 0x70U) == 0 && (bytes[1] & 0x80U) == 0;
+    if (!isOurs || checksum(bytes.first(checkedSize)) != sum) return std::nullopt;
+    return Pack{bytes[0],
+                bytes[1],
+                bytes[2],
+                place & 0x0FU,
+                (place & 0x80U) != 0,
                 bytes.subspan(4, textSize)};
 }
 
@@ -49,12 +55,15 @@ std::optional<Pack> parsePack(Bytes bytes) {
 // track's.
 class TextRun {
  public:
-    explicit TextRun(std::array<std::string, 100>& texts) : texts_(texts) {}
+    TextRun(std::array<std::string, 100>& texts, std::size_t firstTrack)
+        : texts_(texts), firstTrack_(firstTrack) {}
 
     void add(const Pack& pack) {
         const std::size_t width = pack.isWide ? 2 : 1;
-        const bool continues = isWhole_ && track_ == pack.track &&
+        const auto expected = static_cast<std::uint8_t>(number_ + 1U);
+        const bool continues = isWhole_ && track_ == pack.track && pack.number == expected &&
                                pack.position == std::min(text_.size() / width, longestPosition);
+        number_ = pack.number;
         if (!continues) {
             text_.clear();
             track_ = pack.track;
@@ -74,21 +83,32 @@ class TextRun {
     // One tab says that the text is that of the track before.
     void end(bool isWide) {
         const std::string_view tab = isWide ? "\t\t" : "\t";
-        const CodePage page(isWide ? 932 : 1252);
         const bool isKept = isWhole_ && track_ < texts_.size() && !text_.empty();
-        if (isKept && text_ == tab && track_ > 0) {
-            texts_[track_] = texts_[track_ - 1];
+        if (isKept && text_ == tab) {
+            if (track_ > firstTrack_) texts_[track_] = texts_[track_ - 1];
         } else if (isKept) {
-            texts_[track_] = page.toUtf8(text_);
+            texts_[track_] = isWide ? CodePage(932).toUtf8(text_) : fromLatin1(text_);
         }
         text_.clear();
-        ++track_;
+        track_ = track_ == 0 ? firstTrack_ : track_ + 1;
         isWhole_ = true;
     }
 
+    // ISO 8859-1, which has no characters between 80 and 9F.
+    static std::string fromLatin1(std::string_view text) {
+        std::string utf8;
+        for (const char c : text) {
+            const auto byte = static_cast<unsigned char>(c);
+            if (byte < 0x80 || byte >= 0xA0) appendUtf8(utf8, byte);
+        }
+        return utf8;
+    }
+
     std::array<std::string, 100>& texts_;
+    const std::size_t firstTrack_;
     std::string text_;
     std::size_t track_ = 0;
+    std::uint8_t number_ = 0;
     bool isWhole_ = false;  // its beginning was not lost
 };
 }  // namespace
@@ -98,10 +118,10 @@ bool CdText::isEmpty() const {
     return std::ranges::all_of(titles, isNone) && std::ranges::all_of(artists, isNone);
 }
 
-CdText parseCdText(Bytes answer) {
+CdText parseCdText(Bytes answer, std::size_t firstTrack) {
     CdText texts;
-    TextRun titles(texts.titles);
-    TextRun artists(texts.artists);
+    TextRun titles(texts.titles, firstTrack);
+    TextRun artists(texts.artists, firstTrack);
     ByteCursor cursor(answer);
     const auto size = cursor.bigEndian(2);  // of what follows
     if (!size || *size < 2 || !cursor.take(2)) return texts;

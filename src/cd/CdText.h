@@ -17,6 +17,7 @@ struct CdText {
 /// Takes the answer to READ TOC, format 5, apart (SCSI MMC-3, annex J; IEC 61866): packs with a
 /// wrong checksum are dropped, and the texts that run through them; only the first language is
 /// read.
-CdText parseCdText(Bytes answer);
+/// `firstTrack` is the number of the disc's first one.
+CdText parseCdText(Bytes answer, std::size_t firstTrack = 1);
 
 }  // namespace tavlo

@@ -91,10 +91,6 @@ std::optional<std::string> wantedDrive(const JobOptions& options) {
     return options.folder;
 }
 
-int listDisc(Services& services, const std::string& drive) {
-    return printDisc(services, drive, ReadDisc(drive));
-}
-
 int printDisc(Services& services, const std::string& drive, const DiscContents& disc) {
     if (disc.toc.text().empty()) {
         services.errors.report(failureOf(disc.answer), drive);

@@ -45,32 +45,47 @@ CdCommand readTocCommand(TocFormat format, std::size_t allocation) {
 }
 
 std::optional<DiscToc> parseToc(Bytes answer) {
+    constexpr int leadOutNumber = 0xAA;
     ByteCursor cursor(answer);
     const auto size = cursor.bigEndian(2);  // of what follows
     const auto first = cursor.u8();
     const auto last = cursor.u8();
-    if (!last || *size < 2) return std::nullopt;
-    const int count = *last - *first + 1;
-    if (count < 1 || count > mostTracks) return std::nullopt;
-    cursor = ByteCursor(cursor.rest().first(std::min<std::size_t>(cursor.left(), *size - 2)));
+    if (!last || *size < 2 || *first < 1 || *last < *first || *last > mostTracks) {
+        return std::nullopt;
+    }
+    cursor = ByteCursor(cursor.rest().first(std::min<std::size_t>(cursor.left(), *size - 2U)));
     DiscToc toc;
     bool isPositioned = false;
-    for (int i = 0; i <= count; ++i) {
+    for (int number = *first; number <= *last + 1; ++number) {
+        const bool isLeadOut = number > *last;
         const auto descriptor = takeDescriptor(cursor);
-        if (!descriptor) return std::nullopt;
+        const int wanted = isLeadOut ? leadOutNumber : number;
+        if (!descriptor || descriptor->number != wanted) return std::nullopt;
         isPositioned = isPositioned || (descriptor->control & hasPosition) != 0;
         if (!toc.tracks.empty()) {
-            toc.tracks.back().length = descriptor->start - toc.tracks.back().start;
+            DiscTrack& before = toc.tracks.back();
+            before.length = descriptor->start - before.start;
+            if (before.length <= 0) return std::nullopt;
         }
-        if (i == count) {
+        if (isLeadOut) {
             toc.leadOut = descriptor->start;
         } else {
             toc.tracks.push_back(
-                {*first + i, descriptor->start, 0, (descriptor->control & isData) == 0});
+                {number, descriptor->start, 0, (descriptor->control & isData) == 0});
         }
     }
     for (DiscTrack& track : toc.tracks) track.isAudio = track.isAudio && isPositioned;
+    toc.takeGapOff();
     return toc;
+}
+
+// Where a session of data follows the music, what lies between the two is no sound: lead-out,
+// lead-in and the pause in front of the track.
+void DiscToc::takeGapOff() {
+    constexpr int gap = 11400;  // frames
+    if (tracks.size() < 2 || tracks.back().isAudio) return;
+    DiscTrack& before = tracks[tracks.size() - 2];
+    if (before.isAudio && before.length > gap) before.length -= gap;
 }
 
 std::string DiscToc::text() const {

@@ -25,7 +25,7 @@ constexpr int frameAddress(int minutes, int seconds, int frames) {
 struct DiscTrack {
     int number = 0;
     int start = 0;   ///< frames; the first track of a usual disc starts at 150
-    int length = 0;  ///< frames, up to the next track or the lead-out
+    int length = 0;  ///< frames, up to the next track, the end of its session or the lead-out
     bool isAudio = true;
 };
 
@@ -39,10 +39,13 @@ struct DiscToc {
     [[nodiscard]] std::string text() const;
     /// The number by which CDDB servers know the disc, in hexadecimal; empty without a text.
     [[nodiscard]] std::string discId() const;
+
+    /// Corrects the length of the last audio track in front of a session of data.
+    void takeGapOff();
 };
 
-/// Takes the answer to READ TOC apart; nothing where it holds no tracks, more than 99, or not all
-/// of those that it speaks of.
+/// Takes the answer to READ TOC apart; nothing where it holds no tracks, more than 99, not all
+/// of those that it speaks of, or these in another order.
 std::optional<DiscToc> parseToc(Bytes answer);
 
 }  // namespace tavlo

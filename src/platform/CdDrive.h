@@ -32,10 +32,8 @@ class CdTransport {
 
     /// `drive` is a letter and ":", or a device's path.
     virtual CdAnswer open(const std::string& drive) = 0;
-    /// Waits 5 seconds at most. `received` gets the number of bytes that came, as far as that can
-    /// be told.
-    virtual CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data,
-                          std::size_t& received) = 0;
+    /// Waits 5 seconds at most.
+    virtual CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data) = 0;
     virtual void close() = 0;
 };
 

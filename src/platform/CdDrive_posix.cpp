@@ -2,13 +2,14 @@
 #include <linux/cdrom.h>
 #include <scsi/sg.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 
 #include "platform/CdDrive.h"
-#include "platform/FileSystem.h"
 
 namespace tavlo {
 
@@ -40,6 +41,7 @@ CdAnswer answerOf(int error) {
         case ENXIO:
         case ENODEV:
         case ENOTTY:
+        case EINVAL:
         case ENOTDIR:
             return CdAnswer::NoDrive;
         default:
@@ -80,8 +82,7 @@ class PassThrough final : public CdTransport {
  public:
     CdAnswer open(const std::string& drive) override { return device_.open(drive); }
 
-    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data,
-                  std::size_t& received) override {
+    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data) override {
         CdCommand bytes = command;
         std::array<std::uint8_t, 14> sense{};
         sg_io_hdr request{};
@@ -96,8 +97,6 @@ class PassThrough final : public CdTransport {
         request.timeout = timeOut;
         const CdAnswer answer = device_.control(SG_IO, &request);
         if (answer != CdAnswer::Done) return answer;
-        const auto missing = static_cast<std::size_t>(std::max(request.resid, 0));
-        received = data.size() - std::min(missing, data.size());
         if (request.status == 0 && request.host_status == 0) return CdAnswer::Done;
         return saysNoDisc(sense) ? CdAnswer::NoDisc : CdAnswer::Failed;
     }
@@ -111,7 +110,7 @@ class PassThrough final : public CdTransport {
 class NoTransport final : public CdTransport {
  public:
     CdAnswer open(const std::string&) override { return CdAnswer::NotAvailable; }
-    CdAnswer send(const CdCommand&, std::span<std::uint8_t>, std::size_t&) override {
+    CdAnswer send(const CdCommand&, std::span<std::uint8_t>) override {
         return CdAnswer::NotAvailable;
     }
     void close() override {}
@@ -170,10 +169,17 @@ std::unique_ptr<CdTracks> systemTracks() {
     return std::make_unique<KernelTracks>();
 }
 
+// A device that is not there is told as such, if it would lie where devices do.
 bool isCdDrive(const std::string& path) {
-    const auto info = fileInfo(path);
-    if (isLetter(path)) return !info;
-    return path.starts_with("/dev/") && (!info || !info->isFolder);
+    constexpr std::string_view devices = "/dev/";
+    constexpr unsigned scsiGeneric = 21;  // major number
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0) {
+        return S_ISBLK(status.st_mode) ||
+               (S_ISCHR(status.st_mode) && major(status.st_rdev) == scsiGeneric);
+    }
+    return isLetter(path) ||
+           (path.starts_with(devices) && path.find('/', devices.size()) == std::string::npos);
 }
 
 }  // namespace tavlo

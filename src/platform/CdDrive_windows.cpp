@@ -64,12 +64,11 @@ class PassThrough final : public CdTransport {
     }
 
     // Some drivers take commands only on a handle for writing.
-    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data,
-                  std::size_t& received) override {
-        CdAnswer answer = sendOnce(command, data, received);
+    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data) override {
+        CdAnswer answer = sendOnce(command, data);
         if (answer == CdAnswer::NoRights) {
             answer = openFor(GENERIC_READ | GENERIC_WRITE);
-            if (answer == CdAnswer::Done) answer = sendOnce(command, data, received);
+            if (answer == CdAnswer::Done) answer = sendOnce(command, data);
         }
         return answer;
     }
@@ -90,8 +89,7 @@ class PassThrough final : public CdTransport {
         return handle_ == INVALID_HANDLE_VALUE ? answerOf(::GetLastError()) : CdAnswer::Done;
     }
 
-    CdAnswer sendOnce(const CdCommand& command, std::span<std::uint8_t> data,
-                      std::size_t& received) {
+    CdAnswer sendOnce(const CdCommand& command, std::span<std::uint8_t> data) {
         Request request{};
         SCSI_PASS_THROUGH_DIRECT& block = request.block;
         block.Length = sizeof block;
@@ -108,7 +106,6 @@ class PassThrough final : public CdTransport {
                                &request, sizeof request, &count, nullptr)) {
             return answerOf(::GetLastError());
         }
-        received = std::min<std::size_t>(block.DataTransferLength, data.size());
         if (block.ScsiStatus == 0) return CdAnswer::Done;
         return saysNoDisc(request.sense) ? CdAnswer::NoDisc : CdAnswer::Failed;
     }
@@ -160,10 +157,11 @@ class Aspi final : public CdTransport {
         return find(wanted) ? CdAnswer::Done : CdAnswer::NoDrive;
     }
 
-    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data, std::size_t&) override {
+    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data) override {
         constexpr BYTE executeCommand = 2, dataInPosted = 0x48, pending = 0, completed = 1;
         constexpr DWORD longestWait = 5000;  // milliseconds
-        // What the layer does not answer in time it may still write to, so it is never freed.
+        // What the layer does not answer in time it may still write to, so neither that nor the
+        // layer itself is ever freed.
         auto request = std::make_unique<AspiExecute>();
         auto buffer = std::make_unique<std::vector<std::uint8_t>>(data.size());
         const HANDLE posted = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
@@ -182,6 +180,7 @@ class Aspi final : public CdTransport {
         if (status == pending) {
             request.release();
             buffer.release();
+            library_ = nullptr;
             return CdAnswer::Failed;
         }
         ::CloseHandle(posted);
@@ -280,13 +279,13 @@ class Mci final : public CdTracks {
         const auto position = status(MCI_STATUS_POSITION, index);
         const auto length = status(MCI_STATUS_LENGTH, index);
         const auto type = status(MCI_CDA_STATUS_TYPE_TRACK, index);
-        if (!position || !length) return std::nullopt;
+        if (!position || !length || !type) return std::nullopt;
         constexpr int secondsPerMinute = 60, framesPerSecond = 75;
         const int frames = (MCI_MSF_MINUTE(*length) * secondsPerMinute + MCI_MSF_SECOND(*length)) *
                                framesPerSecond +
                            MCI_MSF_FRAME(*length);
         return CdTrackInfo{MCI_MSF_MINUTE(*position), MCI_MSF_SECOND(*position),
-                           MCI_MSF_FRAME(*position), frames, !type || *type == MCI_CDA_TRACK_AUDIO};
+                           MCI_MSF_FRAME(*position), frames, *type == MCI_CDA_TRACK_AUDIO};
     }
 
     void close() override { closeDevice(); }
@@ -331,11 +330,11 @@ std::unique_ptr<CdTracks> systemTracks() {
 
 // A letter that no drive has counts too, so that it can be told.
 bool isCdDrive(const std::string& path) {
-    if (path.starts_with(R"(\\.\)")) return true;
-    const bool isLetter =
-        (path.size() == 2 || (path.size() == 3 && path[2] == '\\')) && path[1] == ':';
-    if (!isLetter) return false;
-    const UINT kind = ::GetDriveTypeW(widePath(path.substr(0, 2) + "\\").c_str());
+    const bool isDevice = path.starts_with(R"(\\.\)") && path.size() == 6 && path[5] == ':';
+    const std::string drive = isDevice ? path.substr(4) : path;
+    const bool hasEnd = drive.size() == 3 && (drive[2] == '\\' || drive[2] == '/');
+    if ((drive.size() != 2 && !hasEnd) || drive[1] != ':') return false;
+    const UINT kind = ::GetDriveTypeW(widePath(drive.substr(0, 2) + "\\").c_str());
     return kind == DRIVE_CDROM || kind == DRIVE_NO_ROOT_DIR;
 }
 

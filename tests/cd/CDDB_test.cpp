@@ -66,6 +66,10 @@ TEST(DiscToc, TextHasEveryStartAndTheLeadOut) {
         {tocAnswer({{150}, {18432}, {190000, data}, {201850, data}}), "150 18432 190000 201850"},
         {tocAnswer({{150, data}, {201850}}), ""},  // data only
         {tocAnswer({{150}, {18432}, {300000}}, 5), "150 18432 300000"},
+        {tocAnswer({{150}, {18432}}, 0), "none"},
+        {tocAnswer({{150}, {18432}}, 100), "none"},
+        {tocAnswer({{20000}, {150}, {30000}}), "none"},
+        {three.substr(0, 20) + std::string(40, '\0'), "none"},
         {tocAnswer(tooMany), "none"},
         {tocAnswer({{150}}), "none"},  // blank: the last track is below the first
         {three + std::string(500, '\xFF'), "150 18432 36107 201850"},
@@ -76,6 +80,11 @@ TEST(DiscToc, TextHasEveryStartAndTheLeadOut) {
         {"", "none"},
     };
     for (const auto& [answer, text] : discs) EXPECT_EQ(tocText(answer), text);
+    // The data of an Enhanced CD is a session of its own, and the way there no sound.
+    const auto enhanced =
+        parseToc(bytesOfText(tocAnswer({{150}, {18432}, {190000, data}, {201850, data}})));
+    EXPECT_EQ(enhanced->tracks[0].length, 18282);
+    EXPECT_EQ(enhanced->tracks[1].length, 160168);
 }
 
 // Discs whose numbers were published.
@@ -147,8 +156,9 @@ TEST(CdText, TextsRunOverPacks) {
     EXPECT_EQ(text.titles[3], "");
     EXPECT_EQ(text.titles[4], "A title that is longer than two packs é");
     EXPECT_EQ(text.artists[1] + text.artists[2], "ElseElse");
-    const std::string wide = textAnswer({textPacks(0x80, {"\x83\x65\x83\x58", "\t\t"}, 2)});
-    EXPECT_EQ(parseCdText(bytesOfText(wide)).titles[1], "テス");
+    const std::string wide =
+        textAnswer({textPacks(0x80, {"\x83\x65", "\x83\x65\x83\x58", "\t\t"}, 2)});
+    EXPECT_EQ(parseCdText(bytesOfText(wide)).titles[2], "テス");
     for (std::size_t size = 0; size < answer.size(); size += 7) {
         parseCdText(bytesOfText(answer).first(size));
     }
@@ -163,6 +173,22 @@ TEST(CdText, BrokenPackTakesOnlyItsOwnTexts) {
     EXPECT_EQ(text.titles[1], "");
     EXPECT_EQ(text.titles[3], "three");
     EXPECT_EQ(text.titles[4], "four");
+    // Behind its fifteenth character a text's packs are told apart by their numbers alone.
+    auto longer = textPacks(0x80, {"a", std::string(60, 'b'), "c"});
+    longer.erase(longer.begin() + 3);
+    const CdText rest = parseCdText(bytesOfText(textAnswer({longer})));
+    EXPECT_EQ(rest.titles[0] + rest.titles[1] + rest.titles[2], "ac");
+}
+
+TEST(CdText, FirstTrackNeedNotBeTheFirst) {
+    auto packs = textPacks(0x80, {"Album", "\t", "Two"});
+    ASSERT_EQ(packs.size(), 1U);
+    const CdText text = parseCdText(bytesOfText(textAnswer({packs})), 5);
+    EXPECT_EQ(text.titles[5] + "|" + text.titles[6], "|Two");
+    std::string& only = packs.front();
+    only[1] = '\x80';  // an extension
+    only.replace(16, 2, bigEndian(checksumOf(only.substr(0, 16)), 2));
+    EXPECT_TRUE(parseCdText(bytesOfText(textAnswer({packs}))).isEmpty());
 }
 
 // Answers as a drive gave them.
@@ -179,15 +205,13 @@ class Recorded final : public CdTransport {
         recording_.log.push_back("open " + drive);
         return recording_.opened;
     }
-    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> bytes,
-                  std::size_t& received) override {
+    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> bytes) override {
         const bool isToc = command[2] == 0;
         EXPECT_EQ(command, (isToc ? CdCommand{0x43, 2, 0, 0, 0, 0, 0, 3, 0x24, 0}
                                   : CdCommand{0x43, 2, 5, 0, 0, 0, 0, 0x12, 4, 0}));
         EXPECT_EQ(bytes.size(), isToc ? 804U : 4612U);
         const std::string& answer = isToc ? recording_.tocBytes : recording_.textBytes;
-        received = std::min(answer.size(), bytes.size());
-        std::copy_n(answer.begin(), received, bytes.begin());
+        std::copy_n(answer.begin(), std::min(answer.size(), bytes.size()), bytes.begin());
         return isToc ? recording_.toc : recording_.text;
     }
     void close() override { recording_.log.emplace_back("close"); }
@@ -241,7 +265,10 @@ TEST(Cddb, FirstReaderThatSucceedsAnswers) {
     EXPECT_EQ(last.toc.tracks[0].length, 18000);
     EXPECT_EQ(read(absent, bad, false).answer, CdAnswer::Failed);
     EXPECT_EQ(read(bad, empty, false).answer, CdAnswer::NoDisc);
-    EXPECT_EQ(read(dataOnly, absent, false).answer, CdAnswer::Done);
+    EXPECT_EQ(read(dataOnly, good, false).answer, CdAnswer::Done);
+    Recording cut;
+    cut.tocBytes = good.tocBytes.substr(0, 11);
+    EXPECT_EQ(read(cut, absent, false).answer, CdAnswer::Failed);
     EXPECT_EQ(read(dataOnly, absent, false).toc.text(), "");
     for (const Recording* one : {&bad, &empty, &dataOnly}) EXPECT_EQ(one->log.back(), "close");
 }
@@ -266,13 +293,13 @@ TEST(Cddb, DiscIsPrinted) {
     EXPECT_EQ(printDisc(services, "D:", disc), 0);
     EXPECT_EQ(output.text,
               "150 18432 20000\nCDDB disc id: 0d010802\nBand - Album\n"
-              "01  00:02.00  04:03.57  audio  One \n02  04:05.57  00:20.68  data\n");
+              "01  00:02.00  01:31.57  audio  One \n02  04:05.57  00:20.68  data\n");
     options.json = true;
     output.text.clear();
     printDisc(services, "D:", disc);
     EXPECT_TRUE(output.text.starts_with(
         R"({"Drive":"D:","Toc":"150 18432 20000","DiscId":"0d010802","Artist":"Band","Title":"Album",)"
-        R"("Tracks":[{"Number":1,"Start":"00:02.00","Length":"04:03.57","IsAudio":true,"Artist":"",)"
+        R"("Tracks":[{"Number":1,"Start":"00:02.00","Length":"01:31.57","IsAudio":true,"Artist":"",)"
         R"("Title":"One\n"},)"))
         << output.text;
     disc.toc = {};
