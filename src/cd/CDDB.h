@@ -1,6 +1,9 @@
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "cd/CdText.h"
@@ -9,7 +12,11 @@
 
 namespace tavlo {
 
-/// Reads what is on a disc. Three readers do so by different routes.
+/// How long a drive may take for an answer.
+inline constexpr std::chrono::milliseconds longestWait{5000};
+
+/// Reads what is on a disc. Three readers do so by different routes. A drive that does not answer
+/// in time is given up: its thread keeps what it works on, and this reader reads no more.
 class DiscReader {
  public:
     DiscReader() = default;
@@ -25,7 +32,8 @@ class DiscReader {
     /// Empty where the disc has none.
     [[nodiscard]] const CdText& GetTEXT() const { return text_; }
     [[nodiscard]] const DiscToc& toc() const { return toc_; }
-    /// How the last reading ended; `Done` for a disc without audio tracks too.
+    /// How the last reading ended; `Done` for a disc without audio tracks too, and where only the
+    /// CD-TEXT is missing.
     [[nodiscard]] CdAnswer answer() const { return answer_; }
 
  protected:
@@ -37,35 +45,41 @@ class DiscReader {
 /// The two readers that send READ TOC to the drive; only its way differs.
 class ScsiReader : public DiscReader {
  public:
-    explicit ScsiReader(std::unique_ptr<CdTransport> transport)
-        : transport_(std::move(transport)) {}
+    ScsiReader(std::unique_ptr<CdTransport> transport, std::chrono::milliseconds limit)
+        : transport_(std::move(transport)), limit_(limit) {}
     bool InitMediaTOC(const std::string& drive) override;
 
  private:
-    CdAnswer read(TocFormat format, std::size_t allocation, std::string& answer);
+    CdAnswer read(TocFormat format, const std::optional<std::string>& drive, std::string& bytes);
+    bool ask(std::function<void()> work);
 
-    std::unique_ptr<CdTransport> transport_;
+    std::shared_ptr<CdTransport> transport_;  // none once the drive was given up
+    const std::chrono::milliseconds limit_;
 };
 class CDDB_SPTI final : public ScsiReader {
  public:
-    explicit CDDB_SPTI(std::unique_ptr<CdTransport> transport = passThroughTransport())
-        : ScsiReader(std::move(transport)) {}
+    explicit CDDB_SPTI(std::unique_ptr<CdTransport> transport = passThroughTransport(),
+                       std::chrono::milliseconds limit = longestWait)
+        : ScsiReader(std::move(transport), limit) {}
 };
 class CDDB_ASPI final : public ScsiReader {
  public:
-    explicit CDDB_ASPI(std::unique_ptr<CdTransport> transport = aspiTransport())
-        : ScsiReader(std::move(transport)) {}
+    explicit CDDB_ASPI(std::unique_ptr<CdTransport> transport = aspiTransport(),
+                       std::chrono::milliseconds limit = longestWait)
+        : ScsiReader(std::move(transport), limit) {}
 };
 
 /// Asks the system's multimedia interface, which knows no CD-TEXT.
 class CDDB_MCI final : public DiscReader {
  public:
-    explicit CDDB_MCI(std::unique_ptr<CdTracks> tracks = systemTracks())
-        : tracks_(std::move(tracks)) {}
+    explicit CDDB_MCI(std::unique_ptr<CdTracks> tracks = systemTracks(),
+                      std::chrono::milliseconds limit = longestWait)
+        : tracks_(std::move(tracks)), limit_(limit) {}
     bool InitMediaTOC(const std::string& drive) override;
 
  private:
-    std::unique_ptr<CdTracks> tracks_;
+    std::shared_ptr<CdTracks> tracks_;  // none once the drive was given up
+    const std::chrono::milliseconds limit_;
 };
 
 /// Which readers are asked, by their number.

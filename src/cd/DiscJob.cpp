@@ -73,10 +73,14 @@ Text failureOf(CdAnswer answer) {
         case CdAnswer::NotAvailable:
         case CdAnswer::NoDrive:
             return Text::NoCdDrive;
+        case CdAnswer::OtherDevice:
+            return Text::NotACdDrive;
         case CdAnswer::NoRights:
             return Text::NoRightsToDrive;
         case CdAnswer::NoDisc:
             return Text::NoDisc;
+        case CdAnswer::Attention:
+        case CdAnswer::TimedOut:
         case CdAnswer::Failed:
             break;
     }
@@ -85,10 +89,9 @@ Text failureOf(CdAnswer answer) {
 }  // namespace
 
 std::optional<std::string> wantedDrive(const JobOptions& options) {
-    if (options.paths.size() > 1 || !options.folder || !isCdDrive(*options.folder)) {
-        return std::nullopt;
-    }
-    return options.folder;
+    const bool isOne = options.paths.size() <= 1 && options.folder;
+    const bool isDrive = isOne && driveSort(*options.folder) != DriveSort::None;
+    return isDrive ? options.folder : std::nullopt;
 }
 
 int printDisc(Services& services, const std::string& drive, const DiscContents& disc) {

@@ -8,7 +8,8 @@
 
 namespace tavlo {
 
-/// The CD drive that the command line names as its folder; nothing where that is none.
+/// The CD drive, or other device, that the command line names as its folder; nothing where that is
+/// none.
 std::optional<std::string> wantedDrive(const JobOptions& options);
 
 /// Prints the table of contents of a disc: the TOC text, the disc id, a line per track (number,

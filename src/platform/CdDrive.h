@@ -14,10 +14,17 @@ enum class CdAnswer {
     Done,
     NotAvailable,  ///< this system has no such way to a drive
     NoDrive,
+    OtherDevice,  ///< a device, but none for CDs
     NoRights,
     NoDisc,
+    Attention,  ///< nothing was read, for something has changed since; worth asking again
+    TimedOut,   ///< and what comes next would too
     Failed
 };
+
+/// What a drive's sense data (SCSI SPC-3, 4.5.3; at least 14 bytes) say about a command that
+/// failed.
+CdAnswer answerOfSense(std::span<const std::uint8_t> sense);
 
 /// A command to a drive whose answer is read (SCSI MMC).
 using CdCommand = std::array<std::uint8_t, 10>;
@@ -32,7 +39,7 @@ class CdTransport {
 
     /// `drive` is a letter and ":", or a device's path.
     virtual CdAnswer open(const std::string& drive) = 0;
-    /// Waits 5 seconds at most.
+    /// Asks the system to give up after 5 seconds, which not every driver does.
     virtual CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data) = 0;
     virtual void close() = 0;
 };
@@ -57,15 +64,21 @@ class CdTracks {
     virtual ~CdTracks() = default;
 
     virtual CdAnswer open(const std::string& drive) = 0;
+    /// The number of the first track; 1 where that cannot be told.
+    virtual int first() = 0;
     virtual int count() = 0;
-    /// By its number, from 1 to the count.
+    /// By its number, from that of the first one on.
     virtual std::optional<CdTrackInfo> track(int number) = 0;
     virtual void close() = 0;
 };
 std::unique_ptr<CdTracks> systemTracks();
 
-/// Whether a path names a drive for CDs: "D:", or a device. It need not be there.
-bool isCdDrive(const std::string& path);
+/// What a path stands for that is given as a folder.
+enum class DriveSort { None, CdDrive, OtherDevice };
+
+/// "D:" or a device is a drive for CDs, also one that is not there; a device that the system knows
+/// as something else is not.
+DriveSort driveSort(const std::string& path);
 
 /// From this version of the system's family on, commands pass on a handle for reading only.
 constexpr bool readsOnly(int majorVersion) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/CdDevice.h"
 #include "platform/CdDrive.h"
 
 namespace tavlo {
@@ -37,6 +38,8 @@ CdAnswer answerOf(int error) {
             return CdAnswer::NoRights;
         case ENOMEDIUM:
             return CdAnswer::NoDisc;
+        case ETIMEDOUT:
+            return CdAnswer::TimedOut;
         case ENOENT:
         case ENXIO:
         case ENODEV:
@@ -73,11 +76,6 @@ class Device {
     int handle_ = -1;
 };
 
-// Sense key 2 with code 3A: there is no medium.
-bool saysNoDisc(std::span<const std::uint8_t> sense) {
-    return (sense[2] & 0x0FU) == 2 && sense[12] == 0x3A;
-}
-
 class PassThrough final : public CdTransport {
  public:
     CdAnswer open(const std::string& drive) override { return device_.open(drive); }
@@ -98,7 +96,8 @@ class PassThrough final : public CdTransport {
         const CdAnswer answer = device_.control(SG_IO, &request);
         if (answer != CdAnswer::Done) return answer;
         if (request.status == 0 && request.host_status == 0) return CdAnswer::Done;
-        return saysNoDisc(sense) ? CdAnswer::NoDisc : CdAnswer::Failed;
+        constexpr unsigned short hostTimedOut = 3;
+        return request.host_status == hostTimedOut ? CdAnswer::TimedOut : answerOfSense(sense);
     }
 
     void close() override { device_.close(); }
@@ -123,19 +122,19 @@ class KernelTracks final : public CdTracks {
     CdAnswer open(const std::string& drive) override {
         const CdAnswer opened = device_.open(drive);
         if (opened != CdAnswer::Done) return opened;
-        const int status = static_cast<int>(device_.control(CDROMREADTOCHDR, &head_));
-        return static_cast<CdAnswer>(status);
+        return device_.control(CDROMREADTOCHDR, &head_);
     }
+    int first() override { return head_.cdth_trk0; }
     int count() override { return head_.cdth_trk1 - head_.cdth_trk0 + 1; }
 
     std::optional<CdTrackInfo> track(int number) override {
-        const auto first = entry(head_.cdth_trk0 + number - 1);
-        const auto next = entry(number == count() ? CDROM_LEADOUT : head_.cdth_trk0 + number);
-        if (!first || !next) return std::nullopt;
-        CdTrackInfo info{first->cdte_addr.msf.minute, first->cdte_addr.msf.second,
-                         first->cdte_addr.msf.frame, framesOf(*next) - framesOf(*first) - 1,
-                         (first->cdte_ctrl & CDROM_DATA_TRACK) == 0};
-        return info;
+        const auto start = entry(number);
+        const auto next = entry(number == head_.cdth_trk1 ? CDROM_LEADOUT : number + 1);
+        if (!start || !next) return std::nullopt;
+        const cdrom_msf0& time = start->cdte_addr.msf;
+        return CdTrackInfo{time.minute, time.second, time.frame,
+                           framesOf(*next) - framesOf(*start) - 1,
+                           (start->cdte_ctrl & CDROM_DATA_TRACK) == 0};
     }
     void close() override { device_.close(); }
 
@@ -169,17 +168,21 @@ std::unique_ptr<CdTracks> systemTracks() {
     return std::make_unique<KernelTracks>();
 }
 
-// A device that is not there is told as such, if it would lie where devices do.
-bool isCdDrive(const std::string& path) {
+// What is read byte by byte is seldom a drive; only those of the SCSI generic driver may be.
+DriveSort driveSort(const std::string& path) {
     constexpr std::string_view devices = "/dev/";
     constexpr unsigned scsiGeneric = 21;  // major number
     struct stat status {};
-    if (::stat(path.c_str(), &status) == 0) {
-        return S_ISBLK(status.st_mode) ||
-               (S_ISCHR(status.st_mode) && major(status.st_rdev) == scsiGeneric);
+    if (::stat(path.c_str(), &status) != 0) {
+        const bool mayBe = isLetter(path) || (path.starts_with(devices) &&
+                                              path.find('/', devices.size()) == std::string::npos);
+        return mayBe ? DriveSort::CdDrive : DriveSort::None;
     }
-    return isLetter(path) ||
-           (path.starts_with(devices) && path.find('/', devices.size()) == std::string::npos);
+    const DeviceNumber device{S_ISBLK(status.st_mode), major(status.st_rdev),
+                              minor(status.st_rdev)};
+    const bool isGeneric = S_ISCHR(status.st_mode) && device.major == scsiGeneric;
+    if (!device.isBlock && !isGeneric) return DriveSort::None;
+    return isCdDevice(device) ? DriveSort::CdDrive : DriveSort::OtherDevice;
 }
 
 }  // namespace tavlo

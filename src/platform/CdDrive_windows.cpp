@@ -20,11 +20,6 @@ namespace {
 constexpr std::size_t senseBytes = 14;
 constexpr DWORD timeOut = 5;  // seconds
 
-// Sense key 2 with code 3A: there is no medium.
-bool saysNoDisc(const UCHAR* sense) {
-    return (sense[2] & 0x0F) == 2 && sense[12] == 0x3A;
-}
-
 CdAnswer answerOf(DWORD error) {
     switch (error) {
         case ERROR_ACCESS_DENIED:
@@ -32,6 +27,9 @@ CdAnswer answerOf(DWORD error) {
         case ERROR_NOT_READY:
         case ERROR_NO_MEDIA_IN_DRIVE:
             return CdAnswer::NoDisc;
+        case ERROR_SEM_TIMEOUT:
+        case ERROR_TIMEOUT:
+            return CdAnswer::TimedOut;
         case ERROR_FILE_NOT_FOUND:
         case ERROR_PATH_NOT_FOUND:
         case ERROR_INVALID_DRIVE:
@@ -59,18 +57,15 @@ class PassThrough final : public CdTransport {
     CdAnswer open(const std::string& drive) override {
         device_ = deviceOf(drive);
         const DWORD major = LOBYTE(LOWORD(::GetVersion()));
-        return openFor(readsOnly(static_cast<int>(major)) ? GENERIC_READ
-                                                          : GENERIC_READ | GENERIC_WRITE);
+        isForReading_ = readsOnly(static_cast<int>(major));
+        const CdAnswer answer = openDevice();
+        return answer == CdAnswer::NoRights && openForWriting() ? CdAnswer::Done : answer;
     }
 
     // Some drivers take commands only on a handle for writing.
     CdAnswer send(const CdCommand& command, std::span<std::uint8_t> data) override {
-        CdAnswer answer = sendOnce(command, data);
-        if (answer == CdAnswer::NoRights) {
-            answer = openFor(GENERIC_READ | GENERIC_WRITE);
-            if (answer == CdAnswer::Done) answer = sendOnce(command, data);
-        }
-        return answer;
+        const CdAnswer answer = sendOnce(command, data);
+        return answer == CdAnswer::NoRights && openForWriting() ? sendOnce(command, data) : answer;
     }
 
     void close() override { closeDevice(); }
@@ -82,11 +77,19 @@ class PassThrough final : public CdTransport {
         UCHAR sense[32];
     };
 
-    CdAnswer openFor(DWORD access) {
+    CdAnswer openDevice() {
         closeDevice();
+        const DWORD access = isForReading_ ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
         handle_ = ::CreateFileW(device_.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                 nullptr, OPEN_EXISTING, 0, nullptr);
         return handle_ == INVALID_HANDLE_VALUE ? answerOf(::GetLastError()) : CdAnswer::Done;
+    }
+
+    // False where it was so already, or cannot be.
+    bool openForWriting() {
+        if (!isForReading_) return false;
+        isForReading_ = false;
+        return openDevice() == CdAnswer::Done;
     }
 
     CdAnswer sendOnce(const CdCommand& command, std::span<std::uint8_t> data) {
@@ -107,7 +110,7 @@ class PassThrough final : public CdTransport {
             return answerOf(::GetLastError());
         }
         if (block.ScsiStatus == 0) return CdAnswer::Done;
-        return saysNoDisc(request.sense) ? CdAnswer::NoDisc : CdAnswer::Failed;
+        return answerOfSense(request.sense);
     }
 
     void closeDevice() {
@@ -116,6 +119,7 @@ class PassThrough final : public CdTransport {
     }
 
     std::wstring device_;
+    bool isForReading_ = true;
     HANDLE handle_ = INVALID_HANDLE_VALUE;
 };
 
@@ -162,9 +166,10 @@ class Aspi final : public CdTransport {
         constexpr DWORD longestWait = 5000;  // milliseconds
         // What the layer does not answer in time it may still write to, so neither that nor the
         // layer itself is ever freed.
+        const HANDLE posted = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+        if (posted == nullptr) return CdAnswer::Failed;
         auto request = std::make_unique<AspiExecute>();
         auto buffer = std::make_unique<std::vector<std::uint8_t>>(data.size());
-        const HANDLE posted = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
         request->head = {executeCommand, 0, adapter_, dataInPosted, 0};
         request->target = target_;
         request->unit = unit_;
@@ -181,12 +186,12 @@ class Aspi final : public CdTransport {
             request.release();
             buffer.release();
             library_ = nullptr;
-            return CdAnswer::Failed;
+            return CdAnswer::TimedOut;
         }
         ::CloseHandle(posted);
         std::ranges::copy(*buffer, data.begin());
         if (status == completed) return CdAnswer::Done;
-        return saysNoDisc(request->sense) ? CdAnswer::NoDisc : CdAnswer::Failed;
+        return answerOfSense(request->sense);
     }
 
     void close() override {}
@@ -270,6 +275,17 @@ class Mci final : public CdTracks {
                                                                     : CdAnswer::NoDisc;
     }
 
+    // There is no question for it, but numbers that the disc does not have are refused. A driver
+    // that counts from 1 on every disc accepts that one; then the number on the disc cannot be
+    // told.
+    int first() override {
+        constexpr DWORD mostTracks = 99;
+        for (DWORD number = 1; number <= mostTracks; ++number) {
+            if (status(MCI_STATUS_POSITION, number)) return static_cast<int>(number);
+        }
+        return 1;
+    }
+
     int count() override {
         return static_cast<int>(status(MCI_STATUS_NUMBER_OF_TRACKS, 0).value_or(0));
     }
@@ -329,13 +345,16 @@ std::unique_ptr<CdTracks> systemTracks() {
 }
 
 // A letter that no drive has counts too, so that it can be told.
-bool isCdDrive(const std::string& path) {
-    const bool isDevice = path.starts_with(R"(\\.\)") && path.size() == 6 && path[5] == ':';
-    const std::string drive = isDevice ? path.substr(4) : path;
+DriveSort driveSort(const std::string& path) {
+    constexpr std::string_view devices = R"(\\.\)";
+    const bool isDevice =
+        path.starts_with(devices) && path.find('\\', devices.size()) == std::string::npos;
+    const DriveSort other = isDevice ? DriveSort::OtherDevice : DriveSort::None;
+    const std::string drive = isDevice ? path.substr(devices.size()) : path;
     const bool hasEnd = drive.size() == 3 && (drive[2] == '\\' || drive[2] == '/');
-    if ((drive.size() != 2 && !hasEnd) || drive[1] != ':') return false;
+    if ((drive.size() != 2 && !hasEnd) || drive[1] != ':') return other;
     const UINT kind = ::GetDriveTypeW(widePath(drive.substr(0, 2) + "\\").c_str());
-    return kind == DRIVE_CDROM || kind == DRIVE_NO_ROOT_DIR;
+    return kind == DRIVE_CDROM || kind == DRIVE_NO_ROOT_DIR ? DriveSort::CdDrive : other;
 }
 
 }  // namespace tavlo

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <future>
+#include <thread>
+
 #include "cd/DiscJob.h"
 #include "support/MemorySink.h"
 #include "support/TagBytes.h"
@@ -180,6 +184,54 @@ TEST(CdText, BrokenPackTakesOnlyItsOwnTexts) {
     EXPECT_EQ(rest.titles[0] + rest.titles[1] + rest.titles[2], "ac");
 }
 
+std::string sealed(std::string pack) {
+    return pack.replace(16, 2, bigEndian(checksumOf(pack.substr(0, 16)), 2));
+}
+
+// The sizes of the first language begin with its character code.
+TEST(CdText, CharacterCodeIsThatOfTheSizes) {
+    const std::tuple<int, std::size_t, std::string, std::string> texts[] = {
+        {-1, 1, "\xC9t\xE9", "Été"},
+        {0, 1, "\xC9t\xE9", "Été"},
+        {1, 1, "Plain", "Plain"},
+        {0x80, 1, "a\x83\x65", "aテ"},
+        {0x80, 2, "\x83\x65", "テ"},
+        {-1, 2, "\x83\x65", "テ"},
+        {0x81, 2, "\xB0\xA1", "가"},
+        {0x82, 2, "\xB0\xA1", "啊"},
+        {0x55, 1, "\xE9 unknown", "é unknown"}};
+    for (const auto& [code, width, bytes, text] : texts) {
+        const std::string sizes = "\x8F" + std::string(1, '\0') + "\1" + std::string(15, '\0');
+        std::string first = sizes, other = sizes, second = sizes;
+        first[4] = static_cast<char>(code);
+        other[3] = second[1] = '\x10';  // another language, and not the first of the sizes
+        other[4] = second[4] = code == 0 ? '\x80' : '\0';
+        std::vector<std::string> packs{sealed(other), sealed(second)};
+        if (code >= 0) packs.insert(packs.begin(), sealed(first));
+        const std::string answer = textAnswer({textPacks(0x80, {bytes}, width), packs});
+        EXPECT_EQ(parseCdText(bytesOfText(answer)).titles[0], text) << code;
+    }
+}
+
+TEST(CdText, LastTextMayLackItsZero) {
+    const auto titles = textPacks(0x80, {"Album", "abcdef"});  // 12 characters and the zero
+    const auto cut = [](std::vector<std::string> packs) {
+        packs.pop_back();
+        return packs;
+    };
+    ASSERT_EQ(titles.size(), 2U);
+    const auto artists = cut(textPacks(0x81, {"Twelve chars"}));
+    const auto title = [](const std::string& answer) {
+        return parseCdText(bytesOfText(answer)).titles[1];
+    };
+    const CdText text = parseCdText(bytesOfText(textAnswer({cut(titles), artists})));
+    EXPECT_EQ(text.titles[1] + "|" + text.artists[0], "abcdef|Twelve chars");
+    EXPECT_EQ(title(textAnswer({cut(titles)})), "abcdef");
+    // But where a pack is missing it may go on.
+    EXPECT_EQ(title(textAnswer({cut(titles), {std::string(18, '\0')}, artists})), "");
+    EXPECT_EQ(title(textAnswer({cut(titles), {titles[1].substr(0, 9)}})), "");
+}
+
 TEST(CdText, FirstTrackNeedNotBeTheFirst) {
     auto packs = textPacks(0x80, {"Album", "\t", "Two"});
     ASSERT_EQ(packs.size(), 1U);
@@ -187,13 +239,14 @@ TEST(CdText, FirstTrackNeedNotBeTheFirst) {
     EXPECT_EQ(text.titles[5] + "|" + text.titles[6], "|Two");
     std::string& only = packs.front();
     only[1] = '\x80';  // an extension
-    only.replace(16, 2, bigEndian(checksumOf(only.substr(0, 16)), 2));
+    only = sealed(only);
     EXPECT_TRUE(parseCdText(bytesOfText(textAnswer({packs}))).isEmpty());
 }
 
 // Answers as a drive gave them.
 struct Recording {
     CdAnswer opened = CdAnswer::Done, toc = CdAnswer::Done, text = CdAnswer::Failed;
+    int attentions = 0;  // that the drive has to tell first
     std::string tocBytes, textBytes;
     std::vector<std::string> log;
 };
@@ -210,6 +263,7 @@ class Recorded final : public CdTransport {
         EXPECT_EQ(command, (isToc ? CdCommand{0x43, 2, 0, 0, 0, 0, 0, 3, 0x24, 0}
                                   : CdCommand{0x43, 2, 5, 0, 0, 0, 0, 0x12, 4, 0}));
         EXPECT_EQ(bytes.size(), isToc ? 804U : 4612U);
+        if (recording_.attentions-- > 0) return CdAnswer::Attention;
         const std::string& answer = isToc ? recording_.tocBytes : recording_.textBytes;
         std::copy_n(answer.begin(), std::min(answer.size(), bytes.size()), bytes.begin());
         return isToc ? recording_.toc : recording_.text;
@@ -222,13 +276,20 @@ class Recorded final : public CdTransport {
 
 class RecordedTracks final : public CdTracks {
  public:
+    explicit RecordedTracks(int first = 1, int lastLength = 999)
+        : first_(first), lastLength_(lastLength) {}
     CdAnswer open(const std::string&) override { return CdAnswer::Done; }
+    int first() override { return first_; }
     int count() override { return 2; }
     std::optional<CdTrackInfo> track(int number) override {
-        if (number == 1) return CdTrackInfo{0, 2, 0, 17999, true};
-        return CdTrackInfo{4, 2, 0, 999, true};
+        if (number == first_) return CdTrackInfo{0, 2, 0, 17999, true};
+        if (number == first_ + 1) return CdTrackInfo{4, 2, 0, lastLength_, true};
+        return std::nullopt;
     }
     void close() override {}
+
+ private:
+    const int first_, lastLength_;
 };
 
 TEST(Cddb, FirstReaderThatSucceedsAnswers) {
@@ -273,6 +334,108 @@ TEST(Cddb, FirstReaderThatSucceedsAnswers) {
     for (const Recording* one : {&bad, &empty, &dataOnly}) EXPECT_EQ(one->log.back(), "close");
 }
 
+TEST(Cddb, AttentionIsAskedOnceMore) {
+    for (const auto& [attentions, isRead] : {std::pair{1, true}, {2, false}}) {
+        Recording recording;
+        recording.tocBytes = tocAnswer({{150}, {18150}});
+        recording.attentions = attentions;
+        CDDB_SPTI reader(std::make_unique<Recorded>(recording));
+        EXPECT_EQ(reader.InitMediaTOC("D:"), isRead);
+        EXPECT_EQ(reader.answer(), isRead ? CdAnswer::Done : CdAnswer::Failed);
+    }
+}
+
+TEST(Cddb, TracksOfTheSystemBearTheirNumbers) {
+    CDDB_MCI mci(std::make_unique<RecordedTracks>(5));
+    EXPECT_TRUE(mci.InitMediaTOC("D:"));
+    EXPECT_EQ(mci.toc().tracks[0].number, 5);
+    EXPECT_EQ(mci.toc().tracks[1].number, 6);
+    EXPECT_EQ(mci.GetTOC(), "150 18150 19150");
+    for (const auto& [first, length] : {std::pair{0, 999}, {99, 999}, {1, -1}}) {
+        CDDB_MCI bad(std::make_unique<RecordedTracks>(first, length));
+        EXPECT_FALSE(bad.InitMediaTOC("D:"));
+        EXPECT_EQ(bad.answer(), CdAnswer::Failed);
+    }
+}
+
+// A drive that answers one call only when the test has ended, by writing to what it was handed.
+struct Hanging {
+    explicit Hanging(std::string call) : call(std::move(call)) {}
+    void enter(const std::string& name) {
+        if (name == call) released.wait();
+    }
+    const std::string call;
+    std::promise<void> release;
+    const std::shared_future<void> released = release.get_future();
+    std::atomic<int> sent = 0;
+};
+
+class HangingDrive final : public CdTransport, public CdTracks {
+ public:
+    explicit HangingDrive(std::shared_ptr<Hanging> script) : script_(std::move(script)) {}
+    CdAnswer open(const std::string&) override {
+        script_->enter("open");
+        return CdAnswer::Done;
+    }
+    CdAnswer send(const CdCommand& command, std::span<std::uint8_t> bytes) override {
+        ++script_->sent;
+        const bool isToc = command[2] == 0;
+        script_->enter(isToc ? "toc" : "text");
+        const std::string answer = tocAnswer({{150}, {18150}});
+        std::ranges::copy(answer, bytes.begin());
+        return isToc ? CdAnswer::Done : CdAnswer::Failed;
+    }
+    int first() override { return 1; }
+    int count() override { return 1; }
+    std::optional<CdTrackInfo> track(int) override {
+        script_->enter("track");
+        return CdTrackInfo{0, 2, 0, 17999, true};
+    }
+    void close() override { script_->enter("close"); }
+
+ private:
+    const std::shared_ptr<Hanging> script_;
+};
+
+TEST(Cddb, DriveThatHangsIsGivenUp) {
+    constexpr std::chrono::milliseconds limit{200};
+    constexpr std::string_view whole = "150 18150";
+    struct Case {
+        std::string call;
+        CdAnswer answer;
+        std::string_view text;
+        int sent;
+        bool byTracks = false;
+    };
+    const Case cases[] = {
+        {"open", CdAnswer::TimedOut, "", 0},       {"toc", CdAnswer::TimedOut, "", 1},
+        {"text", CdAnswer::Done, whole, 2},        {"close", CdAnswer::Done, whole, 2},
+        {"open", CdAnswer::TimedOut, "", 0, true}, {"track", CdAnswer::TimedOut, "", 0, true}};
+    for (const Case& one : cases) {
+        const auto script = std::make_shared<Hanging>(one.call);
+        Recording unasked;
+        auto drive = std::make_unique<HangingDrive>(script);
+        std::unique_ptr<DiscReader> first;
+        if (one.byTracks) {
+            first = std::make_unique<CDDB_MCI>(std::move(drive), limit);
+        } else {
+            first = std::make_unique<CDDB_SPTI>(std::move(drive), limit);
+        }
+        CDDB_ASPI second(std::make_unique<Recorded>(unasked));
+        const std::array<DiscReader*, 2> readers{first.get(), &second};
+        const DiscContents contents = readDiscBy("D:", readers);
+        EXPECT_EQ(contents.answer, one.answer) << one.call;
+        EXPECT_EQ(contents.toc.text(), one.text) << one.call;
+        EXPECT_TRUE(unasked.log.empty());
+        EXPECT_FALSE(first->InitMediaTOC("D:"));
+        EXPECT_EQ(first->answer(), CdAnswer::TimedOut);
+        first.reset();
+        EXPECT_EQ(script->sent, one.sent) << one.call;
+        script->release.set_value();
+        while (script.use_count() > 1) std::this_thread::yield();
+    }
+}
+
 TEST(Cddb, DiscIsPrinted) {
     TestRegistry registry;
     RegistryEx store(registry.registry());
@@ -306,8 +469,10 @@ TEST(Cddb, DiscIsPrinted) {
     const std::pair<CdAnswer, std::string_view> failures[] = {
         {CdAnswer::Done, "no audio"},
         {CdAnswer::NoDisc, "no disc"},
-        {CdAnswer::NotAvailable, "no CD drive"},
+        {CdAnswer::NotAvailable, "There is no CD drive"},
+        {CdAnswer::OtherDevice, "device is no CD drive"},
         {CdAnswer::NoRights, "No right"},
+        {CdAnswer::TimedOut, "cannot be read"},
         {CdAnswer::Failed, "cannot be read"}};
     for (const auto& [answer, words] : failures) {
         messages.text.clear();
