@@ -9,6 +9,14 @@ enum class Stream { Output, Error };
 
 bool isTerminal(Stream stream);
 
+/// Whether what is written goes where somebody wanted it: to a terminal, a pipe, a file, or nowhere
+/// by a person's own word. False for a program that a desktop started.
+bool isHeard(Stream stream);
+
+/// A program that opens windows has no console of its own: where one started it, what is written
+/// goes there. Without effect for every other program.
+void joinConsole();
+
 /// The width in characters; 80 when it is not known.
 int terminalColumns(Stream stream);
 

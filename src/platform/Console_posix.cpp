@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -45,6 +47,18 @@ int descriptor(Stream stream) {
 bool isTerminal(Stream stream) {
     return isatty(descriptor(stream)) == 1;
 }
+
+// A terminal's user may send the output to nowhere; a desktop that starts a program does so, too.
+bool isHeard(Stream stream) {
+    struct stat status {};
+    if (fstat(descriptor(stream), &status) != 0) return false;
+    if (!S_ISCHR(status.st_mode) || isTerminal(stream)) return true;
+    const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (terminal >= 0) close(terminal);
+    return terminal >= 0;
+}
+
+void joinConsole() {}
 
 int terminalColumns(Stream stream) {
     winsize size{};

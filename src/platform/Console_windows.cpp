@@ -63,6 +63,24 @@ bool isTerminal(Stream stream) {
     return GetConsoleMode(handleOf(stream), &mode) != 0;
 }
 
+// Whoever sends the output to nowhere has a stream for it.
+bool isHeard(Stream stream) {
+    const HANDLE handle = handleOf(stream);
+    return handle != nullptr && handle != INVALID_HANDLE_VALUE &&
+           GetFileType(handle) != FILE_TYPE_UNKNOWN;
+}
+
+void joinConsole() {
+    if (isHeard(Stream::Output) || isHeard(Stream::Error)) return;
+    if (AttachConsole(ATTACH_PARENT_PROCESS) == 0) return;
+    const HANDLE console =
+        CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_EXISTING, 0, nullptr);
+    if (console == INVALID_HANDLE_VALUE) return;
+    SetStdHandle(STD_OUTPUT_HANDLE, console);
+    SetStdHandle(STD_ERROR_HANDLE, console);
+}
+
 int terminalColumns(Stream stream) {
     CONSOLE_SCREEN_BUFFER_INFO info{};
     if (GetConsoleScreenBufferInfo(handleOf(stream), &info) == 0) return 80;

@@ -18,6 +18,9 @@ CommandLine programCommandLine(int argc, char** argv);
 /// A variable of the process's environment; nothing when it is not set.
 std::optional<std::string> environmentVariable(const std::string& name);
 
+/// The full path of the program's own file; empty when not known.
+std::string programFile();
+
 /// The folder of the program's own file without a separator at the end; empty when not known.
 std::string programFolder();
 

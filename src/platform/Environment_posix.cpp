@@ -27,10 +27,14 @@ std::optional<std::string> environmentVariable(const std::string& name) {
     return value;
 }
 
-std::string programFolder() {
+std::string programFile() {
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? std::string() : program.parent_path().string();
+    return error ? std::string() : program.string();
+}
+
+std::string programFolder() {
+    return std::filesystem::path(programFile()).parent_path().string();
 }
 
 std::string settingsFolder() {

@@ -49,11 +49,16 @@ std::optional<std::string> environmentVariable(const std::string& name) {
     return utf8Of(value);
 }
 
-std::string programFolder() {
+std::string programFile() {
     std::wstring path(longestPath, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), longestPath));
-    const std::size_t separator = path.find_last_of(L'\\');
-    return separator == std::wstring::npos ? std::string() : utf8Of(path.substr(0, separator));
+    return utf8Of(path);
+}
+
+std::string programFolder() {
+    const std::string file = programFile();
+    const std::size_t separator = file.find_last_of('\\');
+    return separator == std::string::npos ? std::string() : file.substr(0, separator);
 }
 
 std::string settingsFolder() {

@@ -59,4 +59,17 @@ std::vector<std::string> splitCommandLine(std::string_view line) {
     return words;
 }
 
+// A quote in a name, which not every system forbids, is escaped with the backslashes in front of
+// it.
+std::string quotedArgument(std::string_view text) {
+    std::string result = "\"";
+    std::size_t slashes = 0;
+    for (const char c : text) {
+        if (c == '"') result.append(slashes + 1, '\\');
+        slashes = c == '\\' ? slashes + 1 : 0;
+        result += c;
+    }
+    return result.append(slashes, '\\') + '"';
+}
+
 }  // namespace tavlo

@@ -66,4 +66,7 @@ std::unique_ptr<Process> startProcess(const ProcessStart& start);
 /// blanks, a backslash is itself unless a quote follows it.
 std::vector<std::string> splitCommandLine(std::string_view line);
 
+/// A text in double quotes that `splitCommandLine` and programs on Windows read back as one word.
+std::string quotedArgument(std::string_view text);
+
 }  // namespace tavlo
