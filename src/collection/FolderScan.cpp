@@ -16,6 +16,13 @@ std::string FolderScan::run(const std::string& folder, bool subfolders) {
     return std::move(paths_);
 }
 
+void FolderScan::run(const std::string& folder, bool subfolders,
+                     std::function<void(std::string_view paths)> deliver) {
+    deliver_ = std::move(deliver);
+    run(folder, subfolders);
+    deliver_ = {};
+}
+
 std::vector<FolderEntry> FolderScan::sortedEntries(const std::string& folder) const {
     std::vector<FolderEntry> entries = listFolder(folder);
     if (!hidden_) std::erase_if(entries, [](const FolderEntry& entry) { return entry.isHidden; });
@@ -43,6 +50,9 @@ void FolderScan::collect(std::string& folder, bool subfolders, bool insideLink) 
         ++count_;
         if (subfolders) progress_.report(entry.name);
     }
+    if (!deliver_) return;
+    deliver_(paths_);
+    paths_.clear();
 }
 
 void FolderScan::collectSubfolder(std::string& folder, const FolderEntry& entry, bool insideLink) {

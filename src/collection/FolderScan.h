@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -22,6 +23,10 @@ class FolderScan {
     /// The paths one behind the other, each ended by a NUL: a name cannot hold one.
     std::string run(const std::string& folder, bool subfolders);
 
+    /// The same, handed over folder by folder as they are found.
+    void run(const std::string& folder, bool subfolders,
+             std::function<void(std::string_view paths)> deliver);
+
     [[nodiscard]] std::size_t count() const { return count_; }
     /// Subfolders that could not be read.
     [[nodiscard]] const std::vector<std::string>& unreadFolders() const { return unread_; }
@@ -41,6 +46,7 @@ class FolderScan {
     std::string root_;                          // the scanned folder, links resolved, when needed
     std::unordered_set<std::string> followed_;  // folders met behind links, links resolved
     std::string paths_;
+    std::function<void(std::string_view paths)> deliver_;
     std::vector<std::string> unread_;
     std::size_t count_ = 0;
 };

@@ -1,12 +1,11 @@
 #include "collection/ListJob.h"
 
-#include <array>
 #include <string>
 
 #include "collection/JobFiles.h"
 #include "collection/ListJson.h"
 #include "collection/ListTable.h"
-#include "core/Numbers.h"
+#include "core/Measures.h"
 #include "tags/AudioFile.h"
 
 namespace tavlo {
@@ -57,22 +56,6 @@ class ListPrinter {
         return "\n" + texts.get(Text::SummaryFiles, std::to_string(files_)) + "  " +
                texts.get(Text::SummarySize, sizeText(texts, bytes_)) + "  " +
                texts.get(Text::SummaryTime, durationText(seconds_)) + "\n";
-    }
-
-    // In the largest unit that leaves a whole number above 9.
-    static std::string sizeText(const Texts& texts, std::uint64_t bytes) {
-        constexpr std::array units{Text::SizeBytes, Text::SizeKilobytes, Text::SizeMegabytes,
-                                   Text::SizeGigabytes};
-        constexpr std::uint64_t tenUnits = 10240;
-        std::size_t unit = 0;
-        for (; bytes >= tenUnits && unit + 1 < units.size(); ++unit) bytes /= 1024;
-        return texts.get(units[unit], std::to_string(bytes));
-    }
-
-    static std::string durationText(std::uint64_t seconds) {
-        const auto part = static_cast<std::int64_t>(seconds);
-        return std::to_string(part / 3600) + ":" + paddedNumber(part / 60 % 60, 2) + ":" +
-               paddedNumber(part % 60, 2);
     }
 
     Services& services_;

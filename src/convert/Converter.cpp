@@ -1,5 +1,6 @@
 #include "convert/Converter.h"
 
+#include "core/QuietWork.h"
 #include "platform/FileSystem.h"
 #include "platform/FileTransfer.h"
 #include "platform/RecycleBin.h"
@@ -12,26 +13,6 @@
 namespace tavlo {
 
 namespace {
-// Keeps what tag writers report.
-class KeptLines final : public TextSink {
- public:
-    bool write(std::string_view text) override {
-        while (text.ends_with('\n')) text.remove_suffix(1);
-        lines.emplace_back(text);
-        return true;
-    }
-
-    std::vector<std::string> lines;
-};
-
-class NoProgress final : public Progress {
- public:
-    void setRange(std::size_t) override {}
-    void step() override {}
-    void report(std::string_view) override {}
-    void pumpMessages() override {}
-};
-
 // Whether the source is what it was when the plan was made.
 bool isUnchanged(const Conversion& row) {
     const auto info = fileInfo(row.source);

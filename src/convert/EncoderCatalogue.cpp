@@ -6,6 +6,7 @@
 
 #include "core/PathText.h"
 #include "platform/PlainText.h"
+#include "platform/Process.h"
 
 namespace tavlo {
 
@@ -124,17 +125,8 @@ constexpr auto faacBandwidths = std::to_array<LadderRow>({
 constexpr std::array<int, 11> oggBitrates{64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 500};
 constexpr int oggUsual = 8;
 
-// One argument. A quote in a name, which not every system forbids, is escaped with the backslashes
-// in front of it, as `splitCommandLine` and programs on Windows understand it.
 std::string quoted(std::string_view text) {
-    std::string result = "\"";
-    std::size_t slashes = 0;
-    for (const char c : text) {
-        if (c == '"') result.append(slashes + 1, '\\');
-        slashes = c == '\\' ? slashes + 1 : 0;
-        result += c;
-    }
-    return result.append(slashes, '\\') + '"';
+    return quotedArgument(text);
 }
 
 std::string number(int value) {

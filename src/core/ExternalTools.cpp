@@ -59,10 +59,21 @@ std::string findTool(std::string_view tool, const ToolPlaces& places) {
     return {};
 }
 
+std::span<const std::string_view> externalTools() {
+    return toolNames;
+}
+
+std::vector<std::string_view> missingToolNames(const ToolPlaces& places) {
+    std::vector<std::string_view> missing;
+    for (const std::string_view tool : toolNames)
+        if (isPossible(tool, places.style) && findTool(tool, places).empty())
+            missing.push_back(tool);
+    return missing;
+}
+
 std::string missingTools(const ToolPlaces& places) {
     std::string missing;
-    for (const std::string_view tool : toolNames) {
-        if (!isPossible(tool, places.style) || !findTool(tool, places).empty()) continue;
+    for (const std::string_view tool : missingToolNames(places)) {
         if (!missing.empty()) missing += ", ";
         missing += toolFileName(tool, places.style);
     }

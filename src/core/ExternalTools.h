@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,8 +28,14 @@ std::string toolFileName(std::string_view tool, PathStyle style);
 /// when it is in none of them.
 std::string findTool(std::string_view tool, const ToolPlaces& places);
 
-/// The names of all external programs that are not there, joined with ", ". It looks at some
-/// hundred paths, so only jobs that start programs ask.
+/// The names of all external programs, such as "lame.exe".
+std::span<const std::string_view> externalTools();
+
+/// Those of them that are not there, and could be on this kind of system. It looks at some hundred
+/// paths, so only jobs that start programs ask, and the options.
+std::vector<std::string_view> missingToolNames(const ToolPlaces& places);
+
+/// Their file names joined with ", ".
 std::string missingTools(const ToolPlaces& places);
 
 }  // namespace tavlo

@@ -60,13 +60,17 @@ SettingValue within(const SettingRow& row, SettingValue value) {
 
 }  // namespace
 
+SettingValue defaultValue(Setting setting) {
+    return defaultOf(settingRow(setting));
+}
+
 Settings::Settings(RegistryEx& store) : store_(store) {
-    for (const SettingRow& row : settingsTable) value(row.setting) = defaultOf(row);
+    for (const SettingRow& row : settingsTable) valueAt(row.setting) = defaultOf(row);
 }
 
 void Settings::load() {
     for (const SettingRow& row : settingsTable)
-        value(row.setting) =
+        valueAt(row.setting) =
             within(row, store_.GetSetting(row.section(), std::string(row.key), defaultOf(row)));
 }
 
@@ -89,7 +93,7 @@ const std::string& Settings::text(Setting setting) const {
 
 void Settings::set(Setting setting, const SettingValue& newValue) {
     if (newValue.index() != value(setting).index()) return;
-    value(setting) = within(settingRow(setting), newValue);
+    valueAt(setting) = within(settingRow(setting), newValue);
 }
 
 bool Settings::saveRow(const SettingRow& row) {
@@ -102,6 +106,13 @@ bool Settings::saveRow(const SettingRow& row) {
 
 bool Settings::save(Setting setting) {
     return saveRow(settingRow(setting));
+}
+
+bool Settings::save(std::span<const Setting> several) {
+    auto batch = store_.batch();
+    bool done = true;
+    for (const Setting setting : several) done = save(setting) && done;
+    return batch.commit() && done;
 }
 
 bool Settings::saveGroup(SettingsGroup group) {

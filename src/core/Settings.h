@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,9 @@ namespace tavlo {
 
 /// Remembered lists, newest first as the caller keeps them.
 enum class HistoryList { Folders, RenameTemplates, TargetFolders, Servers };
+
+/// A setting's default, in its own kind.
+SettingValue defaultValue(Setting setting);
 
 /// Every setting of `settingsTable` in memory; nothing is stored until a save is asked for.
 class Settings {
@@ -28,7 +32,14 @@ class Settings {
     /// For this run; a value of another kind than the setting's is ignored.
     void set(Setting setting, const SettingValue& value);
 
+    /// In the setting's own kind.
+    const SettingValue& value(Setting setting) const {
+        return values_[static_cast<std::size_t>(setting)];
+    }
+
     bool save(Setting setting);
+    /// Several in one go.
+    bool save(std::span<const Setting> several);
     bool saveGroup(SettingsGroup group);
     bool saveAll();
 
@@ -39,10 +50,7 @@ class Settings {
     bool saveHistory(HistoryList list, const std::vector<std::string>& texts);
 
  private:
-    SettingValue& value(Setting setting) { return values_[static_cast<std::size_t>(setting)]; }
-    const SettingValue& value(Setting setting) const {
-        return values_[static_cast<std::size_t>(setting)];
-    }
+    SettingValue& valueAt(Setting setting) { return values_[static_cast<std::size_t>(setting)]; }
     bool saveRow(const SettingRow& row);
 
     RegistryEx& store_;

@@ -18,7 +18,11 @@ enum class SettingsGroup {
     Toolbar,
     Portable,
     Encoders,
+    Window,
 };
+
+/// Default of a window's place: the system chooses.
+inline constexpr int noPlace = std::numeric_limits<int>::min();
 
 /// How a setting is kept: a boolean as -1 or 0, a text boolean as "True" or "False", a byte in
 /// 0..255.
@@ -156,6 +160,22 @@ enum class Setting {
     MainTB,
     AnsiCodePage,
     PreserveFileTimes,
+    MainL,
+    MainT,
+    MainW,
+    MainH,
+    MainWS,
+    OptL,
+    OptT,
+    FInfoL,
+    FInfoT,
+    MainColW,
+    MainColP,
+    MainColV,
+    MainSort,
+    MainTree,
+    MainSubfolders,
+    InterfaceLanguage,
 };
 
 struct SettingRow {
@@ -349,6 +369,22 @@ inline constexpr std::array settingsTable{
                0,
                65535},
     flagRow(Setting::PreserveFileTimes, "PreserveFileTimes", false),
+    numberRow(Setting::MainL, "MainL", noPlace, SettingsGroup::Window),
+    numberRow(Setting::MainT, "MainT", noPlace, SettingsGroup::Window),
+    numberRow(Setting::MainW, "MainW", noPlace, SettingsGroup::Window),
+    numberRow(Setting::MainH, "MainH", noPlace, SettingsGroup::Window),
+    numberRow(Setting::MainWS, "MainWS", 0, SettingsGroup::Window),
+    numberRow(Setting::OptL, "OptL", noPlace, SettingsGroup::Window),
+    numberRow(Setting::OptT, "OptT", noPlace, SettingsGroup::Window),
+    numberRow(Setting::FInfoL, "FInfoL", noPlace, SettingsGroup::Window),
+    numberRow(Setting::FInfoT, "FInfoT", noPlace, SettingsGroup::Window),
+    textRow(Setting::MainColW, "MainColW", "", SettingsGroup::Window),
+    textRow(Setting::MainColP, "MainColP", "", SettingsGroup::Window),
+    textRow(Setting::MainColV, "MainColV", "", SettingsGroup::Window),
+    textRow(Setting::MainSort, "MainSort", "", SettingsGroup::Window),
+    flagRow(Setting::MainTree, "MainTree", false, SettingsGroup::Window),
+    flagRow(Setting::MainSubfolders, "MainSubfolders", false, SettingsGroup::Window),
+    textRow(Setting::InterfaceLanguage, "Language", "", SettingsGroup::Language),
 };
 
 /// The table is indexed by Setting, so a row out of its place must not compile.

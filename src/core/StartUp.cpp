@@ -87,6 +87,8 @@ void StartUp::choosePriority(const CommandLine&) {
 }
 
 void StartUp::chooseLanguage(const CommandLine&) {
+    const std::string& chosen = settings_.text(Setting::InterfaceLanguage);
+    texts_ = Texts(languageFor(chosen.empty() ? systemLanguage() : chosen));
     std::string file = options_.languageFile.value_or("");
     if (file.empty() && !options_.noLanguageFile && settings_.flag(Setting::LangFileEn))
         file = settings_.text(Setting::LangFile);
@@ -105,7 +107,7 @@ void StartUp::tellIgnoredWords(const CommandLine&) {
 int StartUp::dispatch() {
     switch (options_.mode) {
         case RunMode::Help:
-            return print(helpPage(texts_));
+            return showHelp();
         case RunMode::Version:
             return print(texts_.get(Text::VersionLine, parts_.programVersion) + '\n');
         case RunMode::LanguageTemplate:
@@ -132,7 +134,8 @@ int StartUp::runJob(const JobRow& job) {
                       parts_.progress,
                       parts_.cancel,
                       ansiCodePage(settings_),
-                      texts_.get(Text::VersionLine, parts_.programVersion)};
+                      texts_.get(Text::VersionLine, parts_.programVersion),
+                      [this] { chooseLanguage({}); }};
     return job.run(services);
 }
 
@@ -140,6 +143,12 @@ int StartUp::writeTemplate() {
     if (const auto path = writeLanguageTemplate(texts_, options_.startFolder))
         return print(texts_.get(Text::TemplateWritten, *path) + '\n');
     errors_.report(Text::FileNotOpenedForWriting, "tavlo.lng");
+    return errors_.exitCode();
+}
+
+int StartUp::showHelp() {
+    if (!parts_.showPage) return print(helpPage(texts_));
+    parts_.showPage(helpPage(texts_), texts_);
     return errors_.exitCode();
 }
 

@@ -30,7 +30,8 @@ struct Services {
     Progress& progress;
     CancelFlag& cancel;
     int ansiCodePage;
-    std::string programName = {};  ///< with the version
+    std::string programName = {};            ///< with the version
+    std::function<void()> changeTexts = {};  ///< makes `texts` what the settings say now
 };
 
 /// A run mode and what does its work; the answer is the process's exit code.
@@ -50,6 +51,8 @@ struct StartUpParts {
     CancelFlag& cancel;
     std::string programVersion;
     std::function<void(PriorityClass)> setPriority = setPriorityClass;
+    /// Shows the help where nobody hears the output; empty: it is printed all the same.
+    std::function<void(const std::string& page, const Texts& texts)> showPage = {};
 };
 
 /// Prepares the process step by step and then runs the one job that the command line asks for. A
@@ -80,6 +83,7 @@ class StartUp {
     int dispatch();
     int runJob(const JobRow& job);
     int writeTemplate();
+    int showHelp();
     int print(const std::string& text);
 
     StartUpParts parts_;

@@ -76,18 +76,20 @@ bool startsWithDigit(std::string_view text) {
     return !text.empty() && text[0] >= '0' && text[0] <= '9';
 }
 
+// Takes a number off the text's front and gives its digits without leading zeros.
+std::string_view takeNumber(std::string_view& text) {
+    while (text.starts_with('0')) text.remove_prefix(1);
+    std::size_t length = 0;
+    while (startsWithDigit(text.substr(length))) ++length;
+    const std::string_view digits = text.substr(0, length);
+    text.remove_prefix(length);
+    return digits;
+}
+
 // Takes the number off both texts and compares it by value, however many digits it has.
 std::strong_ordering compareNumbers(std::string_view& a, std::string_view& b) {
-    const auto take = [](std::string_view& text) {
-        while (text.starts_with('0')) text.remove_prefix(1);
-        std::size_t length = 0;
-        while (startsWithDigit(text.substr(length))) ++length;
-        const std::string_view digits = text.substr(0, length);
-        text.remove_prefix(length);
-        return digits;
-    };
-    const std::string_view first = take(a);
-    const std::string_view second = take(b);
+    const std::string_view first = takeNumber(a);
+    const std::string_view second = takeNumber(b);
     if (first.size() != second.size()) return first.size() <=> second.size();
     return first.compare(second) <=> 0;
 }
@@ -102,6 +104,13 @@ std::size_t commonFront(std::string_view a, std::string_view b) {
     while (front > 0 && (cutsLetter(a) || cutsLetter(b))) --front;
     while (front > 0 && startsWithDigit(a.substr(front - 1))) --front;
     return front;
+}
+
+// In bytes of which the last one is not full, so that a longer length comes behind a shorter one.
+void appendLength(std::string& key, std::size_t length) {
+    constexpr std::size_t full = 255;
+    key.append(length / full, '\xFF');
+    key += static_cast<char>(length % full);
 }
 
 std::strong_ordering compareFolded(std::string_view a, std::string_view b) {
@@ -193,6 +202,68 @@ std::uint64_t hashNoCase(std::string_view text) {
 std::strong_ordering compareNatural(std::string_view a, std::string_view b) {
     if (const auto order = compareFolded(a, b); std::is_neq(order)) return order;
     return a.compare(b) <=> 0;
+}
+
+void appendNaturalKey(std::string& key, std::string_view text) {
+    constexpr char32_t noText = 0x110000;  // where bytes that are no text begin
+    while (!text.empty()) {
+        if (startsWithDigit(text)) {
+            const std::string_view digits = takeNumber(text);
+            key += '0';
+            appendLength(key, digits.size());
+            key += digits;
+            continue;
+        }
+        const Folded next = firstFolded(text);
+        if (next.value < 0x80) {
+            key += static_cast<char>(next.value);
+        } else if (next.value < noText) {
+            appendUtf8(key, next.value);
+        } else {
+            key += '\xF8';
+            key += static_cast<char>(next.value - noText);
+        }
+        text.remove_prefix(next.length);
+    }
+}
+
+// Plain letters and capitals of Russian are so many of all letters that they go without tables.
+void appendLowerCase(std::string& out, std::string_view text) {
+    const std::size_t start = out.size();
+    out.resize(start + text.size());
+    char* to = out.data() + start;
+    while (!text.empty()) {
+        const auto first = static_cast<unsigned char>(text[0]);
+        if (first < 0x80) {
+            *to++ = lowerAscii(text[0]);
+            text.remove_prefix(1);
+            continue;
+        }
+        const auto second = static_cast<unsigned char>(text.size() > 1 ? text[1] : 0);
+        const bool isSmall = (first == 0xD0 && second >= 0xB0 && second <= 0xBF) ||
+                             (first == 0xD1 && second >= 0x80 && second <= 0x8F);
+        if (isSmall) {
+            *to++ = text[0];
+            *to++ = text[1];
+            text.remove_prefix(2);
+            continue;
+        }
+        const CodePoint next = firstCodePoint(text);
+        std::string letter(text.substr(0, next.length));
+        if (next.valid) {
+            letter.clear();
+            appendUtf8(letter, lowerCase(next.value));
+        }
+        // A small letter that is longer than its capital moves the rest on.
+        if (letter.size() > next.length) {
+            const auto done = static_cast<std::size_t>(to - out.data());
+            out.resize(out.size() + letter.size() - next.length);
+            to = out.data() + done;
+        }
+        to = std::copy(letter.begin(), letter.end(), to);
+        text.remove_prefix(next.length);
+    }
+    out.resize(static_cast<std::size_t>(to - out.data()));
 }
 
 }  // namespace tavlo

@@ -29,4 +29,11 @@ std::uint64_t hashNoCase(std::string_view text);
 /// Texts that differ only in case or leading zeros are ordered by their bytes.
 std::strong_ordering compareNatural(std::string_view a, std::string_view b);
 
+/// Bytes whose plain order is that of `compareNatural`, but for what only differs in case or
+/// leading zeros: they are equal. For sorting many texts. Appended to `key`.
+void appendNaturalKey(std::string& key, std::string_view text);
+
+/// The text in lower case, appended; made for searching many texts.
+void appendLowerCase(std::string& out, std::string_view text);
+
 }  // namespace tavlo

@@ -40,8 +40,8 @@ std::optional<TextEncoding> takeEncoding(ByteCursor& cursor) {
 
 class FrameWalk {
  public:
-    FrameWalk(File& source, ID3tag& record, const ReadContext& context)
-        : source_(source), record_(record), context_(context) {}
+    FrameWalk(File& source, ID3tag& record, const ReadContext& context, const FrameTaker& take)
+        : source_(source), record_(record), context_(context), take_(take) {}
 
     void run(std::uint64_t at, std::uint64_t end) {
         end_ = end;
@@ -49,6 +49,7 @@ class FrameWalk {
         while (const auto header = headerAt(at)) {
             const std::uint64_t body = at + headerSize_;
             if (header->bodySize > end_ - body || isSync(header->id)) break;
+            if (take_) take_(*header, source_.view(body, header->bodySize));
             if (!interpret(*header, body)) keep(*header, body);
             at = body + header->bodySize;
         }
@@ -257,6 +258,7 @@ class FrameWalk {
     File& source_;
     ID3tag& record_;
     const ReadContext& context_;
+    const FrameTaker& take_;
     const int version_ = record_.ID3v2Ext.MajorVersion;
     const std::size_t headerSize_ = frameHeaderSize(version_);
     std::uint64_t end_ = 0;
@@ -283,9 +285,9 @@ bool isReadable(const cID3v2ext& ext) {
     return ext.MajorVersion == 3 || ext.MajorVersion == 4 ||
            (ext.MajorVersion == 2 && !ext.bExtendedHeader);
 }
-}  // namespace
 
-std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context) {
+std::optional<TagSpan> readTag(File& file, ID3tag& record, const ReadContext& context,
+                               const FrameTaker& take) {
     if (textOf(file.view(0, tagMark.size())) != tagMark) return std::nullopt;
     record.IsID3v2Present = true;
     cID3v2ext& ext = record.ID3v2Ext;
@@ -303,14 +305,24 @@ std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContex
             file.view(TagHeader::size, static_cast<std::size_t>(end) - TagHeader::size));
         File plain;
         plain.openMemory(body);
-        FrameWalk(plain, record, context).run(0, body.size());
+        FrameWalk(plain, record, context, take).run(0, body.size());
     } else {
-        FrameWalk walk(file, record, context);
+        FrameWalk walk(file, record, context, take);
         walk.run(TagHeader::size, end);
         span.end = walk.soundAt().value_or(span.end);
     }
     ext.bDamaged = TagHeader::size + std::uint64_t{header->bodySize} > file.size();
     return span;
+}
+}  // namespace
+
+std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context) {
+    return readTag(file, record, context, {});
+}
+
+void ListID3v2Frames(File& file, const CodePage& ansi, const FrameTaker& take) {
+    ID3tag record;
+    readTag(file, record, {ansi, ReadDepth::Tags}, take);
 }
 
 // The footer counts only where it really is: what else stands there is sound.

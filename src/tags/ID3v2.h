@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "platform/File.h"
 #include "tags/ID3tag.h"
+#include "tags/ID3v2Frame.h"
 #include "tags/TagReading.h"
 
 namespace tavlo {
@@ -13,6 +15,12 @@ namespace tavlo {
 /// nothing where there is none. With `ReadDepth::List` the picture is noted without its bytes and
 /// frames that the program does not interpret are passed over.
 std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context);
+
+/// Gives every frame of the tag at the file's start, understood or not, in the file's order: its
+/// header with the size that it really has, and its body, which holds until the call returns.
+/// Unsynchronisation of the whole tag is undone, what a frame's own flags say is not.
+using FrameTaker = std::function<void(const FrameHeader&, Bytes body)>;
+void ListID3v2Frames(File& file, const CodePage& ansi, const FrameTaker& take);
 
 /// The offset behind the tag that begins at `begin`, its footer included where there really is one;
 /// `begin` itself where there is no tag. Never beyond the file's end.

@@ -18,10 +18,6 @@
 namespace tavlo {
 
 namespace {
-bool hasWriter(FileTypes type) {
-    return (type & (FileType::Mp3 | FileType::Ape2Only)) != 0;
-}
-
 // --- Opening -------------------------------------------------------------------------------------
 
 bool openWritable(File& file, const std::string& path) {
@@ -226,6 +222,10 @@ TagSettings tagSettings(const Settings& settings) {
     return {settings.flag(Setting::EnableID3v1Tags), settings.flag(Setting::EnableID3v2Tags),
             settings.flag(Setting::EnableID3v24),    settings.flag(Setting::EnableID3v2Unicode),
             settings.flag(Setting::EnableAPE2Tags),  settings.flag(Setting::PreserveFileTimes)};
+}
+
+bool hasWriter(FileTypes type) {
+    return (type & (FileType::Mp3 | FileType::Ape2Only)) != 0;
 }
 
 std::optional<Text> refusalText(Refusal refusal) {

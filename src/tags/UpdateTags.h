@@ -21,6 +21,9 @@ enum class TagUpdate {
 /// record as the file had it. With `dryRun` nothing is changed, not even the file's attributes.
 TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before = nullptr);
 
+/// Whether tags of files of this type are written at all.
+bool hasWriter(FileTypes type);
+
 /// Whether and why `UpdateTags` would leave the file of a record that was just read alone.
 Refusal expectedRefusal(const ID3tag& record, const TagSettings& settings);
 

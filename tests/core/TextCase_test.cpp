@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace tavlo {
 namespace {
@@ -52,6 +56,79 @@ TEST(TextCase, OnlyEqualBytesCompareEqual) {
     EXPECT_TRUE(compareNatural("track 7", "Track 8") < 0);
     EXPECT_TRUE(compareNatural("Track 07", "Track 8") < 0);
     EXPECT_TRUE(compareNatural("Track 7", "Track 08") < 0);
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// What two texts have in common that a key holds equal.
+std::string likeness(std::string_view text) {
+    const std::string lower = lowerCase(text);
+    std::string out;
+    for (std::size_t i = 0; i < lower.size(); ++i) {
+        const bool begins = out.empty() || !isDigit(out.back());
+        const bool goesOn = i + 1 < lower.size() && isDigit(lower[i + 1]);
+        if (lower[i] != '0' || !begins || !goesOn) out += lower[i];
+    }
+    return out;
+}
+
+std::vector<std::string> textsOfPieces(std::size_t count) {
+    // clang-format off
+    const std::vector<std::string> pieces{
+        "0", "00", "1", "9", "10", "a", "A", "b", "Ж", "ж", "я", "Ё", "é", "É", " ", "/", ":", "-",
+        "\xFF", "\xF8", "\xD0", "\x96", "\xED\xA0\x80", "\xF0\x9F\x8E\xB5", "\x01"};
+    // clang-format on
+    std::mt19937 random(7);
+    const auto below = [&](std::size_t end) { return random() % end; };
+    std::vector<std::string> texts;
+    while (texts.size() < count) {
+        std::string& text = texts.emplace_back();
+        for (std::size_t left = below(6); left > 0; --left) text += pieces[below(pieces.size())];
+    }
+    return texts;
+}
+
+void expectKeysAgree(const std::vector<std::string>& texts) {
+    std::vector<std::string> keys(texts.size()), alike;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        appendNaturalKey(keys[i], texts[i]);
+        alike.push_back(likeness(texts[i]));
+    }
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        for (std::size_t j = 0; j < texts.size(); ++j) {
+            const bool isEqual = alike[i] == alike[j];
+            ASSERT_EQ(keys[i] == keys[j], isEqual) << texts[i] << " | " << texts[j];
+            if (isEqual) continue;
+            ASSERT_EQ(keys[i] < keys[j], std::is_lt(compareNatural(texts[i], texts[j])))
+                << texts[i] << " | " << texts[j];
+        }
+    }
+}
+
+TEST(TextCase, KeysAreOrderedAsTextsAre) {
+    std::vector<std::string> texts = textsOfPieces(400);
+    const auto number = [](std::size_t length, char digit) { return std::string(length, digit); };
+    for (const std::size_t length : {254U, 255U, 256U, 510U, 511U, 700U}) {
+        for (const char* behind : {"", "a", "\xFF"}) {
+            texts.push_back(number(length, '1') + behind);
+            texts.push_back(number(length, '9') + behind);
+            texts.push_back("00" + number(length, '1') + behind);
+        }
+    }
+    expectKeysAgree(texts);
+    std::string key = "before";
+    appendNaturalKey(key, "a");
+    EXPECT_EQ(key, "beforea");
+}
+
+TEST(TextCase, AppendedLowerCaseIsThatOfTheWholeText) {
+    for (const std::string& text : textsOfPieces(300)) {
+        std::string out = "Before ";
+        appendLowerCase(out, text);
+        EXPECT_EQ(out, "Before " + lowerCase(text)) << text;
+    }
 }
 
 }  // namespace
