@@ -160,7 +160,8 @@ def packs(kind, *places):
 TOC = bytes([0, 26, 1, 2]) + bytes([0, 0x10, 1, 0, 0, 0, 2, 0, 0, 0x14, 2, 0, 0, 4, 5, 6,
                                     0, 0x10, 0xAA, 0, 0, 40, 1, 74])
 CD_TEXT = packs(0x80, (0, 0, b"Album\0One\0\t\0"), (3, 0, b"A long title")) + packs(
-    0x81, (0, 0, b"Band\0\0\0\0\0\0\0\0"), (1, 0x80, b"\x83\x65\0\0\t\t\0\0\0\0\0\0"))
+    0x81, (0, 0, b"Band\0\0\0\0\0\0\0\0"), (1, 0x80, b"\x83\x65\0\0\t\t\0\0\0\0\0\0")) + packs(
+    0x8F, (0, 0, b"\x80\1\2" + bytes(9)))
 
 SEEDS = {
     "id3v1": [V1, id3v1(b"\xc8\xec\xff", 0), b"x" * 40 + V1 + b"behind it", V1[:127]],
@@ -177,6 +178,9 @@ SEEDS = {
         (0x03, b"", b""), (0x07, TAG3, V1), (0x1B, TAG4, APE + LYRICS + V1), (0x13, TAG2, LYRICS),
         (0x0F, FLAGGED, APE + V1 + b"behind it"), (0x17, FLAGGED4, APE), (0x01, UNSYNC, V1),
         (0x10, b"", V1), (0x23, EXTENDED, APE + LYRICS + V1))],
+    "layers": [TAG3 + FRAME * 2 + APE + LYRICS + V1, TAG4 + V1, FLAGGED4 + APE, UNSYNC + V1,
+               b"\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\2\0\0\0\3",
+               b"\xff\xd8\xff\xe0\0\4\0\0\xff\xc0\0\x11\x08\0\2\0\3"],
     "playlist": [b"#EXTM3U\r\n#EXTINF:10,a\r\n..\\a\\b.mp3\r\n\r\n./c.mp3 \n/d//e.mp3\n",
                  b"C:\\a/b.mp3\n\\\\server\\share\\c.mp3\n\\d.mp3\n\xcf\xee.mp3",
                  b"\xef\xbb\xbf" + "Ночь.mp3".encode(), b"#a\na.mp3\r \nb.mp3 \t\r\n#\xd0\x96"],

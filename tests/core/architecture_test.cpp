@@ -27,7 +27,8 @@ constexpr Room rooms[] = {
     {"collection", {"tags"}},
     {"convert", {"collection"}},
     {"cd", {"core"}},
-    {"ui", {"convert", "cd"}},
+    {"desk", {"convert", "cd"}},
+    {"ui", {"desk"}},
     {"main", {"ui"}},
 };
 

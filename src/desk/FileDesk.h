@@ -1,0 +1,119 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/StartUp.h"
+#include "desk/Commands.h"
+#include "desk/FileTable.h"
+#include "desk/FileWork.h"
+#include "desk/FolderReader.h"
+#include "desk/TagChanges.h"
+
+namespace tavlo {
+
+/// What became different since the last look.
+struct DeskNews {
+    bool rowsCame = false;
+    bool loadingEnded = false;
+    bool rowsChanged = false;
+    bool rowsRemoved = false;
+    bool workEnded = false;
+};
+
+/// The main window's work without its windows: what is shown, what is selected, which edits are not
+/// saved, and the reading, saving and deleting that goes on beside it. Its owner calls `poll` some
+/// ten times a second.
+class FileDesk {
+ public:
+    explicit FileDesk(Services& services) : services_(services) {}
+
+    /// Shows folders, playlists or files. Edits that were not saved are dropped: ask first. Nothing
+    /// happens while files are being written.
+    void show(std::vector<std::string> paths);
+    void showAgain() { show(std::vector<std::string>(paths_)); }
+    [[nodiscard]] const std::vector<std::string>& paths() const { return paths_; }
+    /// The folder that is shown; empty where it is not just one.
+    [[nodiscard]] std::string folder() const;
+
+    DeskNews poll();
+    /// Ends reading or writing; what is done stays.
+    void stop();
+    [[nodiscard]] bool isLoading() const { return reader_ != nullptr; }
+    [[nodiscard]] bool isWorking() const { return work_ != nullptr; }
+    [[nodiscard]] bool wasStopped() const { return wasStopped_; }  ///< while it was loading
+    /// How far reading or writing is: files done, and files known of.
+    [[nodiscard]] std::pair<std::size_t, std::size_t> progress() const;
+
+    [[nodiscard]] FileTable& table() { return table_; }
+    [[nodiscard]] const FileTable& table() const { return table_; }
+    [[nodiscard]] const PendingEdits& edits() const { return edits_; }
+
+    void select(std::vector<RowId> rows) { selected_ = std::move(rows); }
+    [[nodiscard]] const std::vector<RowId>& selected() const { return selected_; }
+
+    /// Changes to the selected files; those whose tags cannot be written are left out.
+    void editSelected(const TagChanges& changes);
+    void revertSelected();
+    [[nodiscard]] CommonValue common(TagField field) const {
+        return edits_.common(table_, selected_, field);
+    }
+
+    void copyTags();
+    void pasteTags();
+
+    /// Writes every edit that is pending.
+    void save();
+    /// Of the last saving: files that another program had changed. Taken once.
+    std::vector<RowId> takeChanged();
+    /// Writes their edits on top of what they hold now.
+    void saveOnTop(std::span<const RowId> rows);
+    /// Drops their edits and shows what they hold now.
+    void reload(std::span<const RowId> rows);
+
+    /// Takes over what a file holds now that this process has just changed it.
+    void readNow(RowId row);
+
+    void deleteSelected();
+    void copySelected(const std::string& folder);
+    /// Gives a file another name in its folder; playlists follow. Gives what went wrong, if so.
+    std::optional<std::string> rename(RowId row, const std::string& name);
+
+    /// What went wrong since the last call, a line each.
+    std::vector<std::string> takeFailures();
+    /// Files that were copied or saved by what ended last.
+    [[nodiscard]] std::size_t workDone() const { return workDone_; }
+
+    [[nodiscard]] DeskState state() const;
+
+ private:
+    [[nodiscard]] std::vector<FileItem> itemsOf(std::span<const RowId> rows) const;
+    [[nodiscard]] WorkContext context() const;
+    [[nodiscard]] bool isEditable(RowId row) const;
+    void begin(std::vector<FileItem> items, std::function<FileResult(const FileItem&)> work);
+    void takeRows(DeskNews& news);
+    void takeResults(DeskNews& news);
+    void take(FileResult result, std::vector<RowId>& removed);
+    void forget(std::span<const RowId> rows);
+
+    Services& services_;
+    FileTable table_;
+    PendingEdits edits_;
+    std::vector<RowId> selected_;
+    std::vector<std::string> paths_;
+    std::unique_ptr<FolderReader> reader_;
+    std::unique_ptr<FileWork> work_;
+    std::size_t workDone_ = 0;
+    bool wasStopped_ = false;
+    std::vector<RowId> changed_;
+    std::vector<std::string> failures_;
+    std::optional<TagChanges> copied_;
+};
+
+/// Puts a text at the front of a remembered list, once.
+void remember(Settings& settings, HistoryList list, const std::string& text);
+
+}  // namespace tavlo

@@ -1,0 +1,100 @@
+#include "desk/FileWork.h"
+
+#include "collection/RenamePlan.h"
+#include "core/QuietWork.h"
+#include "platform/FileSystem.h"
+#include "platform/FileTransfer.h"
+#include "platform/RecycleBin.h"
+#include "tags/AudioFile.h"
+#include "tags/UpdateTags.h"
+
+namespace tavlo {
+
+namespace {
+FileResult resultOf(const FileItem& item) {
+    return {item.row, item.path, FileOutcome::Failed, {}, {}, item.changes};
+}
+
+FileResult gone(const FileItem& item, const Texts& texts) {
+    FileResult result = resultOf(item);
+    result.outcome = FileOutcome::Gone;
+    result.message = texts.get(Text::FileGone, item.path);
+    return result;
+}
+
+bool isFolder(const FileItem& item) {
+    const auto there = fileInfo(item.path);
+    return there && there->isFolder;
+}
+
+FileOutcome write(const FileItem& item, ID3tag& record, const WriteContext& context) {
+    if (!record.OK) {
+        context.errors.report(Text::FileNotRead, item.path);
+        return FileOutcome::Failed;
+    }
+    item.changes->applyTo(record);
+    const bool isRefused = UpdateTags(record, context) == TagUpdate::Refused;
+    return isRefused || context.errors.count() > 0 ? FileOutcome::Failed : FileOutcome::Saved;
+}
+}  // namespace
+
+FileResult saveTags(const FileItem& item, bool evenIfChanged, const WorkContext& context,
+                    const Texts& texts) {
+    if (!item.changes) return readAgain(item, context, texts);
+    const auto there = fileInfo(item.path);
+    if (!there || there->isFolder) return gone(item, texts);
+    FileResult result = resultOf(item);
+    const CodePage ansi(context.ansiCodePage);
+    if (!evenIfChanged && (there->size != item.size || there->modified != item.modified)) {
+        result.outcome = FileOutcome::Changed;
+        return result;
+    }
+    KeptLines kept;
+    ErrorReport errors(texts, kept);
+    NoProgress progress;
+    ID3tag record = ReadAudioFile(item.path, {ansi});
+    result.outcome =
+        write(item, record, {ansi, context.tags, errors, progress, context.calls, false});
+    result.message = kept.joined();
+    if (result.outcome == FileOutcome::Failed && result.message.empty()) {
+        result.message = texts.get(Text::FileNotWritten, item.path);
+    }
+    result.record = ReadAudioFile(item.path, {ansi});
+    return result;
+}
+
+FileResult readAgain(const FileItem& item, const WorkContext& context, const Texts& texts) {
+    if (!fileInfo(item.path) || isFolder(item)) return gone(item, texts);
+    FileResult result = resultOf(item);
+    result.record = ReadAudioFile(item.path, {CodePage(context.ansiCodePage)});
+    result.outcome = FileOutcome::Read;
+    return result;
+}
+
+FileResult deleteFile(const FileItem& item, bool toRecycleBin, const Texts& texts) {
+    if (!isTaken(item.path) || isFolder(item)) return gone(item, texts);
+    FileResult result = resultOf(item);
+    if (toRecycleBin ? moveToRecycleBin(item.path) : removeFile(item.path)) {
+        result.outcome = FileOutcome::Removed;
+    } else {
+        result.message = texts.get(toRecycleBin ? Text::NotRecycled : Text::NotDeleted, item.path);
+    }
+    return result;
+}
+
+FileResult copyToFolder(const FileItem& item, const std::string& folder, const Texts& texts) {
+    const PathStyle style = nativePathStyle();
+    FileResult result = resultOf(item);
+    result.message = texts.get(Text::NotCopied, item.path);
+    const std::string wanted = joinPath(folder, fileNameOf(item.path, style), style);
+    const std::string free =
+        freePath(wanted, style, [](std::string_view path) { return !isTaken(std::string(path)); });
+    if (free.empty()) return result;
+    const Transfer copied = copyFile(item.path, free);
+    if (copied != Transfer::Done && copied != Transfer::Copied) return result;
+    result.outcome = FileOutcome::Copied;
+    result.message.clear();
+    return result;
+}
+
+}  // namespace tavlo
