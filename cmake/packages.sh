@@ -1,16 +1,19 @@
 # Debian packages that ./run, ./test and bench/run need, and how they get there; sourced by them
 # with `root` set to the project's folder.
-run_packages=(g++ cmake ninja-build rapidjson-dev zlib1g-dev)
+run_packages=(g++ cmake ninja-build rapidjson-dev zlib1g-dev libwxgtk3.2-dev)
 fast_packages=("${run_packages[@]}" googletest clang-format)
 # What conversions start.
 codec_packages=(lame vorbis-tools flac wavpack musepack-tools ffmpeg faad)
+# What a real window is driven and looked at with.
+window_packages=(xvfb openbox xdotool imagemagick)
 test_packages=("${fast_packages[@]}" g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
-    wine wine64
+    make xz-utils wine wine64 "${window_packages[@]}"
     clang libclang-rt-14-dev
     python3-mutagen libtag1-dev "${codec_packages[@]}")
 lint_packages=("${run_packages[@]}" googletest clang-tidy)
 peers_packages=("${run_packages[@]}" lame python3-mutagen libtag1-dev)
-bench_packages=("${run_packages[@]}" pkg-config libtag1-dev python3-mutagen strace lame)
+bench_packages=("${run_packages[@]}" pkg-config libtag1-dev python3-mutagen strace lame
+    "${window_packages[@]}")
 
 # Prints those of its arguments that are installed.
 installed_packages() {

@@ -8,7 +8,9 @@ export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
 # What Wine's recycle bin takes must not go to the user's.
 export XDG_DATA_HOME=$root/build/data TAVLO_TEST_BIN=Z:$root/build/data
 mkdir -p "$XDG_DATA_HOME"
+# Windows are shown only where a test has a screen for them.
 unset DISPLAY WAYLAND_DISPLAY
+[ -z "${TAVLO_DISPLAY:-}" ] || export DISPLAY=$TAVLO_DISPLAY
 server=$(command -v wineserver || command -v wineserver-stable || echo /usr/lib/wine/wineserver)
 
 # Wine's own processes outlive the program that starts them: they must not hold the caller's pipes.

@@ -1,0 +1,334 @@
+#include "ui/FileListCtrl.h"
+
+#include <wx/menu.h>
+#include <wx/settings.h>
+
+#include <algorithm>
+
+#include "core/PathText.h"
+#include "ui/WxText.h"
+
+namespace tavlo {
+
+namespace {
+constexpr long selectedState = wxLIST_STATE_SELECTED;
+
+// Where the same value shows as a field of the tag editor.
+std::optional<TagField> fieldOf(ListColumn column) {
+    const auto rows = tagFields();
+    const auto found =
+        std::ranges::find(rows, listColumnRow(column).caption, &TagFieldRow::caption);
+    if (found == rows.end()) return std::nullopt;
+    return found->field;
+}
+}  // namespace
+
+FileListCtrl::FileListCtrl(wxWindow* parent, FileDesk& desk, ColumnLayout& layout,
+                           const Texts& texts, FileListEvents events)
+    : wxListCtrl(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_VIRTUAL),
+      desk_(desk),
+      layout_(layout),
+      texts_(texts),
+      events_(std::move(events)) {
+    unsaved_.SetFont(GetFont().Bold());
+    failed_.SetFont(GetFont().Italic());
+    failed_.SetTextColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
+    readOnly_.SetTextColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
+    makeColumns();
+    Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { onSelection(); });
+    Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { onSelection(); });
+    // Ranges that Shift selects are not told by every system.
+    const auto look = [this](wxWindow* window) {
+        window->Bind(wxEVT_LEFT_UP, [this](wxMouseEvent& event) {
+            event.Skip();
+            onSelection();
+        });
+        window->Bind(wxEVT_KEY_UP, [this](wxKeyEvent& event) {
+            event.Skip();
+            onSelection();
+        });
+    };
+    look(this);
+    for (wxWindow* const child : GetChildren()) look(child);
+    Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&) { events_.activated(); });
+    Bind(wxEVT_LIST_COL_CLICK, [this](wxListEvent& event) {
+        const int column = event.GetColumn();
+        if (column >= 0) events_.columnClicked(columns_[static_cast<std::size_t>(column)]);
+    });
+    Bind(wxEVT_LIST_COL_RIGHT_CLICK, &FileListCtrl::onColumnMenu, this);
+    Bind(wxEVT_LIST_COL_END_DRAG, [this](wxListEvent& event) {
+        event.Skip();
+        CallAfter([this] {
+            keepWidths();
+            events_.columnResized();
+        });
+    });
+    Bind(wxEVT_CONTEXT_MENU, &FileListCtrl::onContextMenu, this);
+    Bind(wxEVT_CHAR_HOOK, &FileListCtrl::onKey, this);
+}
+
+void FileListCtrl::makeColumns() {
+    columns_ = layout_.shown();
+    DeleteAllColumns();
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        const ListColumnRow& row = listColumnRow(columns_[i]);
+        const Text caption = columns_[i] == ListColumn::Size ? Text::KilobytesHeading : row.caption;
+        InsertColumn(static_cast<long>(i), toWx(texts_.get(caption)),
+                     row.alignsRight ? wxLIST_FORMAT_RIGHT : wxLIST_FORMAT_LEFT,
+                     FromDIP(layout_.width(columns_[i])));
+    }
+    showSortMark();
+}
+
+void FileListCtrl::showSortMark() {
+    const auto at =
+        layout_.sortColumn ? std::ranges::find(columns_, *layout_.sortColumn) : columns_.end();
+    if (at == columns_.end()) {
+        RemoveSortIndicator();
+    } else {
+        ShowSortIndicator(static_cast<int>(at - columns_.begin()), !layout_.descending);
+    }
+}
+
+void FileListCtrl::fitColumns() {
+    const long first = GetTopItem();
+    const long last = std::min<long>(first + GetCountPerPage() + 1, GetItemCount());
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        const ListColumnRow& row = listColumnRow(columns_[i]);
+        int width = GetTextExtent(toWx(texts_.get(row.caption))).x + FromDIP(28);
+        for (long item = first; item < last; ++item) {
+            width = std::max(
+                width, GetTextExtent(OnGetItemText(item, static_cast<long>(i))).x + FromDIP(18));
+        }
+        SetColumnWidth(static_cast<int>(i), std::min(width, FromDIP(420)));
+    }
+    keepWidths();
+}
+
+void FileListCtrl::keepWidths() {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        layout_.setWidth(columns_[i], ToDIP(GetColumnWidth(static_cast<int>(i))));
+    }
+}
+
+wxString FileListCtrl::OnGetItemText(long item, long column) const {
+    const auto place = static_cast<std::size_t>(item);
+    if (place >= desk_.table().shownCount()) return {};
+    const RowId row = desk_.table().shownAt(place);
+    const ListColumn shown = columns_[static_cast<std::size_t>(column)];
+    const auto edits = desk_.edits().of(row);
+    if (edits) {
+        if (shown == ListColumn::FileName) {
+            return toWx("\u25CF " + cellText(desk_.table().row(row), shown));
+        }
+        if (const auto field = fieldOf(shown)) {
+            return toWx(desk_.edits().value(desk_.table(), row, *field));
+        }
+    }
+    return toWx(cellText(desk_.table().row(row), shown));
+}
+
+wxItemAttr* FileListCtrl::OnGetItemAttr(long item) const {
+    const auto place = static_cast<std::size_t>(item);
+    if (place >= desk_.table().shownCount()) return nullptr;
+    const RowId row = desk_.table().shownAt(place);
+    if (desk_.edits().has(row)) return &unsaved_;
+    if (desk_.table().row(row).isFailed) return &failed_;
+    if (desk_.table().row(row).isReadOnly) return &readOnly_;
+    return nullptr;
+}
+
+void FileListCtrl::rowsCame() {
+    SetItemCount(static_cast<long>(desk_.table().shownCount()));
+    Refresh();
+}
+
+void FileListCtrl::rowsRepainted() {
+    Refresh();
+}
+
+void FileListCtrl::rowsMoved() {
+    isRestoring_ = true;
+    SetItemState(-1, 0, selectedState);
+    rowsCame();
+    const std::vector<RowId>& selected = desk_.selected();
+    if (!selected.empty()) {
+        std::vector<bool> isSelected(*std::ranges::max_element(selected) + 1);
+        for (const RowId row : selected) isSelected[row] = true;
+        const auto shown = desk_.table().shown();
+        for (std::size_t place = 0; place < shown.size(); ++place) {
+            if (shown[place] >= isSelected.size() || !isSelected[shown[place]]) continue;
+            SetItemState(static_cast<long>(place), selectedState, selectedState);
+        }
+    }
+    isRestoring_ = false;
+    onSelection();
+}
+
+std::vector<RowId> FileListCtrl::selectedRows() const {
+    std::vector<RowId> rows;
+    rows.reserve(static_cast<std::size_t>(GetSelectedItemCount()));
+    for (long item = -1; (item = GetNextItem(item, wxLIST_NEXT_ALL, selectedState)) >= 0;) {
+        const auto place = static_cast<std::size_t>(item);
+        if (place < desk_.table().shownCount()) rows.push_back(desk_.table().shownAt(place));
+    }
+    return rows;
+}
+
+// A range that is selected comes as many events: they are told as one.
+void FileListCtrl::onSelection() {
+    if (isRestoring_ || isSelectionDirty_) return;
+    isSelectionDirty_ = true;
+    CallAfter([this] {
+        isSelectionDirty_ = false;
+        events_.selectionChanged();
+    });
+}
+
+void FileListCtrl::selectAll() {
+    SetItemState(-1, selectedState, selectedState);
+    onSelection();
+}
+
+void FileListCtrl::invertSelection() {
+    std::vector<bool> wasSelected(static_cast<std::size_t>(GetItemCount()));
+    for (long item = -1; (item = GetNextItem(item, wxLIST_NEXT_ALL, selectedState)) >= 0;) {
+        wasSelected[static_cast<std::size_t>(item)] = true;
+    }
+    isRestoring_ = true;
+    SetItemState(-1, selectedState, selectedState);
+    for (std::size_t place = 0; place < wasSelected.size(); ++place) {
+        if (wasSelected[place]) SetItemState(static_cast<long>(place), 0, selectedState);
+    }
+    isRestoring_ = false;
+    onSelection();
+}
+
+void FileListCtrl::selectOnly(RowId row) {
+    const auto place = desk_.table().placeOf(row);
+    if (!place) return;
+    const auto item = static_cast<long>(*place);
+    SetItemState(-1, 0, selectedState);
+    SetItemState(item, selectedState | wxLIST_STATE_FOCUSED, selectedState | wxLIST_STATE_FOCUSED);
+    EnsureVisible(item);
+}
+
+void FileListCtrl::focusFirst() {
+    if (GetItemCount() > 0) SetItemState(0, wxLIST_STATE_FOCUSED, wxLIST_STATE_FOCUSED);
+}
+
+// Keys that mean something else while text is typed belong to the list alone.
+void FileListCtrl::onKey(wxKeyEvent& event) {
+    const bool isPlain = event.GetModifiers() == wxMOD_NONE;
+    if (nameField_ != nullptr) return event.Skip();
+    if (isPlain && event.GetKeyCode() == WXK_DELETE) return events_.command(Command::Delete);
+    if (isPlain && event.GetKeyCode() == WXK_BACK) return events_.command(Command::Up);
+    if (event.GetModifiers() == wxMOD_CONTROL && event.GetKeyCode() == 'A') return selectAll();
+    event.Skip();
+}
+
+wxRect FileListCtrl::nameCell(long item) const {
+    const auto column = std::ranges::find(columns_, ListColumn::FileName);
+    wxRect cell;
+    const auto index = static_cast<long>(column == columns_.end() ? 0 : column - columns_.begin());
+    GetSubItemRect(item, index, cell);
+    cell.width = std::max(cell.width, FromDIP(240));
+    return cell;
+}
+
+void FileListCtrl::editName(RowId row) {
+    const auto place = desk_.table().placeOf(row);
+    if (!place || nameField_ != nullptr) return;
+    EnsureVisible(static_cast<long>(*place));
+    const wxRect cell = nameCell(static_cast<long>(*place));
+    const std::string name(desk_.table().row(row).text(RowText::Name));
+    nameRow_ = row;
+    nameField_ = new wxTextCtrl(GetParent(), wxID_ANY, toWx(name), wxDefaultPosition, wxDefaultSize,
+                                wxTE_PROCESS_ENTER);
+    const wxPoint corner = GetParent()->ScreenToClient(ClientToScreen(cell.GetPosition()));
+    const int height = std::max(cell.height, nameField_->GetBestSize().y);
+    nameField_->SetSize(corner.x, corner.y, cell.width, height);
+    nameField_->Raise();
+    nameField_->SetFocus();
+    const auto base = baseNameOf(name, nativePathStyle());
+    nameField_->SetSelection(0, static_cast<long>(toWx(base).length()));
+    nameField_->Bind(wxEVT_TEXT_ENTER, [this](wxCommandEvent&) { endEdit(true); });
+    nameField_->Bind(wxEVT_KILL_FOCUS, [this](wxFocusEvent& event) {
+        event.Skip();
+        CallAfter([this] { endEdit(false); });
+    });
+    nameField_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+        if (event.GetKeyCode() != WXK_ESCAPE) return event.Skip();
+        endEdit(false);
+    });
+}
+
+void FileListCtrl::endEdit(bool isAccepted) {
+    if (nameField_ == nullptr) return;
+    wxTextCtrl* const field = std::exchange(nameField_, nullptr);
+    // A name that nobody changed stays, also where not all of it can be shown.
+    const std::string old(desk_.table().row(nameRow_).text(RowText::Name));
+    const bool isChanged = !field->IsEmpty() && field->GetValue() != toWx(old);
+    const std::string name = fromWx(field->GetValue());
+    field->Hide();
+    field->CallAfter([field] { field->Destroy(); });
+    SetFocus();
+    if (isAccepted && isChanged) events_.renamed(nameRow_, name);
+}
+
+void FileListCtrl::onColumnMenu(wxListEvent& event) {
+    wxMenu menu;
+    const auto add = [&](Text caption, const std::function<void()>& act) {
+        wxMenuItem* const item = menu.Append(wxID_ANY, toWx(texts_.get(caption)));
+        menu.Bind(
+            wxEVT_MENU, [act](wxCommandEvent&) { act(); }, item->GetId());
+    };
+    const int at = event.GetColumn();
+    const auto change = [this](const std::function<void()>& act) {
+        keepWidths();
+        act();
+        makeColumns();
+        Refresh();
+    };
+    if (at >= 0) {
+        const ListColumn column = columns_[static_cast<std::size_t>(at)];
+        add(Text::SortAgainCaption, [=, this] { events_.columnClicked(column); });
+        add(Text::MoveLeftCaption, [=, this] { change([&] { layout_.move(column, false); }); });
+        add(Text::MoveRightCaption, [=, this] { change([&] { layout_.move(column, true); }); });
+        add(Text::HideColumnCaption, [=, this] { change([&] { layout_.show(column, false); }); });
+        menu.AppendSeparator();
+    }
+    add(Text::AutoSizeCaption, [this] { fitColumns(); });
+    add(Text::ColumnsCaption, [this] { events_.command(Command::Columns); });
+    menu.AppendSeparator();
+    for (const ListColumnRow& row : listColumns) {
+        wxMenuItem* const item = menu.AppendCheckItem(wxID_ANY, toWx(texts_.get(row.caption)));
+        item->Check(layout_.isShown(row.column));
+        menu.Bind(
+            wxEVT_MENU,
+            [=, this](wxCommandEvent&) {
+                change([&] { layout_.show(row.column, !layout_.isShown(row.column)); });
+            },
+            item->GetId());
+    }
+    PopupMenu(&menu);
+}
+
+void FileListCtrl::onContextMenu(wxContextMenuEvent&) {
+    static constexpr std::array commands{
+        Command::Play,         Command::Enqueue,      Command::Info,
+        Command::CopyTags,     Command::PasteTags,    Command::Rename,
+        Command::CopyToTarget, Command::ShowInFolder, Command::Delete};
+    const DeskState state = events_.state();
+    wxMenu menu;
+    for (const tavlo::Command command : commands) {
+        const CommandRow& row = commandRow(command);
+        wxMenuItem* const item = menu.Append(wxID_ANY, toWx(texts_.get(row.caption)));
+        item->Enable(row.isPossible(state));
+        menu.Bind(
+            wxEVT_MENU, [=, this](wxCommandEvent&) { events_.command(command); }, item->GetId());
+    }
+    PopupMenu(&menu);
+}
+
+}  // namespace tavlo

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <wx/listctrl.h>
+#include <wx/textctrl.h>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "core/Texts.h"
+#include "desk/ColumnLayout.h"
+#include "desk/FileDesk.h"
+
+namespace tavlo {
+
+/// What the list asks its window for.
+struct FileListEvents {
+    std::function<void()> selectionChanged;
+    std::function<void(ListColumn)> columnClicked;
+    std::function<void(Command)> command;
+    std::function<DeskState()> state;  ///< decides what a menu offers
+    std::function<void(RowId, const std::string& name)> renamed;
+    std::function<void()> columnResized;  ///< by a person
+    std::function<void()> activated;
+};
+
+/// The main list. It holds no row: it asks the desk for what it paints.
+class FileListCtrl : public wxListCtrl {
+ public:
+    FileListCtrl(wxWindow* parent, FileDesk& desk, ColumnLayout& layout, const Texts& texts,
+                 FileListEvents events);
+
+    /// Makes the columns anew, after another layout or language.
+    void makeColumns();
+    void showSortMark();
+    /// As wide as what the rows on the screen hold.
+    void fitColumns();
+
+    /// The number of rows or their order has changed: the selection moves with its rows.
+    void rowsMoved();
+    /// Rows came behind those that are there.
+    void rowsCame();
+    void rowsRepainted();
+
+    [[nodiscard]] std::vector<RowId> selectedRows() const;
+    void selectAll();
+    void invertSelection();
+    /// Selects one row alone and shows it.
+    void selectOnly(RowId row);
+    /// The arrow keys begin at the first row.
+    void focusFirst();
+    /// Opens the name of a row for typing.
+    void editName(RowId row);
+
+ private:
+    wxString OnGetItemText(long item, long column) const override;
+    wxItemAttr* OnGetItemAttr(long item) const override;
+
+    void onKey(wxKeyEvent& event);
+    void onSelection();
+    void onColumnMenu(wxListEvent& event);
+    void onContextMenu(wxContextMenuEvent& event);
+    void keepWidths();
+    void endEdit(bool isAccepted);
+    [[nodiscard]] wxRect nameCell(long item) const;
+
+    FileDesk& desk_;
+    ColumnLayout& layout_;
+    const Texts& texts_;
+    FileListEvents events_;
+    std::vector<ListColumn> columns_;
+    mutable wxItemAttr unsaved_, failed_, readOnly_;
+    bool isRestoring_ = false;
+    bool isSelectionDirty_ = false;
+    wxTextCtrl* nameField_ = nullptr;
+    RowId nameRow_ = 0;
+};
+
+}  // namespace tavlo

@@ -1,0 +1,335 @@
+#include <wx/aboutdlg.h>
+#include <wx/app.h>
+#include <wx/dirdlg.h>
+#include <wx/filedlg.h>
+#include <wx/utils.h>
+
+#include <algorithm>
+#include <array>
+
+#include "collection/FolderPlaylist.h"
+#include "core/Help.h"
+#include "core/PathText.h"
+#include "desk/PlayerCommand.h"
+#include "platform/FileSystem.h"
+#include "platform/SystemOpen.h"
+#include "ui/ColumnsDialog.h"
+#include "ui/FileInfoDialog.h"
+#include "ui/MainFrame.h"
+#include "ui/Messages.h"
+#include "ui/OptionsDialog.h"
+#include "ui/WxText.h"
+
+namespace tavlo {
+
+void MainFrame::perform(Command command) {
+    if (!commandRow(command).isPossible(state())) return wxBell();
+    struct Row {
+        Command command;
+        void (*act)(MainFrame&);
+    };
+    static constexpr std::array rows{
+        Row{Command::OpenFolder, [](MainFrame& w) { w.openFolder(); }},
+        Row{Command::OpenList, [](MainFrame& w) { w.openList(); }},
+        Row{Command::Save, [](MainFrame& w) { w.save(); }},
+        Row{Command::Revert, [](MainFrame& w) { w.revert(); }},
+        Row{Command::Play, [](MainFrame& w) { w.play(false); }},
+        Row{Command::Enqueue, [](MainFrame& w) { w.play(true); }},
+        Row{Command::ShowInFolder, [](MainFrame& w) { w.showContaining(); }},
+        Row{Command::Rename, [](MainFrame& w) { w.renameSelected(); }},
+        Row{Command::Delete, [](MainFrame& w) { w.deleteSelected(); }},
+        Row{Command::CopyToTarget, [](MainFrame& w) { w.copyToTarget(); }},
+        Row{Command::ListRelative, [](MainFrame& w) { w.makeList(false); }},
+        Row{Command::ListAbsolute, [](MainFrame& w) { w.makeList(true); }},
+        Row{Command::Info, [](MainFrame& w) { w.showInfo(); }},
+        Row{Command::Quit, [](MainFrame& w) { w.Close(); }},
+        Row{Command::SelectAll, [](MainFrame& w) { w.list_->selectAll(); }},
+        Row{Command::Invert, [](MainFrame& w) { w.list_->invertSelection(); }},
+        Row{Command::CopyTags, [](MainFrame& w) { w.copyTags(); }},
+        Row{Command::PasteTags, [](MainFrame& w) { w.pasteTags(); }},
+        Row{Command::EmptyField, [](MainFrame& w) { w.editor_->emptyFocused(); }},
+        Row{Command::Find, [](MainFrame& w) { w.txtFilter_->SetFocus(); }},
+        Row{Command::PickCover, [](MainFrame& w) { w.editor_->cover().pick(); }},
+        Row{Command::PasteCover, [](MainFrame& w) { w.editor_->cover().paste(); }},
+        Row{Command::ExportCover, [](MainFrame& w) { w.editor_->cover().exportCover(); }},
+        Row{Command::RemoveCover, [](MainFrame& w) { w.editor_->cover().remove(); }},
+        Row{Command::Options, [](MainFrame& w) { w.showOptionsPages(); }},
+        Row{Command::Up, [](MainFrame& w) { w.goUp(); }},
+        Row{Command::Refresh, [](MainFrame& w) { w.open(std::vector(w.desk_.paths())); }},
+        Row{Command::Stop, [](MainFrame& w) { w.desk_.stop(); }},
+        Row{Command::Columns, [](MainFrame& w) { w.editColumns(); }},
+        Row{Command::AutoSize, [](MainFrame& w) { w.list_->fitColumns(); }},
+        Row{Command::Unsort, [](MainFrame& w) { w.unsort(); }},
+        Row{Command::GoToList, [](MainFrame& w) { w.list_->SetFocus(); }},
+        Row{Command::GoToFolder, [](MainFrame& w) { w.cmbFolder_->SetFocus(); }},
+        Row{Command::GoToEditor, [](MainFrame& w) { w.editor_->focusFirst(); }},
+        Row{Command::CommandHelp,
+            [](MainFrame& w) {
+                showPage(&w, w.texts_, Text::CommandHelpTitle, helpPage(w.texts_));
+            }},
+        Row{Command::About, [](MainFrame& w) { w.about(); }},
+    };
+    const auto* row = std::ranges::find(rows, command, &Row::command);
+    if (row != rows.end()) {
+        row->act(*this);
+    } else {
+        toggle(command);
+    }
+    if (!told_.lines.empty()) showFailed();
+}
+
+// What was typed belongs to the files that were selected until now.
+void MainFrame::onSelection() {
+    const std::vector<RowId> rows = list_->selectedRows();
+    if (rows == desk_.selected()) return;
+    const bool typed = editor_->commit();
+    desk_.select(rows);
+    editor_->showSelection();
+    if (!typed) return;
+    list_->rowsRepainted();
+    if (services_.settings.flag(Setting::AutoTagsUpdate)) desk_.save();
+}
+
+void MainFrame::onFilter() {
+    {
+        const Trace::Span span(trace_, "filtered");
+        desk_.table().filter(fromWx(txtFilter_->GetValue()));
+        list_->rowsMoved();
+    }
+    trace_.note("listed", static_cast<double>(desk_.table().shownCount()));
+}
+
+void MainFrame::sortBy(ListColumn column) {
+    const Trace::Span span(trace_, "sorted");
+    layout_.descending = layout_.sortColumn == column && !layout_.descending;
+    layout_.sortColumn = column;
+    desk_.table().sortBy(column, layout_.descending);
+    list_->showSortMark();
+    list_->rowsMoved();
+}
+
+void MainFrame::unsort() {
+    layout_.sortColumn.reset();
+    desk_.table().unsort();
+    list_->showSortMark();
+    list_->rowsMoved();
+}
+
+// Esc ends what is going on, or else the filter.
+void MainFrame::onKey(wxKeyEvent& event) {
+    if (event.GetKeyCode() != WXK_ESCAPE || event.GetModifiers() != wxMOD_NONE) return event.Skip();
+    if (desk_.isLoading() || desk_.isWorking()) return desk_.stop();
+    if (txtFilter_->HasFocus() || !txtFilter_->IsEmpty()) txtFilter_->Clear();
+    list_->SetFocus();
+}
+
+void MainFrame::openFolder() {
+    const wxString chosen = wxDirSelector(toWx(texts_.get(Text::OpenFolderTitle)),
+                                          toWx(desk_.folder()), 0, wxDefaultPosition, this);
+    if (!chosen.empty()) open({fromWx(chosen)});
+}
+
+void MainFrame::openList() {
+    const wxString lists = "*.m3u;*.m3u8;*.M3U;*.M3U8";
+    wxFileDialog dialog(this, toWx(texts_.get(Text::OpenListTitle)), toWx(desk_.folder()), {},
+                        toWx(texts_.get(Text::ListFiles)) + "|" + lists,
+                        wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+    if (dialog.ShowModal() == wxID_OK) open({fromWx(dialog.GetPath())});
+}
+
+void MainFrame::save() {
+    editor_->commit();
+    desk_.save();
+    editor_->showSelection();
+    list_->rowsRepainted();
+}
+
+void MainFrame::revert() {
+    desk_.revertSelected();
+    editor_->showSelection();
+    list_->rowsRepainted();
+}
+
+void MainFrame::copyTags() {
+    editor_->commit();
+    desk_.copyTags();
+    editor_->showSelection();
+}
+
+void MainFrame::pasteTags() {
+    editor_->commit();
+    desk_.pasteTags();
+    editor_->showSelection();
+    list_->rowsRepainted();
+}
+
+std::vector<std::string> MainFrame::selectedPaths() const {
+    std::vector<std::string> paths;
+    for (const RowId row : desk_.selected()) paths.push_back(desk_.table().row(row).path());
+    return paths;
+}
+
+void MainFrame::play(bool enqueues) {
+    playFiles(services_, selectedPaths(), enqueues ? PlayWish::Enqueue : PlayWish::Play);
+}
+
+void MainFrame::showContaining() {
+    const std::string path = selectedPaths().front();
+    if (!showInFolder(path)) told_.lines.push_back(texts_.get(Text::NotStarted, path));
+}
+
+void MainFrame::renameSelected() {
+    list_->editName(desk_.selected().front());
+}
+
+void MainFrame::onRenamed(RowId row, const std::string& name) {
+    if (desk_.isWorking()) return wxBell();
+    editor_->commit();
+    if (const auto failure = desk_.rename(row, name)) told_.lines.push_back(*failure);
+    editor_->showSelection();
+    list_->rowsRepainted();
+    trace_.note("renamed", static_cast<double>(told_.lines.size()));
+    showFailed();
+}
+
+void MainFrame::deleteSelected() {
+    const bool toBin = services_.settings.flag(Setting::DeleteToRecycleBin);
+    const std::string question = texts_.get(toBin ? Text::AskRecycle : Text::AskDelete,
+                                            std::to_string(desk_.selected().size()));
+    if (confirm(this, texts_, question, Text::AskDeleteYes)) desk_.deleteSelected();
+}
+
+void MainFrame::copyToTarget() {
+    const std::string folder = absolutePath(cmbTarget_->path());
+    if (!folderExists(folder)) {
+        told_.lines.push_back(texts_.get(Text::FolderNotFound, folder));
+        return;
+    }
+    Settings& settings = services_.settings;
+    settings.set(Setting::TargetFolderPath, folder);
+    settings.save(Setting::TargetFolderPath);
+    remember(settings, HistoryList::TargetFolders, folder);
+    cmbTarget_->setHistory(settings.history(HistoryList::TargetFolders));
+    desk_.copySelected(folder);
+}
+
+void MainFrame::makeList(bool absolutePaths) {
+    const wxBusyCursor busy;
+    NoProgress progress;
+    const CancelFlag never{false};
+    const CodePage ansi(services_.ansiCodePage);
+    PlaylistWish wish{desk_.folder()};
+    wish.absolutePaths = absolutePaths;
+    const auto list = folderPlaylist(wish, ansi, progress, never);
+    if (!list || !writePlaylist(*list, false)) {
+        told_.lines.push_back(texts_.get(Text::ListNotWrittenThere, wish.folder));
+        return;
+    }
+    trace_.note("list", static_cast<double>(list->files));
+    tell(Text::ListWritten, list->path);
+}
+
+void MainFrame::showInfo() {
+    editor_->commit();
+    std::vector<std::string> paths = selectedPaths();
+    std::size_t at = 0;
+    if (paths.size() == 1) {
+        // One file: its neighbours can be visited.
+        paths.clear();
+        for (const RowId row : desk_.table().shown()) {
+            if (row == desk_.selected().front()) at = paths.size();
+            paths.push_back(desk_.table().row(row).path());
+        }
+    }
+    FileInfoDialog(this, services_, std::move(paths), at, [this](const std::string& path) {
+        reloadFile(path);
+    }).ShowModal();
+    editor_->showSelection();
+    list_->rowsRepainted();
+}
+
+void MainFrame::reloadFile(const std::string& path) {
+    if (const auto row = desk_.table().rowOfPath(path)) desk_.readNow(*row);
+    list_->rowsRepainted();
+}
+
+void MainFrame::showOptionsPages() {
+    if (!showOptions(this, services_)) return;
+    if (services_.changeTexts) services_.changeTexts();
+    speak();
+    showParts();
+    list_->rowsRepainted();
+}
+
+void MainFrame::goUp() {
+    const std::string folder = desk_.folder();
+    const std::string above(parentOf(folder, nativePathStyle()));
+    if (!above.empty() && above != folder) open({above});
+}
+
+void MainFrame::toggle(Command command) {
+    const auto setting = commandRow(command).setting;
+    if (!setting) return;
+    Settings& settings = services_.settings;
+    settings.set(*setting, !settings.flag(*setting));
+    settings.save(*setting);
+    showParts();
+    updateMenus(false);
+    if (command == Command::Subfolders) open(std::vector(desk_.paths()));
+}
+
+void MainFrame::editColumns() {
+    if (!chooseColumns(this, texts_, layout_)) return;
+    list_->makeColumns();
+    list_->rowsRepainted();
+}
+
+void MainFrame::about() {
+    wxAboutDialogInfo info;
+    info.SetName(toWx(services_.programName));
+    info.SetDescription(toWx(texts_.get(Text::AboutText)));
+    wxAboutBox(info, this);
+}
+
+bool MainFrame::mayLeave() {
+    editor_->commit();
+    if (desk_.edits().isEmpty()) return true;
+    if (services_.settings.flag(Setting::AutoTagsUpdate)) return saveAndWait();
+    const int answer =
+        ask(this, texts_, texts_.get(Text::AskSave, std::to_string(desk_.edits().count())),
+            {Text::AskSaveYes, Text::AskSaveNo});
+    list_->rowsRepainted();
+    editor_->showSelection();
+    if (answer == wxID_NO) return true;
+    return answer == wxID_YES && saveAndWait();
+}
+
+bool MainFrame::saveAndWait() {
+    if (isWaiting_) return false;
+    isWaiting_ = true;
+    desk_.save();
+    while (desk_.isWorking()) {
+        wxMilliSleep(10);
+        wxTheApp->Yield(true);
+    }
+    isWaiting_ = false;
+    return desk_.edits().isEmpty();
+}
+
+// The file that is at work is brought to its end first.
+void MainFrame::onClose(wxCloseEvent& event) {
+    if (isWaiting_ || modals_.areOpen()) return event.Veto();
+    isClosing_ = desk_.isWorking() && event.CanVeto();
+    if (isClosing_) {
+        desk_.stop();
+        return event.Veto();
+    }
+    if (event.CanVeto() && !mayLeave()) return event.Veto();
+    desk_.stop();
+    timer_.Stop();
+    keepPlace();
+    trace_.note("closed");
+    Destroy();
+}
+
+}  // namespace tavlo
