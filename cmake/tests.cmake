@@ -63,3 +63,22 @@ foreach(script IN LISTS scripts)
         ENVIRONMENT "TAVLO=${program};TAVLO_SYSTEM=${system};XDG_CONFIG_HOME=${settings};\
 TAVLO_CHILD=$<TARGET_FILE:tavlo_child>")
 endforeach()
+
+# The real window on a screen of its own; its pictures stay in the build's folder. What libraries of
+# the system leak is not looked for.
+add_executable(tavlo_drag_source EXCLUDE_FROM_ALL tests/window/drag_source.cpp)
+target_link_libraries(tavlo_drag_source PRIVATE tavlo_wx)
+if(CMAKE_CROSSCOMPILING)
+    set(drag ${CMAKE_SOURCE_DIR}/build/test/tavlo_drag_source)
+else()
+    set(drag $<TARGET_FILE:tavlo_drag_source>)
+    set_target_properties(tavlo_drag_source PROPERTIES EXCLUDE_FROM_ALL OFF)
+endif()
+add_test(NAME ${system}.window COMMAND bash ${CMAKE_SOURCE_DIR}/tests/window/smoke.sh
+    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
+set_tests_properties(${system}.window PROPERTIES
+    TIMEOUT 400
+    SKIP_RETURN_CODE 77
+    RUN_SERIAL ON
+    ENVIRONMENT "TAVLO=${program};TAVLO_SYSTEM=${system};TAVLO_DRAG=${drag};\
+TAVLO_PICTURES=${CMAKE_BINARY_DIR}/pictures;ASAN_OPTIONS=detect_leaks=0")
