@@ -51,15 +51,9 @@ std::string Texts::get(Text text) const {
 }
 
 std::string Texts::get(Text text, std::string_view argument) const {
-    const std::string pattern = get(text);
-    std::string result;
-    std::size_t from = 0;
-    for (std::size_t at = pattern.find(placeholder); at != std::string::npos;
-         at = pattern.find(placeholder, from)) {
-        result.append(pattern, from, at - from).append(argument);
-        from = at + placeholder.size();
-    }
-    return result.append(pattern, from);
+    std::string result = get(text);
+    replaceAll(result, placeholder, argument);
+    return result;
 }
 
 std::string Texts::languageFileTemplate() const {

@@ -22,19 +22,14 @@ std::string findPlayer(const std::string& player, const ToolPlaces& places) {
 
 std::string playerArguments(const std::string& pattern, const std::string& path) {
     const std::string file = quotedArgument(path);
+    std::string result = pattern;
     // Who has put the quotes into the setting gets them once.
-    std::string rest = pattern;
-    replaceAll(rest, "\"%1\"", filePlace);
-    std::string result;
-    std::size_t from = 0;
-    for (std::size_t at = rest.find(filePlace); at != std::string::npos;
-         at = rest.find(filePlace, from)) {
-        result.append(rest, from, at - from).append(file);
-        from = at + filePlace.size();
+    replaceAll(result, "\"%1\"", filePlace);
+    if (result.find(filePlace) == std::string::npos) {
+        return result + (result.empty() ? "" : " ") + file;
     }
-    result.append(rest, from);
-    if (from > 0) return result;
-    return result + (result.empty() ? "" : " ") + file;
+    replaceAll(result, filePlace, file);
+    return result;
 }
 
 PlayerOrders playerOrders(const Settings& settings, const std::vector<std::string>& files,

@@ -204,15 +204,6 @@ void FileListCtrl::invertSelection() {
     onSelection();
 }
 
-void FileListCtrl::selectOnly(RowId row) {
-    const auto place = desk_.table().placeOf(row);
-    if (!place) return;
-    const auto item = static_cast<long>(*place);
-    SetItemState(-1, 0, selectedState);
-    SetItemState(item, selectedState | wxLIST_STATE_FOCUSED, selectedState | wxLIST_STATE_FOCUSED);
-    EnsureVisible(item);
-}
-
 void FileListCtrl::focusFirst() {
     if (GetItemCount() > 0) SetItemState(0, wxLIST_STATE_FOCUSED, wxLIST_STATE_FOCUSED);
 }

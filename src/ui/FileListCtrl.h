@@ -45,8 +45,6 @@ class FileListCtrl : public wxListCtrl {
     [[nodiscard]] std::vector<RowId> selectedRows() const;
     void selectAll();
     void invertSelection();
-    /// Selects one row alone and shows it.
-    void selectOnly(RowId row);
     /// The arrow keys begin at the first row.
     void focusFirst();
     /// Opens the name of a row for typing.
