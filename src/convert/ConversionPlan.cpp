@@ -57,18 +57,15 @@ class Planner {
             !settings_.bitrateRise &&
             wouldNotShrink(row.type, row.bitrate, settings_.target, settings_.encoders);
         if (!stays) return ConversionStep::ReEncode;
-        return samePath(sourceIn(row), row.source) ? ConversionStep::Skip : ConversionStep::Copy;
-    }
-
-    static std::string sourceIn(const Conversion& row) {
-        return joinPath(row.folder, fileNameOf(row.source, nativePathStyle()), nativePathStyle());
+        return samePath(unchangedTarget(row), row.source) ? ConversionStep::Skip
+                                                          : ConversionStep::Copy;
     }
 
     // The source's name with the result's extension, cut where it would be too long.
     [[nodiscard]] std::string wantedPath(const Conversion& row) const {
         constexpr std::size_t longestName = 255;
         constexpr std::size_t roomForNumber = 6;
-        if (row.step == ConversionStep::Copy) return sourceIn(row);
+        if (row.step == ConversionStep::Copy) return unchangedTarget(row);
         const std::string_view extension = settings_.target.format == FileType::Wave
                                                ? ".wav"
                                                : outputExtension(settings_.target.format);
@@ -141,6 +138,10 @@ bool takeFreeName(Conversion& row) {
     row.target = freePath(row.target, nativePathStyle(),
                           [](std::string_view path) { return !isTaken(std::string(path)); });
     return !row.target.empty();
+}
+
+std::string unchangedTarget(const Conversion& row) {
+    return joinPath(row.folder, fileNameOf(row.source, nativePathStyle()), nativePathStyle());
 }
 
 std::string correctionFile(const Conversion& row) {

@@ -51,6 +51,9 @@ void countTime(Conversion& row);
 /// Gives a row the next name that nothing has, for its own was taken meanwhile.
 bool takeFreeName(Conversion& row);
 
+/// Where the source lies if it is kept as it is.
+std::string unchangedTarget(const Conversion& row);
+
 /// The second file of a WavPack file that has one; empty for every other type.
 std::string correctionFile(const Conversion& row);
 

@@ -111,7 +111,6 @@ EncoderSettings encoderSettings(const Settings& settings, const JobOptions& opti
     encoders.musepackStream8 = settings.flag(Setting::EnableMPCSV8);
     encoders.lame393 = settings.flag(Setting::EnableLAME393);
     encoders.separateMp3Decoder = settings.flag(Setting::SeparateMP3Decoder);
-    encoders.faacMode = settings.number(Setting::FAACModeDef);
     encoders.monkeyLevel = settings.number(Setting::MonkeyModeDef);
     encoders.flacLevel = settings.number(Setting::FLACModeDef);
     encoders.lame = userPresets(settings, Setting::LamePreset1Name);

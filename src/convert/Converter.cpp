@@ -63,9 +63,8 @@ ConversionResult Converter::EncodeWavFile(Conversion& row) {
         context_.error(Text::EncodingError);
         return ConversionResult::Failed;
     }
-    if (!finish(row, result.path(), *encoded)) return ConversionResult::Failed;
-    removeSource(row, context_.settings.deletesWaves);
-    return ConversionResult::Converted;
+    const bool isPlaced = finish(row, result.path(), *encoded, context_.settings.deletesWaves);
+    return isPlaced ? ConversionResult::Converted : ConversionResult::Failed;
 }
 
 // What was finished when somebody cancelled is kept.
@@ -89,9 +88,8 @@ ConversionResult Converter::ReEncodeFile(Conversion& row) {
                              row.type == context_.settings.target.format &&
                              savesTooLittle(row.bitrate, encoded->record.Bitrate);
     if (isDiscarded) return keepSource(row, Text::CopiedEncoded, Text::SkippedEncoded);
-    if (!finish(row, result.path(), *encoded)) return ConversionResult::Failed;
-    removeSource(row, context_.settings.deletesCompressed);
-    return ConversionResult::Converted;
+    const bool isPlaced = finish(row, result.path(), *encoded, context_.settings.deletesCompressed);
+    return isPlaced ? ConversionResult::Converted : ConversionResult::Failed;
 }
 
 // A playing time that was guessed from one frame is counted first, for it tells whether all of the
@@ -118,9 +116,7 @@ ConversionResult Converter::decode(Conversion& row) {
 
 // The source is copied where its result was wanted, or left where it is.
 ConversionResult Converter::keepSource(Conversion& row, Text copied, Text skipped) {
-    const std::string wanted =
-        joinPath(row.folder, fileNameOf(row.source, nativePathStyle()), nativePathStyle());
-    const bool isThere = samePath(wanted, row.source);
+    const bool isThere = samePath(unchangedTarget(row), row.source);
     if (isThere) row.target = row.source;
     if (!isThere && !copySource(row)) return ConversionResult::Failed;
     context_.log.AddLogLine(context_.texts.get(isThere ? skipped : copied), LogKind::Result);
@@ -150,34 +146,40 @@ ConversionResult Converter::failReEncode(Conversion& row) {
     return kept == ConversionResult::Copied ? kept : ConversionResult::Failed;
 }
 
-bool Converter::finish(Conversion& row, const std::string& result, const EncodedFile& encoded) {
-    tagsStayBehind_ = true;
-    if (context_.settings.writesTags && !carryTags(row, result, encoded)) {
+bool Converter::finish(Conversion& row, const std::string& result, const EncodedFile& encoded,
+                       bool deletesSource) {
+    const Carried carried =
+        context_.settings.writesTags ? carryTags(row, result, encoded) : Carried::KnownFields;
+    if (carried == Carried::NotWritten) {
         context_.log.AddErrorLine(context_.texts.get(Text::ReadWriteError) + " " + row.target);
         return false;
     }
-    lookForMissingTags(row, result);
-    if (row.isOwnSource && !mayReplace(row, result)) return false;
-    if (placeResult(result, row)) return true;
-    context_.error(Text::FileNotCreated, row.target);
-    return false;
+    const bool hasAllTags = carried == Carried::Everything || holdsAllTags(row, result);
+    if (row.isOwnSource && !mayReplace(row, result, hasAllTags)) return false;
+    if (!placeResult(result, row)) {
+        context_.error(Text::FileNotCreated, row.target);
+        return false;
+    }
+    if (deletesSource && !row.isOwnSource) removeSource(row, hasAllTags);
+    return true;
 }
 
 // A file gives way only to a result that is as long and has all its tags.
-bool Converter::mayReplace(const Conversion& row, const std::string& result) const {
+bool Converter::mayReplace(const Conversion& row, const std::string& result,
+                           bool hasAllTags) const {
     if (!isUnchanged(row)) {
         context_.error(Text::SourceChanged);
         return false;
     }
-    if (!tagsStayBehind_ && isReadBack(row, result)) return true;
+    if (hasAllTags && isReadBack(row, result)) return true;
     context_.error(Text::NotReplaced);
     return false;
 }
 
 // --- Tags ----------------------------------------------------------------------------------------
 
-bool Converter::carryTags(const Conversion& row, const std::string& result,
-                          const EncodedFile& encoded) {
+Converter::Carried Converter::carryTags(const Conversion& row, const std::string& result,
+                                        const EncodedFile& encoded) {
     const ConversionSettings& settings = context_.settings;
     ID3tag tags = ReadAudioFile(row.source, {context_.ansi, ReadDepth::Full});
     const bool isWave = row.type == FileType::Wave;
@@ -193,7 +195,7 @@ bool Converter::carryTags(const Conversion& row, const std::string& result,
     fill(tags.GetYear(), &ID3tag::SetYear, settings.year);
     fill(tags.GetGenre(), &ID3tag::SetGenre, settings.genre);
     const bool isWritten = (settings.target.format & typesWithTags) != 0;
-    if (!isWritten || (isWave && !hasDefaults)) return true;
+    if (!isWritten || (isWave && !hasDefaults)) return Carried::KnownFields;
     const PassingFile own(context_.work.newPath(std::string(outputExtension(row.type))));
     const bool carriesAll = row.type == settings.target.format && gatherTags(row, own.path());
     const std::string& tagged = carriesAll ? own.path() : result;
@@ -205,10 +207,10 @@ bool Converter::carryTags(const Conversion& row, const std::string& result,
                                           std::string(fileTypeName(row.type)) + " " +
                                           std::to_string(row.bitrate) + "kbps )";
     }
-    if (!writeTags(record)) return false;
-    if (carriesAll && !copyTags(tagged, result, context_.ansi, unflushedCalls())) return false;
-    tagsStayBehind_ = row.type == settings.target.format && !carriesAll;
-    return true;
+    if (!writeTags(record)) return Carried::NotWritten;
+    if (!carriesAll) return Carried::KnownFields;
+    const bool isCopied = copyTags(tagged, result, context_.ansi, unflushedCalls());
+    return isCopied ? Carried::Everything : Carried::NotWritten;
 }
 
 // Within a format nothing that its tags hold is lost. They are changed in a small file of their
@@ -240,31 +242,26 @@ bool Converter::writeTags(ID3tag& record) {
 }
 
 // Tells what the source's tags hold and the result's do not.
-void Converter::lookForMissingTags(const Conversion& row, const std::string& result) {
+bool Converter::holdsAllTags(const Conversion& row, const std::string& result) const {
     const ReadContext whole{context_.ansi, ReadDepth::Full};
     const bool isWave = row.type == FileType::Wave;
     const bool isKnown =
         isWave ? waveContents(row.source).hasOnlySound : (row.type & typesWithTags) != 0;
     if (!isKnown) {
         context_.step(Text::TagsUnread);
-        tagsStayBehind_ = true;
-        return;
+        return false;
     }
-    const bool isSameType = row.type == context_.settings.target.format;
-    if (isWave || (isSameType && !tagsStayBehind_)) {
-        tagsStayBehind_ = false;
-        return;
-    }
+    if (isWave) return true;
     std::vector<std::string> missing =
         tagsMissing(ReadAudioFile(row.source, whole), ReadAudioFile(result, whole));
     const bool hasOthers = !hasKnownTagsOnly(row.source, context_.ansi);
     if (hasOthers && (missing.empty() || missing.back() != "Others"))
         missing.emplace_back("Others");
-    tagsStayBehind_ = !missing.empty();
+    if (missing.empty()) return true;
     std::string names;
     for (const std::string& name : missing) names += (names.empty() ? "" : ", ") + name;
-    const bool isTold = tagsStayBehind_ && context_.settings.writesTags;
-    if (isTold) context_.step(Text::TagsStayBehind, names);
+    if (context_.settings.writesTags) context_.step(Text::TagsStayBehind, names);
+    return false;
 }
 
 // --- The source ----------------------------------------------------------------------------------
@@ -276,9 +273,8 @@ bool Converter::isReadBack(const Conversion& row, const std::string& result) con
            sameTime(record->Seconds, row.seconds) && !fileInfo(correctionFile(row));
 }
 
-void Converter::removeSource(const Conversion& row, bool isWanted) {
-    if (!isWanted || row.isOwnSource) return;
-    if (tagsStayBehind_) return context_.step(Text::SourceStaysForTags);
+void Converter::removeSource(const Conversion& row, bool hasAllTags) {
+    if (!hasAllTags) return context_.step(Text::SourceStaysForTags);
     if (!isUnchanged(row)) return context_.error(Text::SourceChanged);
     const auto info = fileInfo(row.source);
     const bool isFree = info && !info->isReadOnly && withoutLinks(row.source) == row.source;

@@ -29,6 +29,9 @@ class Converter {
     ConversionResult convert(Conversion& row);
 
  private:
+    /// What of the source's tags came into the result.
+    enum class Carried { NotWritten, KnownFields, Everything };
+
     ConversionResult EncodeWavFile(Conversion& row);
     ConversionResult ReEncodeFile(Conversion& row);
     ConversionResult decode(Conversion& row);
@@ -36,21 +39,22 @@ class Converter {
     ConversionResult failReEncode(Conversion& row);
     bool decodeWhole(Conversion& row, const std::string& wav);
     bool copySource(Conversion& row);
-    bool finish(Conversion& row, const std::string& result, const EncodedFile& encoded);
+    bool finish(Conversion& row, const std::string& result, const EncodedFile& encoded,
+                bool deletesSource);
     bool prepareFolder(const Conversion& row);
-    bool carryTags(const Conversion& row, const std::string& result, const EncodedFile& encoded);
+    Carried carryTags(const Conversion& row, const std::string& result, const EncodedFile& encoded);
     [[nodiscard]] bool gatherTags(const Conversion& row, const std::string& path) const;
     bool writeTags(ID3tag& record);
-    void lookForMissingTags(const Conversion& row, const std::string& result);
-    void removeSource(const Conversion& row, bool isWanted);
+    [[nodiscard]] bool holdsAllTags(const Conversion& row, const std::string& result) const;
+    void removeSource(const Conversion& row, bool hasAllTags);
     [[nodiscard]] bool isStopped(bool isFinished) const;
-    [[nodiscard]] bool mayReplace(const Conversion& row, const std::string& result) const;
+    [[nodiscard]] bool mayReplace(const Conversion& row, const std::string& result,
+                                  bool hasAllTags) const;
     [[nodiscard]] bool isReadBack(const Conversion& row, const std::string& result) const;
 
     const ConversionContext& context_;
     WavEncoder encoder_;
     WavDecoder decoder_;
-    bool tagsStayBehind_ = false;
 };
 
 }  // namespace tavlo

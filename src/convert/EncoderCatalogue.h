@@ -21,7 +21,7 @@ struct EncoderSettings {
     bool musepackStream8 = false;     ///< "mpcenc.exe" instead of "mppenc.exe"
     bool lame393 = false;             ///< "lame393.exe" for the insane preset
     bool separateMp3Decoder = false;  ///< "lamedec.exe"
-    int faacMode = 5, monkeyLevel = 2, flacLevel = 5;
+    int monkeyLevel = 2, flacLevel = 5;
     std::string lameVersion;  ///< empty where it is not known
     std::string program;      ///< this program's name and version, for tags that an encoder writes
     UserPresets lame, ogg, musepack, faac, nero;

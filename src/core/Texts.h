@@ -9,6 +9,7 @@ namespace tavlo {
 
 /// Numbers of the messages and captions; a language file replaces them by these numbers.
 enum class Text : int {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name cannot stand in parentheses
 #define TAVLO_TEXT(number, name, english, russian) name = number,
 #include "core/texts/all.inc"
 #undef TAVLO_TEXT

@@ -41,7 +41,7 @@ bool isOrder(std::array<int, listColumnCount> numbers) {
 }
 }  // namespace
 
-ColumnLayout::ColumnLayout() : order_{}, widths_{}, shown_{} {
+ColumnLayout::ColumnLayout() {
     for (const ListColumnRow& row : listColumns) {
         const std::size_t index = indexOf(row.column);
         order_[index] = row.column;

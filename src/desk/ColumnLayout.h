@@ -41,9 +41,9 @@ class ColumnLayout {
  private:
     static std::size_t indexOf(ListColumn column) { return static_cast<std::size_t>(column); }
 
-    std::array<ListColumn, listColumnCount> order_;
-    std::array<int, listColumnCount> widths_;
-    std::array<bool, listColumnCount> shown_;
+    std::array<ListColumn, listColumnCount> order_{};
+    std::array<int, listColumnCount> widths_{};
+    std::array<bool, listColumnCount> shown_{};
 };
 
 }  // namespace tavlo

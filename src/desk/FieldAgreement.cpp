@@ -16,7 +16,9 @@ constexpr std::size_t blockText = 30, blockComment = 28;
 // Programs put the plain letter for one with a mark, and plain signs for printers' ones; for
 // letters of another alphabet there is only a sign that something is missing.
 bool mayStandFor(char byte, char32_t point) {
-    constexpr char32_t lastLatin = 0x24F, firstSign = 0x2000, lastSign = 0x206F;
+    constexpr char32_t lastLatin = 0x24F;
+    constexpr char32_t firstSign = 0x2000;
+    constexpr char32_t lastSign = 0x206F;
     const bool isNear = point <= lastLatin || (point >= firstSign && point <= lastSign);
     const bool isAscii = static_cast<unsigned char>(byte) < 0x80;
     return byte == '?' || byte == '_' || (isNear && isAscii);
@@ -84,7 +86,8 @@ bool titlesAgree(const FieldValue& a, const FieldValue& b, const CodePage& ansi)
     const bool isSplit = !a.record.GetMix().empty();
     // Where both are split the mix has a row of its own.
     if (isSplit == !b.record.GetMix().empty()) return false;
-    const FieldValue &split = isSplit ? a : b, &other = isSplit ? b : a;
+    const FieldValue& split = isSplit ? a : b;
+    const FieldValue& other = isSplit ? b : a;
     const std::string titles[] = {split.record.GetTitleMix(), split.record.GetTitleMixV2()};
     return std::any_of(std::begin(titles), std::end(titles), [&](const std::string& title) {
         return textsAgree(whole(split, title), other, ansi);
@@ -97,7 +100,8 @@ bool yearsAgree(const FieldValue& a, const FieldValue& b, const CodePage&) {
 
 bool numbersAgree(const FieldValue& a, const FieldValue& b, const CodePage&) {
     constexpr int blockNumbers = 256;
-    int first = leadingNumber(a.text), second = leadingNumber(b.text);
+    int first = leadingNumber(a.text);
+    int second = leadingNumber(b.text);
     if (first == 0 && second == 0) return a.text == b.text;
     if (a.isBlock || b.isBlock) {
         first %= blockNumbers;
@@ -110,7 +114,8 @@ bool numbersAgree(const FieldValue& a, const FieldValue& b, const CodePage&) {
 bool genresAgree(const FieldValue& a, const FieldValue& b, const CodePage&) {
     constexpr std::uint8_t other = 12;
     if (equalsNoCase(a.text, b.text)) return true;
-    const std::uint8_t first = genreNumber(a.text), second = genreNumber(b.text);
+    const std::uint8_t first = genreNumber(a.text);
+    const std::uint8_t second = genreNumber(b.text);
     if (first == second) return first != noGenre;
     return (a.isBlock && first == other && second == noGenre) ||
            (b.isBlock && second == other && first == noGenre);

@@ -18,32 +18,37 @@ using ReadSize = std::optional<Size> (*)(ByteCursor);
 std::optional<Size> pngSize(ByteCursor cursor) {
     constexpr std::size_t beforeChunk = 12;
     if (!cursor.take(beforeChunk) || !cursor.takeIf("IHDR")) return std::nullopt;
-    const auto width = cursor.bigEndian(4), height = cursor.bigEndian(4);
+    const auto width = cursor.bigEndian(4);
+    const auto height = cursor.bigEndian(4);
     return height ? std::optional(Size{*width, *height}) : std::nullopt;
 }
 
 std::optional<Size> gifSize(ByteCursor cursor) {
     constexpr std::size_t markSize = 6;
     cursor.take(markSize);
-    const auto width = cursor.littleEndian(2), height = cursor.littleEndian(2);
+    const auto width = cursor.littleEndian(2);
+    const auto height = cursor.littleEndian(2);
     return height ? std::optional(Size{*width, *height}) : std::nullopt;
 }
 
 // A height below zero says that the rows begin at the top.
 std::optional<Size> bmpSize(ByteCursor cursor) {
     constexpr std::size_t fileHeader = 14;
-    constexpr std::uint32_t oldHeader = 12, signBit = 0x80000000;
+    constexpr std::uint32_t oldHeader = 12;
+    constexpr std::uint32_t signBit = 0x80000000;
     cursor.take(fileHeader);
     const auto header = cursor.littleEndian(4);
     const std::size_t width = header == oldHeader ? 2 : 4;
-    const auto across = cursor.littleEndian(width), down = cursor.littleEndian(width);
+    const auto across = cursor.littleEndian(width);
+    const auto down = cursor.littleEndian(width);
     if (!down) return std::nullopt;
     return Size{*across, (*down & signBit) != 0 ? 0 - *down : *down};
 }
 
 // Whether a marker begins a frame, which has the size (ITU-T T.81, table B.1).
 bool beginsFrame(std::uint8_t marker) {
-    constexpr std::uint8_t first = 0xC0, last = 0xCF;
+    constexpr std::uint8_t first = 0xC0;
+    constexpr std::uint8_t last = 0xCF;
     constexpr std::array<std::uint8_t, 3> others{0xC4, 0xC8, 0xCC};
     return marker >= first && marker <= last &&
            std::find(others.begin(), others.end(), marker) == others.end();
@@ -60,7 +65,8 @@ std::optional<Size> jpegSize(ByteCursor cursor) {
         if (!marker || !length || *length < lengthSize) return std::nullopt;
         if (beginsFrame(*marker)) {
             cursor.u8();  // bits of a sample
-            const auto height = cursor.bigEndian(2), width = cursor.bigEndian(2);
+            const auto height = cursor.bigEndian(2);
+            const auto width = cursor.bigEndian(2);
             return width ? std::optional(Size{*width, *height}) : std::nullopt;
         }
         if (!cursor.take(*length - lengthSize)) return std::nullopt;

@@ -17,11 +17,11 @@ inline constexpr std::size_t shellEntryCount = 3;
 
 /// Where the shell keeps its entries.
 struct ShellPlaces {
-    RegistryKey userClasses{0x80000001, "Software\\Classes"};  ///< this user's types of files
-    RegistryKey allClasses{0x80000000, ""};                    ///< everybody's, only read
-    RegistryKey choices{
-        ///< programs that this user has chosen for types, only read
-        0x80000001, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts"};
+    RegistryKey userClasses{0x80000001, R"(Software\Classes)"};  ///< this user's types of files
+    RegistryKey allClasses{0x80000000, ""};                      ///< everybody's, only read
+    /// programs that this user has chosen for types, only read
+    RegistryKey choices{0x80000001,
+                        R"(Software\Microsoft\Windows\CurrentVersion\Explorer\FileExts)"};
     RegistryKey run{0x80000001, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run"};
 };
 

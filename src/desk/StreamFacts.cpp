@@ -112,8 +112,9 @@ std::vector<FactRow> streamFacts(const ID3tag& record, const Texts& texts) {
 
 std::string wholeSizeText(std::uint64_t bytes, const Texts& texts) {
     constexpr std::array units{Text::SizeKilobytes, Text::SizeMegabytes, Text::SizeGigabytes};
-    constexpr std::uint64_t tenUnits = 10240, unitSize = 1024;
-    const std::string all = texts.get(Text::SizeBytes, groupedNumber(bytes));
+    constexpr std::uint64_t tenUnits = 10240;
+    constexpr std::uint64_t unitSize = 1024;
+    std::string all = texts.get(Text::SizeBytes, groupedNumber(bytes));
     if (bytes < tenUnits) return all;
     std::uint64_t number = bytes / unitSize;
     std::size_t unit = 0;

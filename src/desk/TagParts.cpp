@@ -90,7 +90,7 @@ std::string counterText(Bytes body, const CodePage&) {
 // Whose it is, the rating, and how often it was played.
 std::string ratingText(Bytes body, const CodePage& ansi) {
     ByteCursor cursor(body);
-    const std::string owner = ansi.toUtf8(textOf(cursor.takeUntil(0)));
+    std::string owner = ansi.toUtf8(textOf(cursor.takeUntil(0)));
     const auto rating = cursor.u8();
     if (!rating) return owner;
     const std::string count = counterText(cursor.rest(), ansi);
@@ -223,7 +223,10 @@ class Gathering {
 
     // Fields of three letters and five digits, until the block's own size.
     void addLyrics(const TagSpan& span) {
-        constexpr std::size_t beginMark = 11, endSize = 15, idSize = 3, digits = 5;
+        constexpr std::size_t beginMark = 11;
+        constexpr std::size_t endSize = 15;
+        constexpr std::size_t idSize = 3;
+        constexpr std::size_t digits = 5;
         const auto size = static_cast<std::size_t>(span.end - span.begin);
         const Bytes whole = file_.view(span.begin, size);
         if (whole.size() < beginMark + endSize) return;

@@ -25,7 +25,8 @@ WindowPlace placeOf(const Box& box) {
 
 // What can be taken hold of: the strip with the title, and enough of it.
 bool showsTitle(const Box& window, const Box& area) {
-    constexpr std::int64_t titleHeight = 24, leastWidth = 80;
+    constexpr std::int64_t titleHeight = 24;
+    constexpr std::int64_t leastWidth = 80;
     const std::int64_t seen = std::min(window.right, area.right) - std::max(window.left, area.left);
     const std::int64_t wanted = std::min(leastWidth, window.right - window.left);
     return seen >= wanted && window.top >= area.top && window.top + titleHeight <= area.bottom;

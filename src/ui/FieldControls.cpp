@@ -21,7 +21,7 @@ wxArrayString genreNames() {
 template <class Control>
 class TextField final : public FieldControl {
  public:
-    TextField(Control* control, const Texts& texts, std::function<void()> changed)
+    TextField(Control* control, const Texts& texts, const std::function<void()>& changed)
         : control_(control), texts_(texts) {
         control_->Bind(wxEVT_TEXT, [this, changed](wxCommandEvent& event) {
             event.Skip();
@@ -62,7 +62,7 @@ class TextField final : public FieldControl {
     void put(const wxString& text, std::optional<Text> hint) {
         isShowing_ = true;
         control_->SetHint(hint ? toWx(texts_.get(*hint)) : wxString());
-        control_->ChangeValue(text);
+        if (control_->GetValue() != text) control_->ChangeValue(text);  // the caret stays
         isShowing_ = false;
     }
 
@@ -75,7 +75,7 @@ class TextField final : public FieldControl {
 
 class CheckField final : public FieldControl {
  public:
-    CheckField(wxCheckBox* box, std::function<void()> changed) : box_(box) {
+    CheckField(wxCheckBox* box, const std::function<void()>& changed) : box_(box) {
         box_->Bind(wxEVT_CHECKBOX, [this, changed](wxCommandEvent&) {
             isTyped_ = true;
             changed();
@@ -115,14 +115,14 @@ class CheckField final : public FieldControl {
 };
 
 std::unique_ptr<FieldControl> makeCheck(wxWindow* parent, const Texts& texts,
-                                        std::function<void()> changed) {
+                                        const std::function<void()>& changed) {
     auto* const box = new wxCheckBox(parent, wxID_ANY, toWx(texts.get(Text::FieldCompilation)),
                                      wxDefaultPosition, wxDefaultSize, wxCHK_3STATE);
-    return std::make_unique<CheckField>(box, std::move(changed));
+    return std::make_unique<CheckField>(box, changed);
 }
 
 std::unique_ptr<FieldControl> makeGenre(wxWindow* parent, const Texts& texts,
-                                        std::function<void()> changed) {
+                                        const std::function<void()>& changed) {
     const wxArrayString names = genreNames();
     auto* const box = new wxComboBox(parent, wxID_ANY, {}, wxDefaultPosition, wxDefaultSize, names);
     box->AutoComplete(names);
@@ -133,12 +133,12 @@ std::unique_ptr<FieldControl> makeGenre(wxWindow* parent, const Texts& texts,
 }  // namespace
 
 std::unique_ptr<FieldControl> makeFieldControl(TagField field, wxWindow* parent, const Texts& texts,
-                                               std::function<void()> changed) {
-    if (field == TagField::Compilation) return makeCheck(parent, texts, std::move(changed));
-    if (field == TagField::Genre) return makeGenre(parent, texts, std::move(changed));
+                                               const std::function<void()>& changed) {
+    if (field == TagField::Compilation) return makeCheck(parent, texts, changed);
+    if (field == TagField::Genre) return makeGenre(parent, texts, changed);
     auto* const box = new wxTextCtrl(parent, wxID_ANY);
     box->SetMinSize({box->FromDIP(60), -1});
-    return std::make_unique<TextField<wxTextCtrl>>(box, texts, std::move(changed));
+    return std::make_unique<TextField<wxTextCtrl>>(box, texts, changed);
 }
 
 }  // namespace tavlo

@@ -33,6 +33,6 @@ class FieldControl {
 
 /// Makes the control that suits a field; `changed` is told of every change by a person.
 std::unique_ptr<FieldControl> makeFieldControl(TagField field, wxWindow* parent, const Texts& texts,
-                                               std::function<void()> changed);
+                                               const std::function<void()>& changed);
 
 }  // namespace tavlo

@@ -262,7 +262,8 @@ void FileInfoDialog::showTitle() {
     lblName_->SetLabelText(name);
     lblName_->SetToolTip(toWx(info_.path));
     // A button that goes out of use would take the keyboard with it.
-    const bool isFirst = at_ == 0, isLast = at_ + 1 >= paths_.size();
+    const bool isFirst = at_ == 0;
+    const bool isLast = at_ + 1 >= paths_.size();
     if (isFirst && cmdPrevious_->HasFocus()) (isLast ? cmdClose_ : cmdNext_)->SetFocus();
     if (isLast && cmdNext_->HasFocus()) (isFirst ? cmdClose_ : cmdPrevious_)->SetFocus();
     cmdPrevious_->Enable(!isFirst);
@@ -290,8 +291,9 @@ void FileInfoDialog::fillParts() {
 
 void FileInfoDialog::fillStream() {
     const Texts& texts = services_.texts;
-    std::vector<ReportRow> rows;
     const auto facts = info_.record.OK ? streamFacts(info_.record, texts) : std::vector<FactRow>();
+    std::vector<ReportRow> rows;
+    rows.reserve(facts.size());
     for (const FactRow& fact : facts) {
         rows.push_back({{texts.get(fact.caption), fact.value}, false, fact.value});
     }

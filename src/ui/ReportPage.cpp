@@ -53,7 +53,8 @@ void ReportPage::fitColumns() {
     const int columns = lstRows_->GetColumnCount();
     const int shares = std::min(static_cast<int>(shares_), columns);
     if (columns == 0) return;
-    const int least = FromDIP(90), margin = FromDIP(12);
+    const int least = FromDIP(90);
+    const int margin = FromDIP(12);
     int left = lstRows_->GetClientSize().x - wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this);
     for (int i = 0; i < columns - shares; ++i) {
         lstRows_->SetColumnWidth(i, wxLIST_AUTOSIZE);

@@ -9,7 +9,7 @@
 
 namespace tavlo {
 
-StatusPanel::StatusPanel(wxWindow* parent, const Texts& texts, std::function<void()> cancel)
+StatusPanel::StatusPanel(wxWindow* parent, const Texts& texts, const std::function<void()>& cancel)
     : wxPanel(parent), texts_(texts) {
     lblStatus_ = new wxStaticText(this, wxID_ANY, {}, wxDefaultPosition, wxDefaultSize,
                                   wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);

@@ -16,7 +16,7 @@ namespace tavlo {
 /// the sums.
 class StatusPanel : public wxPanel {
  public:
-    StatusPanel(wxWindow* parent, const Texts& texts, std::function<void()> cancel);
+    StatusPanel(wxWindow* parent, const Texts& texts, const std::function<void()>& cancel);
 
     void showProgress(Text what, std::size_t done, std::size_t count);
     void endProgress();
