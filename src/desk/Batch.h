@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "core/Progress.h"
+
 namespace tavlo {
 
 /// Work on many items, one after the other, while its owner goes on. An owner that goes waits for
@@ -15,7 +17,10 @@ namespace tavlo {
 template <class Item, class Result>
 class Batch {
  public:
-    Batch(std::vector<Item> items, std::function<Result(const Item&)> work)
+    /// `work` is told of a cancel so that it can leave a long item.
+    using Work = std::function<Result(const Item&, const CancelFlag&)>;
+
+    Batch(std::vector<Item> items, Work work)
         : items_(std::move(items)), work_(std::move(work)), thread_([this] { run(); }) {}
     Batch(const Batch&) = delete;
     Batch& operator=(const Batch&) = delete;
@@ -44,7 +49,7 @@ class Batch {
     void run() {
         for (const Item& item : items_) {
             if (isCancelled_) break;
-            Result result = work_(item);
+            Result result = work_(item, isCancelled_);
             ++done_;
             const std::scoped_lock lock(mutex_);
             results_.push_back(std::move(result));
@@ -54,8 +59,8 @@ class Batch {
     }
 
     const std::vector<Item> items_;
-    const std::function<Result(const Item&)> work_;
-    std::atomic<bool> isCancelled_{false};
+    const Work work_;
+    CancelFlag isCancelled_{false};
     std::atomic<std::size_t> done_{0};
     mutable std::mutex mutex_;  // of the two below
     std::vector<Result> results_;

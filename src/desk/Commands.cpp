@@ -13,6 +13,9 @@ bool always(const State&) {
 bool withFolder(const State& state) {
     return state.hasFolder;
 }
+bool withFolderAtRest(const State& state) {
+    return state.hasFolder && !state.isSaving;
+}
 bool withSelection(const State& state) {
     return state.selected > 0;
 }
@@ -80,14 +83,14 @@ constexpr std::array<CommandRow, 41> rows{{
      Text::ListRelativeTip,
      "Ctrl+M",
      {},
-     withFolder},
+     withFolderAtRest},
     {Command::ListAbsolute,
      Text::ListAbsoluteCaption,
      Text::ListAbsoluteTip,
      "Ctrl+Shift+M",
      {},
-     withFolder},
-    {Command::Info, Text::InfoCaption, Text::InfoTip, "Alt+Enter", {}, withSelection},
+     withFolderAtRest},
+    {Command::Info, Text::InfoCaption, Text::InfoTip, "Alt+Enter", {}, withSelectionAtRest},
     {Command::Quit, Text::QuitCaption, Text::QuitTip, "Ctrl+Q", {}, always},
     {Command::SelectAll, Text::SelectAllCaption, Text::SelectAllTip, "", {}, withRows},
     {Command::Invert, Text::InvertCaption, Text::InvertTip, "Ctrl+I", {}, withRows},

@@ -6,6 +6,7 @@
 #include "collection/RenameBasics.h"
 #include "core/FileNameText.h"
 #include "core/QuietWork.h"
+#include "core/TextCase.h"
 #include "platform/FileSystem.h"
 #include "tags/AudioFile.h"
 #include "tags/UpdateTags.h"
@@ -20,6 +21,17 @@ constexpr std::size_t mostRowsAtOnce = 3000;
 bool isNameForFiles(const std::string& name) {
     return cleanFileName(name, nativePathStyle()) == name &&
            name.find("\uFFFD") == std::string::npos;
+}
+
+// Tags keep numbers without leading zeros, genres in the spelling of their list, and no blanks at
+// the ends.
+bool isSameValue(std::string_view shown, std::string_view wanted) {
+    const auto isLoose = [](char c) { return c == ' ' || c == '0'; };
+    std::string left(shown);
+    std::string right(wanted);
+    std::erase_if(left, isLoose);
+    std::erase_if(right, isLoose);
+    return equalsNoCase(left, right);
 }
 }  // namespace
 
@@ -88,12 +100,15 @@ void FileDesk::takeResults(DeskNews& news) {
     if (!work_->isDone()) return;
     work_.reset();
     news.workEnded = true;
+    news.list = std::exchange(list_, {});
 }
 
 void FileDesk::take(FileResult result, std::vector<RowId>& removed) {
     const RowId row = result.row;
     switch (result.outcome) {
         case FileOutcome::Saved:
+            tellStaying(result);
+            [[fallthrough]];
         case FileOutcome::Read:
             table_.replace(row, result.record, result.path);
             if (edits_.of(row) == result.changes) edits_.drop(std::span(&row, 1));
@@ -112,10 +127,32 @@ void FileDesk::take(FileResult result, std::vector<RowId>& removed) {
         case FileOutcome::Copied:
             ++workDone_;
             break;
+        case FileOutcome::Listed:
+            list_ = std::move(result.path);
+            break;
         case FileOutcome::Gone:
             break;
     }
     if (!result.message.empty()) failures_.push_back(std::move(result.message));
+}
+
+// A tag that the options leave alone may still hold what was to be changed.
+void FileDesk::tellStaying(const FileResult& saved) {
+    if (!saved.changes) return;
+    TextStore texts;
+    const FileRow before = table_.row(saved.row);
+    const FileRow after = rowOf(saved.record, saved.path, texts);
+    std::string names;
+    for (const auto& [field, wanted] : saved.changes->texts) {
+        const TagFieldRow& row = tagFieldRow(field);
+        const std::string shown = row.get(after);
+        const bool isOld = isSameValue(wanted, "") || shown == row.get(before);
+        if (!isOld || isSameValue(shown, wanted)) continue;
+        names += (names.empty() ? "" : ", ") + services_.texts.get(row.caption);
+    }
+    if (!names.empty()) {
+        failures_.push_back(saved.path + ": " + services_.texts.get(Text::FieldsStay, names));
+    }
 }
 
 void FileDesk::forget(std::span<const RowId> rows) {
@@ -169,7 +206,7 @@ WorkContext FileDesk::context() const {
     return {services_.ansiCodePage, tagSettings(services_.settings)};
 }
 
-void FileDesk::begin(std::vector<FileItem> items, std::function<FileResult(const FileItem&)> work) {
+void FileDesk::begin(std::vector<FileItem> items, FileWork::Work work) {
     if (isWorking() || items.empty()) return;
     workDone_ = 0;
     work_ = std::make_unique<FileWork>(std::move(items), std::move(work));
@@ -177,7 +214,7 @@ void FileDesk::begin(std::vector<FileItem> items, std::function<FileResult(const
 
 void FileDesk::save() {
     begin(itemsOf(edits_.rows()),
-          [context = context(), texts = services_.texts](const FileItem& item) {
+          [context = context(), texts = services_.texts](const FileItem& item, const CancelFlag&) {
               return saveTags(item, false, context, texts);
           });
 }
@@ -187,16 +224,18 @@ std::vector<RowId> FileDesk::takeChanged() {
 }
 
 void FileDesk::saveOnTop(std::span<const RowId> rows) {
-    begin(itemsOf(rows), [context = context(), texts = services_.texts](const FileItem& item) {
-        return saveTags(item, true, context, texts);
-    });
+    begin(itemsOf(rows),
+          [context = context(), texts = services_.texts](const FileItem& item, const CancelFlag&) {
+              return saveTags(item, true, context, texts);
+          });
 }
 
 void FileDesk::reload(std::span<const RowId> rows) {
     edits_.drop(rows);
-    begin(itemsOf(rows), [context = context(), texts = services_.texts](const FileItem& item) {
-        return readAgain(item, context, texts);
-    });
+    begin(itemsOf(rows),
+          [context = context(), texts = services_.texts](const FileItem& item, const CancelFlag&) {
+              return readAgain(item, context, texts);
+          });
 }
 
 void FileDesk::readNow(RowId row) {
@@ -206,14 +245,25 @@ void FileDesk::readNow(RowId row) {
 
 void FileDesk::deleteSelected() {
     const bool toBin = services_.settings.flag(Setting::DeleteToRecycleBin);
-    begin(itemsOf(selected_), [toBin, texts = services_.texts](const FileItem& item) {
-        return deleteFile(item, toBin, texts);
-    });
+    begin(itemsOf(selected_),
+          [toBin, texts = services_.texts](const FileItem& item, const CancelFlag&) {
+              return deleteFile(item, toBin, texts);
+          });
 }
 
 void FileDesk::copySelected(const std::string& folder) {
-    begin(itemsOf(selected_), [folder, texts = services_.texts](const FileItem& item) {
-        return copyToFolder(item, folder, texts);
+    begin(itemsOf(selected_),
+          [folder, texts = services_.texts](const FileItem& item, const CancelFlag&) {
+              return copyToFolder(item, folder, texts);
+          });
+}
+
+void FileDesk::makeList(bool absolutePaths) {
+    FileItem item;
+    item.path = folder();
+    begin({item}, [absolutePaths, context = context(), texts = services_.texts](
+                      const FileItem& listed, const CancelFlag& cancel) {
+        return writeList(listed, absolutePaths, context, texts, cancel);
     });
 }
 

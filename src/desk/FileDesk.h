@@ -22,6 +22,7 @@ struct DeskNews {
     bool rowsChanged = false;
     bool rowsRemoved = false;
     bool workEnded = false;
+    std::string list;  ///< the playlist that this work has written
 };
 
 /// The main window's work without its windows: what is shown, what is selected, which edits are not
@@ -34,7 +35,6 @@ class FileDesk {
     /// Shows folders, playlists or files. Edits that were not saved are dropped: ask first. Nothing
     /// happens while files are being written.
     void show(std::vector<std::string> paths);
-    void showAgain() { show(std::vector<std::string>(paths_)); }
     [[nodiscard]] const std::vector<std::string>& paths() const { return paths_; }
     /// The folder that is shown; empty where it is not just one.
     [[nodiscard]] std::string folder() const;
@@ -79,6 +79,8 @@ class FileDesk {
 
     void deleteSelected();
     void copySelected(const std::string& folder);
+    /// Writes the playlist of the folder that is shown.
+    void makeList(bool absolutePaths);
     /// Gives a file another name in its folder; playlists follow. Gives what went wrong, if so.
     std::optional<std::string> rename(RowId row, const std::string& name);
 
@@ -93,10 +95,11 @@ class FileDesk {
     [[nodiscard]] std::vector<FileItem> itemsOf(std::span<const RowId> rows) const;
     [[nodiscard]] WorkContext context() const;
     [[nodiscard]] bool isEditable(RowId row) const;
-    void begin(std::vector<FileItem> items, std::function<FileResult(const FileItem&)> work);
+    void begin(std::vector<FileItem> items, FileWork::Work work);
     void takeRows(DeskNews& news);
     void takeResults(DeskNews& news);
     void take(FileResult result, std::vector<RowId>& removed);
+    void tellStaying(const FileResult& saved);
     void forget(std::span<const RowId> rows);
 
     Services& services_;
@@ -108,6 +111,7 @@ class FileDesk {
     std::unique_ptr<FileWork> work_;
     std::size_t workDone_ = 0;
     bool wasStopped_ = false;
+    std::string list_;
     std::vector<RowId> changed_;
     std::vector<std::string> failures_;
     std::optional<TagChanges> copied_;

@@ -1,5 +1,6 @@
 #include "desk/FileWork.h"
 
+#include "collection/FolderPlaylist.h"
 #include "collection/RenamePlan.h"
 #include "core/QuietWork.h"
 #include "platform/FileSystem.h"
@@ -94,6 +95,22 @@ FileResult copyToFolder(const FileItem& item, const std::string& folder, const T
     if (copied != Transfer::Done && copied != Transfer::Copied) return result;
     result.outcome = FileOutcome::Copied;
     result.message.clear();
+    return result;
+}
+
+FileResult writeList(const FileItem& folder, bool absolutePaths, const WorkContext& context,
+                     const Texts& texts, const CancelFlag& cancel) {
+    PlaylistWish wish{folder.path};
+    wish.absolutePaths = absolutePaths;
+    NoProgress progress;
+    const auto list = folderPlaylist(wish, CodePage(context.ansiCodePage), progress, cancel);
+    FileResult result = resultOf(folder);
+    if (list && list->unread.empty() && writePlaylist(*list, false, context.calls)) {
+        result.outcome = FileOutcome::Listed;
+        result.path = list->path;
+    } else {
+        result.message = texts.get(Text::ListNotWrittenThere, folder.path);
+    }
     return result;
 }
 

@@ -26,6 +26,7 @@ enum class FileOutcome {
     Read,     ///< read again
     Removed,
     Copied,
+    Listed,  ///< `path` is the playlist
 };
 
 struct FileResult {
@@ -59,5 +60,9 @@ FileResult deleteFile(const FileItem& item, bool toRecycleBin, const Texts& text
 
 /// Copies one file into a folder; where its name is taken it gets a number.
 FileResult copyToFolder(const FileItem& item, const std::string& folder, const Texts& texts);
+
+/// Writes the playlist of a folder, whose path the item has.
+FileResult writeList(const FileItem& folder, bool absolutePaths, const WorkContext& context,
+                     const Texts& texts, const CancelFlag& cancel);
 
 }  // namespace tavlo

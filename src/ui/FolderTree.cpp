@@ -1,15 +1,42 @@
 #include "ui/FolderTree.h"
 
+#include <algorithm>
+#include <array>
+
 #include "ui/WxText.h"
 
 namespace tavlo {
 
-FolderTree::FolderTree(wxWindow* parent, std::function<void(const std::string&)> chosen)
+namespace {
+// The toolkit names these in English only.
+struct PlaceName {
+    const char* toolkits;
+    Text ours;
+};
+constexpr std::array placeNames{PlaceName{"Home directory", Text::HomeFolder},
+                                PlaceName{"Desktop", Text::DesktopFolder}};
+}  // namespace
+
+FolderTree::FolderTree(wxWindow* parent, const std::function<void(const std::string&)>& chosen)
     : wxGenericDirCtrl(parent, wxID_ANY, wxDirDialogDefaultFolderStr, wxDefaultPosition,
                        wxDefaultSize, static_cast<long>(wxDIRCTRL_DIR_ONLY) | wxBORDER_THEME) {
     Bind(wxEVT_DIRCTRL_SELECTIONCHANGED, [this, chosen](wxTreeEvent&) {
         if (!isFollowing_) chosen(fromWx(GetPath()));
     });
+    const wxTreeCtrl& tree = *GetTreeCtrl();
+    wxTreeItemIdValue cookie{};
+    for (wxTreeItemId item = tree.GetFirstChild(tree.GetRootItem(), cookie); item.IsOk();
+         item = tree.GetNextSibling(item)) {
+        const auto* const place =
+            std::ranges::find(placeNames, tree.GetItemText(item),
+                              [](const PlaceName& name) { return wxString(name.toolkits); });
+        if (place != placeNames.end()) places_.emplace_back(item, place->ours);
+    }
+}
+
+void FolderTree::speak(const Texts& texts) {
+    for (const auto& [item, name] : places_)
+        GetTreeCtrl()->SetItemText(item, toWx(texts.get(name)));
 }
 
 void FolderTree::follow(const std::string& folder) {

@@ -5,18 +5,26 @@
 
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
+
+#include "core/Texts.h"
 
 namespace tavlo {
 
 /// The tree of folders beside the list.
 class FolderTree : public wxGenericDirCtrl {
  public:
-    FolderTree(wxWindow* parent, std::function<void(const std::string&)> chosen);
+    FolderTree(wxWindow* parent, const std::function<void(const std::string&)>& chosen);
+
+    /// Names the places at the top in the language of now.
+    void speak(const Texts& texts);
 
     /// Shows where a folder lies, without telling that it was chosen.
     void follow(const std::string& folder);
 
  private:
+    std::vector<std::pair<wxTreeItemId, Text>> places_;
     bool isFollowing_ = false;
 };
 

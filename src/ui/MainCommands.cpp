@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 
-#include "collection/FolderPlaylist.h"
 #include "core/Help.h"
 #include "core/PathText.h"
 #include "desk/PlayerCommand.h"
@@ -39,8 +38,8 @@ void MainFrame::perform(Command command) {
         Row{Command::Rename, [](MainFrame& w) { w.renameSelected(); }},
         Row{Command::Delete, [](MainFrame& w) { w.deleteSelected(); }},
         Row{Command::CopyToTarget, [](MainFrame& w) { w.copyToTarget(); }},
-        Row{Command::ListRelative, [](MainFrame& w) { w.makeList(false); }},
-        Row{Command::ListAbsolute, [](MainFrame& w) { w.makeList(true); }},
+        Row{Command::ListRelative, [](MainFrame& w) { w.desk_.makeList(false); }},
+        Row{Command::ListAbsolute, [](MainFrame& w) { w.desk_.makeList(true); }},
         Row{Command::Info, [](MainFrame& w) { w.showInfo(); }},
         Row{Command::Quit, [](MainFrame& w) { w.Close(); }},
         Row{Command::SelectAll, [](MainFrame& w) { w.list_->selectAll(); }},
@@ -211,22 +210,6 @@ void MainFrame::copyToTarget() {
     remember(settings, HistoryList::TargetFolders, folder);
     cmbTarget_->setHistory(settings.history(HistoryList::TargetFolders));
     desk_.copySelected(folder);
-}
-
-void MainFrame::makeList(bool absolutePaths) {
-    const wxBusyCursor busy;
-    NoProgress progress;
-    const CancelFlag never{false};
-    const CodePage ansi(services_.ansiCodePage);
-    PlaylistWish wish{desk_.folder()};
-    wish.absolutePaths = absolutePaths;
-    const auto list = folderPlaylist(wish, ansi, progress, never);
-    if (!list || !writePlaylist(*list, false)) {
-        told_.lines.push_back(texts_.get(Text::ListNotWrittenThere, wish.folder));
-        return;
-    }
-    trace_.note("list", static_cast<double>(list->files));
-    tell(Text::ListWritten, list->path);
 }
 
 void MainFrame::showInfo() {

@@ -73,8 +73,8 @@ MainFrame::MainFrame(Services& services, KeptLines& told, Trace& trace,
     status_ = new StatusPanel(room, texts_, [this] { perform(Command::Stop); });
     all->Add(status_, wxSizerFlags().Expand());
     makeMenus();
-    speak();
     placeWindow();
+    speak();
     if (layout_.sortColumn) desk_.table().sortBy(*layout_.sortColumn, layout_.descending);
     room->SetDropTarget(new DropTarget([this](const auto& paths) { open(paths); }));
     Bind(wxEVT_TIMER, [this](wxTimerEvent&) { onTimer(); });
@@ -247,8 +247,8 @@ void MainFrame::speak() {
     cmdBrowse_->SetLabel(toWx(texts_.get(Text::BrowseCaption)));
     tip(cmdBrowse_, Text::BrowseTip);
     list_->makeColumns();
+    tree_->speak(texts_);
     editor_->speak();
-    editor_->showSelection();
     status_->speak();
     Layout();
     updateMenus(false);
@@ -331,8 +331,11 @@ void MainFrame::showParts() {
 }
 
 void MainFrame::open(const std::vector<std::string>& paths) {
-    if (paths.empty() || paths.front().empty() || desk_.isWorking() || !mayLeave()) return;
+    if (paths.empty() || paths.front().empty()) return;
+    if (desk_.isWorking()) return wxBell();
+    if (!mayLeave()) return;
     std::vector<std::string> full;
+    full.reserve(paths.size());
     for (const std::string& path : paths) full.push_back(absolutePath(path));
     if (desk_.isLoading()) trace_.endWatch();
     desk_.show(full);
@@ -387,7 +390,7 @@ void MainFrame::onTimer() {
     }
     showStatus();
     if (news.loadingEnded) onLoaded();
-    if (news.workEnded) onWorkEnded();
+    if (news.workEnded) onWorkEnded(news.list);
     if (isClosing_ && !desk_.isWorking()) Close();
 }
 
@@ -399,10 +402,15 @@ void MainFrame::onLoaded() {
     showFailed();
 }
 
-void MainFrame::onWorkEnded() {
+// `list` is the playlist that was written, if one was.
+void MainFrame::onWorkEnded(const std::string& list) {
     trace_.note("done", static_cast<double>(desk_.workDone()));
-    tell(Text::NumberDone, std::to_string(desk_.workDone()));
-    editor_->showSelection();
+    if (list.empty()) {
+        tell(Text::NumberDone, std::to_string(desk_.workDone()));
+    } else {
+        tell(Text::ListWritten, list);
+    }
+    editor_->showUntouched();
     const std::vector<RowId> changed = desk_.takeChanged();
     if (!changed.empty()) askAboutChanged(changed);
     showFailed();
@@ -410,9 +418,9 @@ void MainFrame::onWorkEnded() {
 
 // Stands at the foot for a while.
 void MainFrame::tell(Text text, const std::string& about) {
-    constexpr int seconds = 6;
+    constexpr wxLongLong_t milliseconds = 6000;
     note_ = toWx(texts_.get(text, about));
-    noteUntil_ = wxGetLocalTimeMillis() + seconds * 1000;
+    noteUntil_ = wxGetLocalTimeMillis() + milliseconds;
 }
 
 void MainFrame::askAboutChanged(const std::vector<RowId>& rows) {

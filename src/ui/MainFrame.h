@@ -72,7 +72,7 @@ class MainFrame : public wxFrame {
     // What goes on beside
     void onTimer();
     void onLoaded();
-    void onWorkEnded();
+    void onWorkEnded(const std::string& list);
     void askAboutChanged(const std::vector<RowId>& rows);
     void showStatus();
     void tell(Text text, const std::string& about);
@@ -100,7 +100,6 @@ class MainFrame : public wxFrame {
     void onRenamed(RowId row, const std::string& name);
     void deleteSelected();
     void copyToTarget();
-    void makeList(bool absolutePaths);
     void showInfo();
     void showOptionsPages();
     void goUp();

@@ -67,7 +67,6 @@ TagPanel::TagPanel(wxWindow* parent, Services& services, FileDesk& desk,
     all->Add(buttons, wxSizerFlags().Expand().Border(wxALL, FromDIP(gap)));
     SetSizer(all);
     speak();
-    showSelection();
 }
 
 void TagPanel::addField(wxSizer* sizer, TagField field) {
@@ -129,6 +128,14 @@ void TagPanel::enable(const DeskState& state) {
 
 void TagPanel::showSelection() {
     newCover_.reset();
+    fill(false);
+}
+
+void TagPanel::showUntouched() {
+    fill(true);
+}
+
+void TagPanel::fill(bool keepsTyped) {
     const std::vector<RowId>& rows = desk_.selected();
     const DeskState state = desk_.state();
     const Texts& texts = services_.texts;
@@ -137,12 +144,12 @@ void TagPanel::showSelection() {
                            ? toWx(desk_.table().row(rows.front()).text(RowText::Name))
                            : toWx(texts.get(Text::FilesSelected, std::to_string(rows.size()))));
     for (const Field& field : fields_) {
-        field.control->show(desk_.common(field.field));
+        const bool isKept = keepsTyped && field.control->typed();
+        if (!isKept) field.control->show(desk_.common(field.field));
         field.control->window()->Enable(state.editable > 0);
     }
-    cover_->show(desk_);
-    enable(state);
-    markCaptions();
+    if (!newCover_) cover_->show(desk_);
+    onChange();
 }
 
 // Behind the caption, for a field that has the keyboard shows no hint: what differs from file to
@@ -218,6 +225,7 @@ void TagPanel::speak() {
     name(cmdSave_, Command::Save);
     name(cmdRevert_, Command::Revert);
     cover_->speak();
+    showUntouched();
     room_->FitInside();
     room_->Layout();
     Layout();

@@ -25,6 +25,8 @@ class TagPanel : public wxPanel {
 
     /// Shows what the selected files have; what was typed goes.
     void showSelection();
+    /// The same, but what is being typed stays.
+    void showUntouched();
     /// The changes that were typed for the selected files and are not theirs yet.
     [[nodiscard]] TagChanges typed() const;
     [[nodiscard]] bool hasTyped() const { return !typed().isEmpty(); }
@@ -51,6 +53,7 @@ class TagPanel : public wxPanel {
     void addField(wxSizer* sizer, TagField field);
     void addPair(wxSizer* sizer, TagField left, TagField right);
     void addMenu(Field& field);
+    void fill(bool keepsTyped);
     void onChange();
     void markCaptions();
 

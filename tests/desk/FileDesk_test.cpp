@@ -36,7 +36,7 @@ TEST_F(FileDeskTest, ShowsFoldersListsAndFiles) {
     EXPECT_FALSE(desk.wasStopped());
 
     settings.set(Setting::MainSubfolders, false);
-    desk.showAgain();
+    desk.show(std::vector(desk.paths()));
     settle();
     EXPECT_EQ(names(), "1.mp3 2.mp3");
     show({folder.path("l.m3u8")});
@@ -106,6 +106,48 @@ TEST_F(FileDeskTest, EditsReachTheFilesAndTheRows) {
     settle();
     EXPECT_TRUE(desk.takeChanged().empty());
     EXPECT_EQ(onDisk("2.mp3").GetTitle(), "Again");
+}
+
+// The APEv2 tag is left alone, so its artist comes to light when ID3v2's goes.
+TEST_F(FileDeskTest, ValueThatAnotherTagHoldsIsTold) {
+    song("1.mp3");
+    settings.set(Setting::EnableAPE2Tags, true);
+    const auto save = [&](TagField field, const std::string& text) {
+        show();
+        select({"1.mp3"});
+        edit(field, text);
+        desk.save();
+        settle();
+        return desk.takeFailures();
+    };
+    EXPECT_TRUE(save(TagField::Comment, "Kept").empty());
+    settings.set(Setting::EnableAPE2Tags, false);
+    EXPECT_TRUE(save(TagField::Album, "Other").empty());
+    EXPECT_TRUE(save(TagField::Track, "07").empty());
+    EXPECT_TRUE(save(TagField::Track, "007").empty());
+    EXPECT_EQ(save(TagField::Artist, ""),
+              Lines{folder.path("1.mp3") + ": " + texts.get(Text::FieldsStay, "Artist")});
+    EXPECT_EQ(desk.table().row(row("1.mp3")).text(RowText::Artist), "Artist");
+}
+
+TEST_F(FileDeskTest, PlaylistOfTheFolderIsWrittenBeside) {
+    song("1.mp3");
+    show();
+    std::string list;
+    desk.makeList(false);
+    EXPECT_TRUE(desk.isWorking());
+    EXPECT_TRUE(soon([&] {
+        const DeskNews news = desk.poll();
+        list = news.list;
+        return news.workEnded;
+    }));
+    EXPECT_TRUE(fileInfo(list));
+    EXPECT_TRUE(desk.takeFailures().empty());
+    fs::remove(fs::path(list));
+    fs::create_directory(fs::path(list));
+    desk.makeList(true);
+    settle();
+    EXPECT_EQ(desk.takeFailures(), Lines{texts.get(Text::ListNotWrittenThere, folder.path())});
 }
 
 TEST_F(FileDeskTest, EditMadeWhileSavingIsNotLost) {
@@ -298,7 +340,7 @@ TEST_F(FileDeskTest, AnotherFolderBeginsAnew) {
     show();
     select({"1.mp3"});
     edit(TagField::Title, "New");
-    desk.showAgain();
+    desk.show(std::vector(desk.paths()));
     EXPECT_TRUE(desk.edits().isEmpty());
     EXPECT_TRUE(desk.selected().empty());
     EXPECT_EQ(desk.table().shownCount(), 0U);
