@@ -30,9 +30,10 @@ class DropTarget final : public wxFileDropTarget {
  public:
     explicit DropTarget(CoverPanel& panel) : panel_(panel) {}
 
+    // What is told about a drop must not hold up the program that it comes from.
     bool OnDropFiles(wxCoord, wxCoord, const wxArrayString& files) override {
         if (files.size() != 1) return false;
-        panel_.take(fromWx(files[0]));
+        panel_.CallAfter([panel = &panel_, path = fromWx(files[0])] { panel->take(path); });
         return true;
     }
 

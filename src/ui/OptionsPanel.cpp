@@ -12,6 +12,7 @@
 
 #include <algorithm>
 
+#include "core/PathText.h"
 #include "desk/Mnemonics.h"
 #include "desk/ToolUses.h"
 #include "ui/WxText.h"
@@ -25,11 +26,8 @@ wxString wildcardOf(OptionKind kind, const Texts& texts) {
     const wxString all = toWx(texts.get(Text::OptAllFiles)) + " (*)|*";
     if (kind == OptionKind::File)
         return toWx(texts.get(Text::OptLanguageFiles)) + " (*.lng)|*.lng|" + all;
-#ifdef __WXMSW__
-    return toWx(texts.get(Text::OptPrograms)) + " (*.exe)|*.exe|" + all;
-#else
-    return all;
-#endif
+    const bool haveEndings = nativePathStyle() == PathStyle::Windows;
+    return haveEndings ? toWx(texts.get(Text::OptPrograms)) + " (*.exe)|*.exe|" + all : all;
 }
 
 // Empty when none was chosen.

@@ -1,10 +1,10 @@
 #include "ui/Splash.h"
 
-#include <wx/sizer.h>
-#include <wx/statbmp.h>
-#include <wx/stattext.h>
-
-#include <utility>
+#include <wx/app.h>
+#include <wx/dcmemory.h>
+#include <wx/icon.h>
+#include <wx/settings.h>
+#include <wx/utils.h>
 
 #include "ui/AppIcon.h"
 #include "ui/WxText.h"
@@ -13,30 +13,48 @@ namespace tavlo {
 
 namespace {
 constexpr auto patience = std::chrono::milliseconds(500);
-constexpr int iconSide = 64;
+constexpr int iconSide = 64, gap = 24;
+
+// The icon, and the name beside it.
+wxBitmap picture(const wxString& name) {
+    const wxFont font = wxSystemSettings::GetFont(wxSYS_DEFAULT_GUI_FONT).Larger().Larger().Bold();
+    wxMemoryDC dc;
+    dc.SetFont(font);
+    const wxSize words = dc.GetTextExtent(name);
+    wxBitmap bitmap(iconSide + words.x + 3 * gap, iconSide + 2 * gap);
+    dc.SelectObject(bitmap);
+    dc.SetBackground(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOW));
+    dc.Clear();
+    dc.DrawIcon(appIcons().GetIcon(wxSize(iconSide, iconSide)), gap, gap);
+    dc.SetFont(font);
+    dc.SetTextForeground(wxSystemSettings::GetColour(wxSYS_COLOUR_WINDOWTEXT));
+    dc.DrawText(name, iconSide + 2 * gap, (bitmap.GetHeight() - words.y) / 2);
+    dc.SelectObject(wxNullBitmap);
+    return bitmap;
+}
+
+// No events run while the main window is made, so it has to be on the screen before.
+void letItAppear() {
+    constexpr int rounds = 10, pause = 5;  // milliseconds
+    for (int i = 0; i < rounds; ++i) {
+        wxTheApp->Yield(true);
+        wxMilliSleep(pause);
+    }
+}
 }  // namespace
 
 void Splash::end() {
-    if (frmSplash_ != nullptr) std::exchange(frmSplash_, nullptr)->Destroy();
+    if (frmSplash_) frmSplash_->Destroy();
 }
 
 void Splash::look() {
-    if (frmSplash_ != nullptr || std::chrono::steady_clock::now() - start_ < patience) return;
-    frmSplash_ =
-        new wxFrame(nullptr, wxID_ANY, toWx(texts_.get(Text::ProgramTitle)), wxDefaultPosition,
-                    wxDefaultSize, wxBORDER_SIMPLE | wxFRAME_NO_TASKBAR | wxSTAY_ON_TOP);
-    auto* const row = new wxBoxSizer(wxHORIZONTAL);
-    const int gap = frmSplash_->FromDIP(20);
-    row->Add(
-        new wxStaticBitmap(frmSplash_, wxID_ANY, appIcons().GetIcon(wxSize(iconSide, iconSide))),
-        wxSizerFlags().Border(wxALL, gap));
-    auto* const name = new wxStaticText(frmSplash_, wxID_ANY, toWx(texts_.get(Text::ProgramTitle)));
-    name->SetFont(name->GetFont().Larger().Larger().Bold());
-    row->Add(name, wxSizerFlags().CenterVertical().Border(wxTOP | wxBOTTOM | wxRIGHT, gap));
-    frmSplash_->SetSizerAndFit(row);
-    frmSplash_->CentreOnScreen();
-    frmSplash_->Show();
-    frmSplash_->Update();
+    if (wasShown_ || std::chrono::steady_clock::now() - start_ < patience) return;
+    wasShown_ = true;
+    frmSplash_ = new wxSplashScreen(picture(toWx(texts_.get(Text::ProgramTitle))),
+                                    wxSPLASH_CENTRE_ON_SCREEN | wxSPLASH_NO_TIMEOUT, 0, nullptr,
+                                    wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                    wxBORDER_SIMPLE | wxFRAME_NO_TASKBAR | wxSTAY_ON_TOP);
+    letItAppear();
 }
 
 }  // namespace tavlo

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <wx/frame.h>
+#include <wx/splash.h>
+#include <wx/weakref.h>
 
 #include <chrono>
 
@@ -25,7 +26,8 @@ class Splash {
  private:
     const Texts& texts_;
     const std::chrono::steady_clock::time_point start_;
-    wxFrame* frmSplash_ = nullptr;
+    wxWeakRef<wxSplashScreen> frmSplash_;  // a click or a key takes it away
+    bool wasShown_ = false;
 };
 
 }  // namespace tavlo
