@@ -11,8 +11,6 @@
 namespace tavlo {
 
 namespace {
-constexpr long selectedState = wxLIST_STATE_SELECTED;
-
 // Where the same value shows as a field of the tag editor.
 std::optional<TagField> fieldOf(ListColumn column) {
     const auto rows = tagFields();
@@ -35,21 +33,7 @@ FileListCtrl::FileListCtrl(wxWindow* parent, FileDesk& desk, ColumnLayout& layou
     failed_.SetTextColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
     readOnly_.SetTextColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
     makeColumns();
-    Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { onSelection(); });
-    Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { onSelection(); });
-    // Ranges that Shift selects are not told by every system.
-    const auto look = [this](wxWindow* window) {
-        window->Bind(wxEVT_LEFT_UP, [this](wxMouseEvent& event) {
-            event.Skip();
-            onSelection();
-        });
-        window->Bind(wxEVT_KEY_UP, [this](wxKeyEvent& event) {
-            event.Skip();
-            onSelection();
-        });
-    };
-    look(this);
-    for (wxWindow* const child : GetChildren()) look(child);
+    watchSelection();
     Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&) { events_.activated(); });
     Bind(wxEVT_LIST_COL_CLICK, [this](wxListEvent& event) {
         const int column = event.GetColumn();
@@ -145,67 +129,6 @@ void FileListCtrl::rowsCame() {
 
 void FileListCtrl::rowsRepainted() {
     Refresh();
-}
-
-void FileListCtrl::rowsMoved() {
-    isRestoring_ = true;
-    SetItemState(-1, 0, selectedState);
-    rowsCame();
-    const std::vector<RowId>& selected = desk_.selected();
-    if (!selected.empty()) {
-        std::vector<bool> isSelected(*std::ranges::max_element(selected) + 1);
-        for (const RowId row : selected) isSelected[row] = true;
-        const auto shown = desk_.table().shown();
-        for (std::size_t place = 0; place < shown.size(); ++place) {
-            if (shown[place] >= isSelected.size() || !isSelected[shown[place]]) continue;
-            SetItemState(static_cast<long>(place), selectedState, selectedState);
-        }
-    }
-    isRestoring_ = false;
-    onSelection();
-}
-
-std::vector<RowId> FileListCtrl::selectedRows() const {
-    std::vector<RowId> rows;
-    rows.reserve(static_cast<std::size_t>(GetSelectedItemCount()));
-    for (long item = -1; (item = GetNextItem(item, wxLIST_NEXT_ALL, selectedState)) >= 0;) {
-        const auto place = static_cast<std::size_t>(item);
-        if (place < desk_.table().shownCount()) rows.push_back(desk_.table().shownAt(place));
-    }
-    return rows;
-}
-
-// A range that is selected comes as many events: they are told as one.
-void FileListCtrl::onSelection() {
-    if (isRestoring_ || isSelectionDirty_) return;
-    isSelectionDirty_ = true;
-    CallAfter([this] {
-        isSelectionDirty_ = false;
-        events_.selectionChanged();
-    });
-}
-
-void FileListCtrl::selectAll() {
-    SetItemState(-1, selectedState, selectedState);
-    onSelection();
-}
-
-void FileListCtrl::invertSelection() {
-    std::vector<bool> wasSelected(static_cast<std::size_t>(GetItemCount()));
-    for (long item = -1; (item = GetNextItem(item, wxLIST_NEXT_ALL, selectedState)) >= 0;) {
-        wasSelected[static_cast<std::size_t>(item)] = true;
-    }
-    isRestoring_ = true;
-    SetItemState(-1, selectedState, selectedState);
-    for (std::size_t place = 0; place < wasSelected.size(); ++place) {
-        if (wasSelected[place]) SetItemState(static_cast<long>(place), 0, selectedState);
-    }
-    isRestoring_ = false;
-    onSelection();
-}
-
-void FileListCtrl::focusFirst() {
-    if (GetItemCount() > 0) SetItemState(0, wxLIST_STATE_FOCUSED, wxLIST_STATE_FOCUSED);
 }
 
 // Keys that mean something else while text is typed belong to the list alone.

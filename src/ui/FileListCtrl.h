@@ -47,6 +47,8 @@ class FileListCtrl : public wxListCtrl {
     void invertSelection();
     /// The arrow keys begin at the first row.
     void focusFirst();
+    /// Other rows are to come: none of those that are known now will be meant again.
+    void forgetRows();
     /// Opens the name of a row for typing.
     void editName(RowId row);
 
@@ -54,8 +56,20 @@ class FileListCtrl : public wxListCtrl {
     wxString OnGetItemText(long item, long column) const override;
     wxItemAttr* OnGetItemAttr(long item) const override;
 
-    void onKey(wxKeyEvent& event);
+    void watchSelection();
+    void onPress(wxMouseEvent& event);
+    void onArrow(wxKeyEvent& event);
     void onSelection();
+    void extendTo(long item, bool keepsOthers);
+    void dropStraySelection();
+    void focusOn(long item);
+    void showSelected();
+    void select(const std::vector<bool>& wanted);
+    [[nodiscard]] std::vector<bool> selectedPlaces() const;
+    [[nodiscard]] std::optional<RowId> rowAt(long item) const;
+    [[nodiscard]] std::optional<long> itemOf(std::optional<RowId> row) const;
+
+    void onKey(wxKeyEvent& event);
     void onColumnMenu(wxListEvent& event);
     void onContextMenu(wxContextMenuEvent& event);
     void keepWidths();
@@ -68,6 +82,8 @@ class FileListCtrl : public wxListCtrl {
     FileListEvents events_;
     std::vector<ListColumn> columns_;
     mutable wxItemAttr unsaved_, failed_, readOnly_;
+    std::optional<RowId> focus_;   // has the keyboard
+    std::optional<RowId> anchor_;  // where a range begins
     bool isRestoring_ = false;
     bool isSelectionDirty_ = false;
     wxTextCtrl* nameField_ = nullptr;

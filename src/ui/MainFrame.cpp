@@ -9,6 +9,7 @@
 #include <wx/time.h>
 
 #include <algorithm>
+#include <memory>
 
 #include "core/Measures.h"
 #include "platform/FileSystem.h"
@@ -228,7 +229,8 @@ void MainFrame::speak() {
         }
         bar->Append(menu, toWx(texts_.get(row.title)));
     }
-    delete GetMenuBar();
+    // The window still looks at the bar that goes while it takes the new one.
+    const std::unique_ptr<wxMenuBar> old(GetMenuBar());
     SetMenuBar(bar);
     const auto tip = [&](wxWindow* window, Text text) {
         window->SetToolTip(toWx(texts_.get(text)));
@@ -339,6 +341,8 @@ void MainFrame::open(const std::vector<std::string>& paths) {
     for (const std::string& path : paths) full.push_back(absolutePath(path));
     if (desk_.isLoading()) trace_.endWatch();
     desk_.show(full);
+    list_->forgetRows();
+    note_.clear();
     hasRows_ = false;
     trace_.beginWatch();
     list_->rowsMoved();
