@@ -41,7 +41,7 @@ bool isOrder(std::array<int, listColumnCount> numbers) {
 }
 }  // namespace
 
-ColumnLayout::ColumnLayout() {
+void ColumnLayout::reset() {
     for (const ListColumnRow& row : listColumns) {
         const std::size_t index = indexOf(row.column);
         order_[index] = row.column;

@@ -12,7 +12,9 @@ namespace tavlo {
 /// Which columns the list shows, how wide and in what order, and by which it is sorted.
 class ColumnLayout {
  public:
-    ColumnLayout();
+    ColumnLayout() { reset(); }
+    /// Columns, their order and their widths as they are at first.
+    void reset();
 
     /// From "MainColW", "MainColP", "MainColV" and "MainSort": numbers parted by commas, a column
     /// each. What does not fit (another count, a column twice) leaves the defaults.

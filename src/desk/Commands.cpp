@@ -45,7 +45,7 @@ bool withCover(const State& state) {
     return state.hasCover;
 }
 bool withCoverToRemove(const State& state) {
-    return withEditable(state) && state.hasCover;
+    return withEditable(state) && (state.hasCover || state.hasCovers);
 }
 bool withTarget(const State& state) {
     return withSelectionAtRest(state) && state.hasTarget;
@@ -71,7 +71,7 @@ constexpr std::array<CommandRow, 41> rows{{
      {},
      withOne},
     {Command::Rename, Text::RenameCaption, Text::RenameTip, "F2", {}, withOneAtRest},
-    {Command::Delete, Text::DeleteCaption, Text::DeleteTip, "", {}, withSelectionAtRest},
+    {Command::Delete, Text::DeleteCaption, Text::DeleteTip, "Del", {}, withSelectionAtRest},
     {Command::CopyToTarget,
      Text::CopyToTargetCaption,
      Text::CopyToTargetTip,
@@ -81,18 +81,18 @@ constexpr std::array<CommandRow, 41> rows{{
     {Command::ListRelative,
      Text::ListRelativeCaption,
      Text::ListRelativeTip,
-     "Ctrl+M",
+     "F6",
      {},
      withFolderAtRest},
     {Command::ListAbsolute,
      Text::ListAbsoluteCaption,
      Text::ListAbsoluteTip,
-     "Ctrl+Shift+M",
+     "Shift+F6",
      {},
      withFolderAtRest},
     {Command::Info, Text::InfoCaption, Text::InfoTip, "Alt+Enter", {}, withSelectionAtRest},
     {Command::Quit, Text::QuitCaption, Text::QuitTip, "Ctrl+Q", {}, always},
-    {Command::SelectAll, Text::SelectAllCaption, Text::SelectAllTip, "", {}, withRows},
+    {Command::SelectAll, Text::SelectAllCaption, Text::SelectAllTip, "Ctrl+A", {}, withRows},
     {Command::Invert, Text::InvertCaption, Text::InvertTip, "Ctrl+I", {}, withRows},
     {Command::CopyTags, Text::CopyTagsCaption, Text::CopyTagsTip, "Ctrl+Shift+C", {}, withOne},
     {Command::PasteTags,

@@ -67,7 +67,8 @@ struct DeskState {
     bool isLoading = false;
     bool isSaving = false;
     bool hasCopiedTags = false;
-    bool hasCover = false;
+    bool hasCover = false;   ///< one that all selected files share is shown
+    bool hasCovers = false;  ///< some of the selected files have one
     bool hasTarget = false;
     bool hasEditor = false;  ///< it is shown
 };

@@ -1,8 +1,10 @@
 #include "desk/FileDesk.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "collection/NotedRename.h"
+#include "collection/Playlist.h"
 #include "collection/RenameBasics.h"
 #include "core/FileNameText.h"
 #include "core/QuietWork.h"
@@ -185,7 +187,19 @@ void FileDesk::copyTags() {
         std::string text = edits_.value(table_, selected_.front(), field.field);
         if (!text.empty()) copied.texts[field.field] = std::move(text);
     }
+    copied.picture = coverOf(selected_.front());
     copied_ = std::move(copied);
+}
+
+// As it will be; nothing where there is none.
+NewPicture FileDesk::coverOf(RowId row) const {
+    const auto edits = edits_.of(row);
+    if (edits && edits->picture) return edits->picture->Data.empty() ? nullptr : edits->picture;
+    if (table_.row(row).pictureSize == 0) return nullptr;
+    const CodePage ansi(services_.ansiCodePage);
+    ID3tag record = ReadAudioFile(table_.row(row).path(), {ansi, ReadDepth::Full});
+    if (record.AlbumArt.Data.empty()) return nullptr;
+    return std::make_shared<const cAlbumArt>(std::move(record.AlbumArt));
 }
 
 void FileDesk::pasteTags() {
@@ -267,6 +281,13 @@ void FileDesk::makeList(bool absolutePaths) {
     });
 }
 
+// The playlists among what is shown.
+std::vector<std::string> FileDesk::shownLists() const {
+    std::vector<std::string> lists;
+    std::ranges::copy_if(paths_, std::back_inserter(lists), isPlaylist);
+    return lists;
+}
+
 std::optional<std::string> FileDesk::rename(RowId row, const std::string& name) {
     const PathStyle style = nativePathStyle();
     const Texts& texts = services_.texts;
@@ -291,14 +312,22 @@ std::optional<std::string> FileDesk::rename(RowId row, const std::string& name) 
     if (!journal.lock()) return texts.get(Text::RenamingRuns);
     if (journal.isBrokenOff()) return texts.get(Text::RenamingBrokenOff);
     RenamePlan plan{step};
-    performNoted(renamer, journal, plan, {std::string(folderOf(from, style))}, {});
+    performNoted(renamer, journal, plan, {std::string(folderOf(from, style))}, shownLists());
     if (plan.front().isMoved) {
         table_.replace(row, ReadAudioFile(step.to, {ansi}), step.to);
     } else if (kept.lines.empty()) {
-        return texts.get(Text::NotRenamed, from);
+        return texts.get(isTaken(step.to) ? Text::FileNameTaken : Text::NotRenamed, step.to);
     }
     if (kept.lines.empty()) return std::nullopt;
     return kept.joined();
+}
+
+std::vector<RowId> FileDesk::rowsOf(const std::vector<std::string>& paths) const {
+    const std::unordered_set<std::string_view> wanted(paths.begin(), paths.end());
+    std::vector<RowId> rows;
+    std::ranges::copy_if(table_.shown(), std::back_inserter(rows),
+                         [&](RowId row) { return wanted.contains(table_.row(row).path()); });
+    return rows;
 }
 
 std::vector<std::string> FileDesk::takeFailures() {
@@ -310,6 +339,11 @@ DeskState FileDesk::state() const {
     state.selected = selected_.size();
     state.editable = static_cast<std::size_t>(
         std::ranges::count_if(selected_, [&](RowId row) { return isEditable(row); }));
+    state.hasCovers = std::ranges::any_of(selected_, [&](RowId row) {
+        const auto edits = edits_.of(row);
+        return edits && edits->picture ? !edits->picture->Data.empty()
+                                       : table_.row(row).pictureSize > 0;
+    });
     state.shown = table_.shownCount();
     state.pending = edits_.count();
     state.hasFolder = !folder().empty();

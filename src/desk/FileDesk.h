@@ -62,6 +62,7 @@ class FileDesk {
         return edits_.common(table_, selected_, field);
     }
 
+    /// Remembers the tags of the first selected file, cover included.
     void copyTags();
     void pasteTags();
 
@@ -84,6 +85,9 @@ class FileDesk {
     /// Gives a file another name in its folder; playlists follow. Gives what went wrong, if so.
     std::optional<std::string> rename(RowId row, const std::string& name);
 
+    /// Rows of these paths, where they are in the list.
+    [[nodiscard]] std::vector<RowId> rowsOf(const std::vector<std::string>& paths) const;
+
     /// What went wrong since the last call, a line each.
     std::vector<std::string> takeFailures();
     /// Files that were copied or saved by what ended last.
@@ -100,6 +104,8 @@ class FileDesk {
     void takeResults(DeskNews& news);
     void take(FileResult result, std::vector<RowId>& removed);
     void tellStaying(const FileResult& saved);
+    [[nodiscard]] NewPicture coverOf(RowId row) const;
+    [[nodiscard]] std::vector<std::string> shownLists() const;
     void forget(std::span<const RowId> rows);
 
     Services& services_;

@@ -105,9 +105,12 @@ FileResult writeList(const FileItem& folder, bool absolutePaths, const WorkConte
     NoProgress progress;
     const auto list = folderPlaylist(wish, CodePage(context.ansiCodePage), progress, cancel);
     FileResult result = resultOf(folder);
-    if (list && list->unread.empty() && writePlaylist(*list, false, context.calls)) {
+    // Names that the code page does not have are in a list of their own.
+    const bool needsUtf8 = list && list->notHeld > 0;
+    if (list && list->unread.empty() && writePlaylist(*list, needsUtf8, context.calls)) {
         result.outcome = FileOutcome::Listed;
         result.path = list->path;
+        if (needsUtf8) result.message = texts.get(Text::ListedInUtf8, list->path + "8");
     } else {
         result.message = texts.get(Text::ListNotWrittenThere, folder.path);
     }

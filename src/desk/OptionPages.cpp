@@ -435,9 +435,17 @@ class PageSearch {
     bool hasWords(const OptionPage& page, const OptionRow& row) const {
         const std::string text =
             lowerCase(texts_.get(page.title) + '\n' + headingText_ + '\n' + textsOf(texts_, row));
-        return std::ranges::all_of(words_, [&text](const std::string& word) {
-            return text.find(word) != std::string::npos;
-        });
+        return std::ranges::all_of(words_,
+                                   [&](const std::string& word) { return has(text, word); });
+    }
+
+    // A long word is found in two as well: "bitrate" where it says "bit rate".
+    static bool has(const std::string& text, const std::string& word) {
+        constexpr std::size_t longWord = 6;
+        if (text.find(word) != std::string::npos) return true;
+        std::string joined = text;
+        std::erase(joined, ' ');
+        return word.size() >= longWord && joined.find(word) != std::string::npos;
     }
 
     const Texts& texts_;
@@ -471,6 +479,12 @@ std::vector<OptionMatch> findOptions(const Texts& texts, std::string_view words,
         OptionMatch match = PageSearch(texts, wanted, system).of(page);
         if (!match.rows.empty()) found.push_back(std::move(match));
     }
+    // A page that is called so comes first.
+    std::ranges::stable_partition(found, [&](const OptionMatch& match) {
+        const std::string title = lowerCase(texts.get(match.page->title));
+        return std::ranges::any_of(
+            wanted, [&](const std::string& word) { return title.find(word) != std::string::npos; });
+    });
     return found;
 }
 

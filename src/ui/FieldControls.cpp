@@ -63,6 +63,7 @@ class TextField final : public FieldControl {
         isShowing_ = true;
         control_->SetHint(hint ? toWx(texts_.get(*hint)) : wxString());
         if (control_->GetValue() != text) control_->ChangeValue(text);  // the caret stays
+        control_->Refresh();  // a hint alone paints nothing anew everywhere
         isShowing_ = false;
     }
 

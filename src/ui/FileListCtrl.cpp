@@ -135,9 +135,7 @@ void FileListCtrl::rowsRepainted() {
 void FileListCtrl::onKey(wxKeyEvent& event) {
     const bool isPlain = event.GetModifiers() == wxMOD_NONE;
     if (nameField_ != nullptr) return event.Skip();
-    if (isPlain && event.GetKeyCode() == WXK_DELETE) return events_.command(Command::Delete);
     if (isPlain && event.GetKeyCode() == WXK_BACK) return events_.command(Command::Up);
-    if (event.GetModifiers() == wxMOD_CONTROL && event.GetKeyCode() == 'A') return selectAll();
     event.Skip();
 }
 
@@ -214,6 +212,7 @@ void FileListCtrl::onColumnMenu(wxListEvent& event) {
     }
     add(Text::AutoSizeCaption, [this] { fitColumns(); });
     add(Text::ColumnsCaption, [this] { events_.command(Command::Columns); });
+    add(Text::UsualColumnsCaption, [=, this] { change([&] { layout_.reset(); }); });
     menu.AppendSeparator();
     for (const ListColumnRow& row : listColumns) {
         wxMenuItem* const item = menu.AppendCheckItem(wxID_ANY, toWx(texts_.get(row.caption)));

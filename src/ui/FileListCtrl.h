@@ -45,6 +45,7 @@ class FileListCtrl : public wxListCtrl {
     [[nodiscard]] std::vector<RowId> selectedRows() const;
     void selectAll();
     void invertSelection();
+    [[nodiscard]] bool hasKeyboard() const;
     /// The arrow keys begin at the first row.
     void focusFirst();
     /// Other rows are to come: none of those that are known now will be meant again.

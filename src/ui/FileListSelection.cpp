@@ -198,6 +198,11 @@ void FileListCtrl::invertSelection() {
     onSelection();
 }
 
+bool FileListCtrl::hasKeyboard() const {
+    const wxWindow* const focused = FindFocus();
+    return focused == this || (focused != nullptr && focused->GetParent() == this);
+}
+
 void FileListCtrl::focusFirst() {
     if (GetItemCount() > 0) SetItemState(0, focusedState, focusedState);
 }

@@ -22,7 +22,11 @@
 namespace tavlo {
 
 void MainFrame::perform(Command command) {
-    if (!commandRow(command).isPossible(state())) return wxBell();
+    if (!commandRow(command).isPossible(state())) {
+        wxBell();
+        const wxString name = toWx(texts_.get(commandRow(command).caption));
+        return tell(Text::NotPossibleNow, fromWx(wxControl::RemoveMnemonics(name)));
+    }
     struct Row {
         Command command;
         void (*act)(MainFrame&);
@@ -54,7 +58,7 @@ void MainFrame::perform(Command command) {
         Row{Command::RemoveCover, [](MainFrame& w) { w.editor_->cover().remove(); }},
         Row{Command::Options, [](MainFrame& w) { w.showOptionsPages(); }},
         Row{Command::Up, [](MainFrame& w) { w.goUp(); }},
-        Row{Command::Refresh, [](MainFrame& w) { w.open(std::vector(w.desk_.paths())); }},
+        Row{Command::Refresh, [](MainFrame& w) { w.refresh(); }},
         Row{Command::Stop, [](MainFrame& w) { w.desk_.stop(); }},
         Row{Command::Columns, [](MainFrame& w) { w.editColumns(); }},
         Row{Command::AutoSize, [](MainFrame& w) { w.list_->fitColumns(); }},
@@ -114,9 +118,14 @@ void MainFrame::unsort() {
     list_->rowsMoved();
 }
 
-// Esc ends what is going on, or else the filter.
+// Esc ends what is going on, or else the filter. Files are deleted from their list only, not while
+// a button or the tree has the keyboard.
 void MainFrame::onKey(wxKeyEvent& event) {
-    if (event.GetKeyCode() != WXK_ESCAPE || event.GetModifiers() != wxMOD_NONE) return event.Skip();
+    if (event.GetModifiers() != wxMOD_NONE) return event.Skip();
+    const bool isTyping = dynamic_cast<wxTextEntry*>(wxWindow::FindFocus()) != nullptr;
+    if (event.GetKeyCode() == WXK_DELETE && !isTyping && !list_->hasKeyboard()) return;
+    if (event.GetKeyCode() != WXK_ESCAPE) return event.Skip();
+    if (cmbFolder_->HasFocus()) showPath();
     if (desk_.isLoading() || desk_.isWorking()) return desk_.stop();
     if (txtFilter_->HasFocus() || !txtFilter_->IsEmpty()) txtFilter_->Clear();
     list_->SetFocus();
@@ -194,7 +203,8 @@ void MainFrame::onRenamed(RowId row, const std::string& name) {
 void MainFrame::deleteSelected() {
     const bool toBin = services_.settings.flag(Setting::DeleteToRecycleBin);
     const std::string question = texts_.get(toBin ? Text::AskRecycle : Text::AskDelete,
-                                            std::to_string(desk_.selected().size()));
+                                            std::to_string(desk_.selected().size())) +
+                                 "\n" + namesOf(desk_.selected());
     if (confirm(this, texts_, question, Text::AskDeleteYes)) desk_.deleteSelected();
 }
 
@@ -244,6 +254,13 @@ void MainFrame::showOptionsPages() {
     list_->rowsRepainted();
 }
 
+// The same files stay selected.
+void MainFrame::refresh() {
+    std::vector<std::string> selected = selectedPaths();
+    open(std::vector(desk_.paths()));
+    selectAgain_ = std::move(selected);
+}
+
 void MainFrame::goUp() {
     const std::string folder = desk_.folder();
     const std::string above(parentOf(folder, nativePathStyle()));
@@ -258,7 +275,7 @@ void MainFrame::toggle(Command command) {
     settings.save(*setting);
     showParts();
     updateMenus(false);
-    if (command == Command::Subfolders) open(std::vector(desk_.paths()));
+    if (command == Command::Subfolders) refresh();
 }
 
 void MainFrame::editColumns() {

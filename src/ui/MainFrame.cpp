@@ -333,7 +333,8 @@ void MainFrame::showParts() {
 }
 
 void MainFrame::open(const std::vector<std::string>& paths) {
-    if (paths.empty() || paths.front().empty()) return;
+    selectAgain_.clear();
+    if (paths.empty() || paths.front().empty()) return showPath();
     if (desk_.isWorking()) return wxBell();
     if (!mayLeave()) return;
     std::vector<std::string> full;
@@ -347,7 +348,7 @@ void MainFrame::open(const std::vector<std::string>& paths) {
     trace_.beginWatch();
     list_->rowsMoved();
     editor_->showSelection();
-    cmbFolder_->setPath(full.front());
+    showPath();
     const std::string folder = desk_.folder();
     tree_->follow(folder);
     SetTitle(toWx(full.front() + " - " + texts_.get(Text::ProgramTitle)));
@@ -357,6 +358,10 @@ void MainFrame::open(const std::vector<std::string>& paths) {
     settings.save(Setting::CurrentFolder);
     remember(settings, HistoryList::Folders, folder);
     cmbFolder_->setHistory(settings.history(HistoryList::Folders));
+}
+
+void MainFrame::showPath() {
+    if (!desk_.paths().empty()) cmbFolder_->setPath(desk_.paths().front());
 }
 
 // Only a window that has been shown knows how much room its parts share.
@@ -402,6 +407,11 @@ void MainFrame::onLoaded() {
     trace_.endWatch();
     trace_.note("loaded", static_cast<double>(desk_.table().sums().files));
     if (services_.settings.flag(Setting::MainAutoSize)) list_->fitColumns();
+    if (desk_.selected().empty() && !selectAgain_.empty()) {
+        desk_.select(desk_.rowsOf(std::exchange(selectAgain_, {})));
+        list_->rowsMoved();
+        editor_->showSelection();
+    }
     if (desk_.wasStopped()) told_.lines.push_back(texts_.get(Text::ReadingCancelled));
     showFailed();
 }
@@ -427,13 +437,19 @@ void MainFrame::tell(Text text, const std::string& about) {
     noteUntil_ = wxGetLocalTimeMillis() + milliseconds;
 }
 
-void MainFrame::askAboutChanged(const std::vector<RowId>& rows) {
+// A line each, but not of many.
+std::string MainFrame::namesOf(const std::vector<RowId>& rows) const {
     constexpr std::size_t mostNamed = 5;
-    std::string question = texts_.get(Text::AskChanged, std::to_string(rows.size())) + "\n";
+    std::string names;
     for (std::size_t i = 0; i < std::min(rows.size(), mostNamed); ++i) {
-        question += "\n" + std::string(desk_.table().row(rows[i]).text(RowText::Name));
+        names += "\n" + std::string(desk_.table().row(rows[i]).text(RowText::Name));
     }
-    if (rows.size() > mostNamed) question += "\n…";
+    return rows.size() > mostNamed ? names + "\n…" : names;
+}
+
+void MainFrame::askAboutChanged(const std::vector<RowId>& rows) {
+    const std::string question =
+        texts_.get(Text::AskChanged, std::to_string(rows.size())) + "\n" + namesOf(rows);
     const int answer =
         ask(this, texts_, question, {Text::AskChangedReload, Text::AskChangedApply, false});
     if (answer == wxID_YES) desk_.reload(rows);

@@ -66,6 +66,7 @@ class MainFrame : public wxFrame {
     wxMenu* makeSortMenu();
     void speak();
     void placeWindow();
+    void showPath();
     void placeSashes();
     void keepPlace();
 
@@ -73,6 +74,7 @@ class MainFrame : public wxFrame {
     void onTimer();
     void onLoaded();
     void onWorkEnded(const std::string& list);
+    [[nodiscard]] std::string namesOf(const std::vector<RowId>& rows) const;
     void askAboutChanged(const std::vector<RowId>& rows);
     void showStatus();
     void tell(Text text, const std::string& about);
@@ -102,6 +104,7 @@ class MainFrame : public wxFrame {
     void copyToTarget();
     void showInfo();
     void showOptionsPages();
+    void refresh();
     void goUp();
     void toggle(Command command);
     void showParts();
@@ -142,6 +145,7 @@ class MainFrame : public wxFrame {
     StatusPanel* status_ = nullptr;
     wxString note_;  // shown until then instead of the sums
     wxLongLong noteUntil_ = 0;
+    std::vector<std::string> selectAgain_;  // when the files are there
     bool hasRows_ = false;
     bool isPlaced_ = false;
     std::optional<wxRect> kept_;  // where the settings say the window was

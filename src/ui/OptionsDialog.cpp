@@ -109,7 +109,6 @@ void OptionsDialog::makePages(wxSizer& outer) {
     lstPages_ = new wxListBox(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, titles);
     lstPages_->SetMinSize(lstPages_->GetBestSize());
     lstPages_->SetName("lstPages");
-    lstPages_->SetToolTip(text(Text::OptPages));
     lstPages_->Bind(wxEVT_LISTBOX, [this](wxCommandEvent&) { showPage(); });
     line->Add(lstPages_, 0, wxEXPAND | wxRIGHT, FromDIP(border));
 

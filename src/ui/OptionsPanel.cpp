@@ -99,9 +99,6 @@ void OptionsPanel::addLine(Line line) {
         for (wxWindow* part : line.parts)
             if (line.row->tip && part->GetToolTipText().empty())
                 part->SetToolTip(toWx(texts_.get(*line.row->tip)));
-        // What has no tip tells its whole caption: in a narrow window it may be cut.
-        if (line.control->GetToolTipText().empty())
-            line.control->SetToolTip(toWx(texts_.get(line.row->caption)));
     }
     lines_.push_back(std::move(line));
 }

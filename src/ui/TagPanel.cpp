@@ -147,6 +147,8 @@ void TagPanel::fill(bool keepsTyped) {
         const bool isKept = keepsTyped && field.control->typed();
         if (!isKept) field.control->show(desk_.common(field.field));
         field.control->window()->Enable(state.editable > 0);
+        field.control->window()->SetToolTip(rows.size() > 1 ? toWx(texts.get(Text::FullTextTip))
+                                                            : wxString());
     }
     if (!newCover_) cover_->show(desk_);
     onChange();
@@ -216,7 +218,6 @@ void TagPanel::speak() {
     const Texts& texts = services_.texts;
     for (const Field& field : fields_) {
         field.control->speak(texts);
-        field.control->window()->SetToolTip(toWx(texts.get(Text::FullTextTip)));
     }
     const auto name = [&](wxButton* button, Command command) {
         button->SetLabel(toWx(texts.get(commandRow(command).caption)));

@@ -50,6 +50,12 @@ TEST_F(RenamedFile, ListBesideItFollows) {
     show({folder.path("l.m3u")});
     EXPECT_EQ(names(), "2.mp3 Ж new.mp3");
     EXPECT_FALSE(desk.table().row(desk.table().shownAt(1)).isFailed);
+
+    // One that is shown follows wherever it lies.
+    folder.write("lists/m.m3u", "../2.mp3\n");
+    show({folder.path("lists/m.m3u")});
+    EXPECT_EQ(desk.rename(row("2.mp3"), "3.mp3"), std::nullopt);
+    EXPECT_EQ(folder.read("lists/m.m3u"), "../3.mp3\n");
     EXPECT_EQ(messages.text, "");
 }
 
@@ -59,9 +65,7 @@ TEST_F(RenamedFile, NameThatCannotBeGivenIsTold) {
                              "a.mp3 ", "a\n.mp3"}) {
         EXPECT_EQ(desk.rename(id, name), texts.get(Text::NameNotAllowed, name));
     }
-    const auto taken = desk.rename(id, "2.mp3");
-    ASSERT_TRUE(taken);
-    EXPECT_NE(*taken, "");
+    EXPECT_EQ(desk.rename(id, "2.mp3"), told(Text::FileNameTaken, "2.mp3"));
     EXPECT_EQ(desk.rename(id, "1.mp3"), std::nullopt) << "the name that it has";
     EXPECT_EQ(names(), "1.mp3 2.mp3");
     EXPECT_EQ(folder.read("l.m3u"), "#EXTM3U\n2.mp3\n1.mp3\n");

@@ -14,6 +14,8 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
+using namespace std::string_literals;
+
 class FileDeskTest : public DeskFixture {};
 
 TEST_F(FileDeskTest, ShowsFoldersListsAndFiles) {
@@ -42,6 +44,8 @@ TEST_F(FileDeskTest, ShowsFoldersListsAndFiles) {
     show({folder.path("l.m3u8")});
     EXPECT_EQ(names(), "2.mp3 1.mp3");
     EXPECT_EQ(desk.folder(), "");
+    EXPECT_EQ(desk.rowsOf({folder.path("1.mp3"), folder.path("sub/3.mp3")}),
+              std::vector<RowId>{row("1.mp3")});
     show({folder.path("sub"), folder.path("1.mp3")});
     EXPECT_EQ(names(), "3.mp3 1.mp3");
     EXPECT_EQ(desk.folder(), "");
@@ -143,6 +147,13 @@ TEST_F(FileDeskTest, PlaylistOfTheFolderIsWrittenBeside) {
     }));
     EXPECT_TRUE(fileInfo(list));
     EXPECT_TRUE(desk.takeFailures().empty());
+    EXPECT_FALSE(fileInfo(list + "8"));
+
+    song("\u0416.mp3");  // in no list of code page 1252
+    desk.makeList(false);
+    settle();
+    EXPECT_EQ(desk.takeFailures(), Lines{texts.get(Text::ListedInUtf8, list + "8")});
+    EXPECT_NE(folder.read("!Playlist.m3u8").find("\u0416.mp3"), std::string::npos);
     fs::remove(fs::path(list));
     fs::create_directory(fs::path(list));
     desk.makeList(true);
@@ -297,7 +308,8 @@ TEST_F(FileDeskTest, CopiesLeaveTheListAsItIs) {
 }
 
 TEST_F(FileDeskTest, TagsArePastedWithTheirEdits) {
-    song("1.mp3", "One");
+    const std::string cover = frame(3, "APIC", "\0image/png\0\3\0picture"s);
+    folder.write("1.mp3", tag(3, textFrame(3, "TPE1", "One") + cover) + mpegFrames(3));
     song("2.mp3", "Two");
     folder.write("3.wav", "");
     show();
@@ -315,6 +327,18 @@ TEST_F(FileDeskTest, TagsArePastedWithTheirEdits) {
     EXPECT_EQ(onDisk("2.mp3").GetArtist(), "One");
     EXPECT_EQ(onDisk("2.mp3").GetYear(), "1999");
     EXPECT_EQ(onDisk("2.mp3").GetTitle(), "Own") << "the copied file has none";
+    EXPECT_EQ(onDisk("2.mp3").AlbumArt.Size, 7U);
+    EXPECT_TRUE(desk.state().hasCovers);
+
+    // A cover that is to go is not copied.
+    TagChanges changes;
+    changes.picture = std::make_shared<const cAlbumArt>();
+    desk.editSelected(changes);
+    desk.copyTags();
+    EXPECT_FALSE(desk.state().hasCovers);
+    select({"1.mp3"});
+    desk.pasteTags();
+    EXPECT_TRUE(desk.state().hasCovers);
 }
 
 TEST_F(FileDeskTest, OnlyFilesWhoseTagsCanBeWrittenAreEdited) {

@@ -40,6 +40,11 @@ TEST(OptionPages, SearchFindsWhatAPersonWouldType) {
          "Tags: Code page of 8-bit texts;"},
         {Language::English, "vorbis preset 3",  // a page and a heading
          "Presets: Ogg Vorbis: Name; Options;"},
+        {Language::English, "streamversion",
+         "Encoders: Musepack stream version 8; | System: Programs that are not there;"},
+        {Language::English, "player",  // named so
+         "Player: Play files with a player of my choice; Program; Options to play; Options to "
+         "enqueue; | Tags: ID3v2 in version 2.4; | System: Programs that are not there;"},
         {Language::English, "recycle language", ""},
         {Language::Russian, "КОРЗИНУ", "Общие: Удалять файлы в корзину;"},
         {Language::Russian, "проигрыватель программа", "Проигрыватель: Программа;"},
