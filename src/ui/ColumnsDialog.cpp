@@ -37,6 +37,8 @@ class ColumnsDialog final : public wxDialog {
         row->Add(moves, wxSizerFlags().Border(wxLEFT, FromDIP(8)));
         all->Add(row, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, FromDIP(8)));
         all->Add(CreateStdDialogButtonSizer(wxOK | wxCANCEL), around.Right());
+        FindWindow(wxID_OK)->SetLabel(toWx(texts.get(Text::OptOk)));
+        FindWindow(wxID_CANCEL)->SetLabel(toWx(texts.get(Text::CallOffCaption)));
         SetSizerAndFit(all);
         CentreOnParent();
         list_->SetFocus();

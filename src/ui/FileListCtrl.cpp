@@ -75,6 +75,7 @@ void FileListCtrl::showSortMark() {
 }
 
 void FileListCtrl::fitColumns() {
+    if (GetItemCount() == 0) return;
     const long first = GetTopItem();
     const long last = std::min<long>(first + GetCountPerPage() + 1, GetItemCount());
     for (std::size_t i = 0; i < columns_.size(); ++i) {

@@ -29,6 +29,10 @@ class FileListCtrl : public wxListCtrl {
  public:
     FileListCtrl(wxWindow* parent, FileDesk& desk, ColumnLayout& layout, const Texts& texts,
                  FileListEvents events);
+    FileListCtrl(const FileListCtrl&) = delete;
+    FileListCtrl& operator=(const FileListCtrl&) = delete;
+    /// The control goes on telling of itself while it is destroyed.
+    ~FileListCtrl() override { SetEvtHandlerEnabled(false); }
 
     /// Makes the columns anew, after another layout or language.
     void makeColumns();

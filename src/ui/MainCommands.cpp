@@ -87,6 +87,7 @@ void MainFrame::onSelection() {
     if (rows == desk_.selected()) return;
     const bool typed = editor_->commit();
     desk_.select(rows);
+    trace_.note("selected", static_cast<double>(rows.size()));
     editor_->showSelection();
     if (!typed) return;
     list_->rowsRepainted();
@@ -247,7 +248,9 @@ void MainFrame::reloadFile(const std::string& path) {
 }
 
 void MainFrame::showOptionsPages() {
-    if (!showOptions(this, services_)) return;
+    const bool isChanged = showOptions(this, services_);
+    trace_.note("options", isChanged ? 1.0 : 0.0);
+    if (!isChanged) return;
     if (services_.changeTexts) services_.changeTexts();
     speak();
     showParts();
@@ -295,6 +298,7 @@ bool MainFrame::mayLeave() {
     editor_->commit();
     if (desk_.edits().isEmpty()) return true;
     if (services_.settings.flag(Setting::AutoTagsUpdate)) return saveAndWait();
+    list_->rowsRepainted();
     const int answer =
         ask(this, texts_, texts_.get(Text::AskSave, std::to_string(desk_.edits().count())),
             {Text::AskSaveYes, Text::AskSaveNo});

@@ -113,6 +113,11 @@ then_await done keys ctrl+s
 heading=138
 [ "$TAVLO_SYSTEM" = native ] || heading=153
 then_await sorted xdotool mousemove 60 $heading click 1
+sleep 1 # or else it is a double click
+then_await sorted xdotool click 1
+keys F3
+then_await selected keys Down # the row that was selected is elsewhere now
+[ "$answer" = 1 ] || fail "$answer files selected by one key"
 keys ctrl+f
 then_await filtered write M
 write arble
@@ -157,6 +162,15 @@ keys Down
 sleep 0.5
 keys F4 Tab ctrl+a
 write "Not to be kept"
+keys F12
+sleep 1
+keys ctrl+f
+write double
+sleep 0.5
+keys Tab Tab space # the only option that is left
+picture options
+then_await options keys Return
+[ "$answer" = 1 ] || fail "no option was changed"
 keys ctrl+q
 sleep 1
 picture question
