@@ -191,11 +191,17 @@ void FileDesk::copyTags() {
     copied_ = std::move(copied);
 }
 
+bool FileDesk::willHaveCover(RowId row) const {
+    const auto edits = edits_.isEmpty() ? nullptr : edits_.of(row);
+    return edits && edits->picture ? !edits->picture->Data.empty()
+                                   : table_.row(row).pictureSize > 0;
+}
+
 // As it will be; nothing where there is none.
 NewPicture FileDesk::coverOf(RowId row) const {
     const auto edits = edits_.of(row);
-    if (edits && edits->picture) return edits->picture->Data.empty() ? nullptr : edits->picture;
-    if (table_.row(row).pictureSize == 0) return nullptr;
+    if (!willHaveCover(row)) return nullptr;
+    if (edits && edits->picture) return edits->picture;
     const CodePage ansi(services_.ansiCodePage);
     ID3tag record = ReadAudioFile(table_.row(row).path(), {ansi, ReadDepth::Full});
     if (record.AlbumArt.Data.empty()) return nullptr;
@@ -339,11 +345,7 @@ DeskState FileDesk::state() const {
     state.selected = selected_.size();
     state.editable = static_cast<std::size_t>(
         std::ranges::count_if(selected_, [&](RowId row) { return isEditable(row); }));
-    state.hasCovers = std::ranges::any_of(selected_, [&](RowId row) {
-        const auto edits = edits_.of(row);
-        return edits && edits->picture ? !edits->picture->Data.empty()
-                                       : table_.row(row).pictureSize > 0;
-    });
+    state.hasCovers = std::ranges::any_of(selected_, [&](RowId row) { return willHaveCover(row); });
     state.shown = table_.shownCount();
     state.pending = edits_.count();
     state.hasFolder = !folder().empty();

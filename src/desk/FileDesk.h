@@ -104,6 +104,7 @@ class FileDesk {
     void takeResults(DeskNews& news);
     void take(FileResult result, std::vector<RowId>& removed);
     void tellStaying(const FileResult& saved);
+    [[nodiscard]] bool willHaveCover(RowId row) const;
     [[nodiscard]] NewPicture coverOf(RowId row) const;
     [[nodiscard]] std::vector<std::string> shownLists() const;
     void forget(std::span<const RowId> rows);

@@ -480,7 +480,7 @@ std::vector<OptionMatch> findOptions(const Texts& texts, std::string_view words,
         if (!match.rows.empty()) found.push_back(std::move(match));
     }
     // A page that is called so comes first.
-    std::ranges::stable_partition(found, [&](const OptionMatch& match) {
+    std::stable_partition(found.begin(), found.end(), [&](const OptionMatch& match) {
         const std::string title = lowerCase(texts.get(match.page->title));
         return std::ranges::any_of(
             wanted, [&](const std::string& word) { return title.find(word) != std::string::npos; });

@@ -22,7 +22,7 @@ struct ShellPlaces {
     /// programs that this user has chosen for types, only read
     RegistryKey choices{0x80000001,
                         R"(Software\Microsoft\Windows\CurrentVersion\Explorer\FileExts)"};
-    RegistryKey run{0x80000001, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run"};
+    RegistryKey run{0x80000001, R"(SOFTWARE\Microsoft\Windows\CurrentVersion\Run)"};
 };
 
 /// Puts the entries of this program into the shell, for this user alone, and takes them out.

@@ -35,7 +35,8 @@ wxBitmap picture(const wxString& name) {
 
 // No events run while the main window is made, so it has to be on the screen before.
 void letItAppear() {
-    constexpr int rounds = 10, pause = 5;  // milliseconds
+    constexpr int rounds = 10;
+    constexpr int pause = 5;  // milliseconds
     for (int i = 0; i < rounds; ++i) {
         wxTheApp->Yield(true);
         wxMilliSleep(pause);
