@@ -10,9 +10,6 @@ using State = DeskState;
 bool always(const State&) {
     return true;
 }
-bool withFolder(const State& state) {
-    return state.hasFolder;
-}
 bool withFolderAtRest(const State& state) {
     return state.hasFolder && !state.isSaving;
 }
@@ -93,7 +90,7 @@ constexpr std::array<CommandRow, 41> rows{{
     {Command::Info, Text::InfoCaption, Text::InfoTip, "Alt+Enter", {}, withSelectionAtRest},
     {Command::Quit, Text::QuitCaption, Text::QuitTip, "Ctrl+Q", {}, always},
     {Command::SelectAll, Text::SelectAllCaption, Text::SelectAllTip, "Ctrl+A", {}, withRows},
-    {Command::Invert, Text::InvertCaption, Text::InvertTip, "Ctrl+I", {}, withRows},
+    {Command::Invert, Text::InvertCaption, Text::InvertTip, "Ctrl+Shift+A", {}, withRows},
     {Command::CopyTags, Text::CopyTagsCaption, Text::CopyTagsTip, "Ctrl+Shift+C", {}, withOne},
     {Command::PasteTags,
      Text::PasteTagsCaption,
@@ -117,7 +114,7 @@ constexpr std::array<CommandRow, 41> rows{{
     {Command::PasteCover,
      Text::PasteCoverCaption,
      Text::PasteCoverTip,
-     "Ctrl+Shift+I",
+     "Ctrl+Shift+B",
      {},
      withEditable},
     {Command::ExportCover,
@@ -133,7 +130,7 @@ constexpr std::array<CommandRow, 41> rows{{
      {},
      withCoverToRemove},
     {Command::Options, Text::OptionsCaption, Text::OptionsTip, "F12", {}, always},
-    {Command::Up, Text::UpCaption, Text::UpTip, "Alt+Up", {}, withFolder},
+    {Command::Up, Text::UpCaption, Text::UpTip, "Alt+Up", {}, always},
     {Command::Refresh, Text::RefreshCaption, Text::RefreshTip, "F5", {}, always},
     {Command::Subfolders, Text::SubfoldersCaption, Text::SubfoldersTip, "Ctrl+B",
      Setting::MainSubfolders, always},

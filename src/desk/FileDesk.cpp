@@ -1,6 +1,7 @@
 #include "desk/FileDesk.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_set>
 
 #include "collection/NotedRename.h"
@@ -44,6 +45,7 @@ void FileDesk::show(std::vector<std::string> paths) {
     edits_.clear();
     selected_.clear();
     changed_.clear();
+    leftOut_.clear();
     wasStopped_ = false;
     table_.clear(folder());
     const bool subfolders = services_.settings.flag(Setting::MainSubfolders);
@@ -52,6 +54,12 @@ void FileDesk::show(std::vector<std::string> paths) {
 
 std::string FileDesk::folder() const {
     return paths_.size() == 1 && folderExists(paths_.front()) ? paths_.front() : std::string();
+}
+
+std::string FileDesk::place() const {
+    if (paths_.empty()) return {};
+    if (paths_.size() == 1) return paths_.front();
+    return std::string(folderOf(paths_.front(), nativePathStyle()));
 }
 
 void FileDesk::stop() {
@@ -84,11 +92,17 @@ void FileDesk::takeRows(DeskNews& news) {
     }
     if (!reader_->isDone()) return;
     for (const std::string& path : reader_->unread()) {
-        failures_.push_back(
-            services_.texts.get(isTaken(path) ? Text::FolderNotRead : Text::FolderNotFound, path));
+        failures_.push_back(services_.texts.get(whyUnread(path), path));
     }
     reader_.reset();
     news.loadingEnded = true;
+}
+
+Text FileDesk::whyUnread(const std::string& path) {
+    const auto there = fileInfo(path);
+    if (!there) return isTaken(path) ? Text::FolderNotRead : Text::FolderNotFound;
+    if (there->isFolder) return Text::FolderNotRead;
+    return isPlaylist(path) ? Text::FileNotRead : Text::NeitherAudioNorList;
 }
 
 void FileDesk::takeResults(DeskNews& news) {
@@ -160,6 +174,7 @@ void FileDesk::tellStaying(const FileResult& saved) {
 void FileDesk::forget(std::span<const RowId> rows) {
     table_.remove(rows);
     edits_.drop(rows);
+    for (const RowId row : rows) leftOut_.erase(row);
     std::vector<RowId> sorted(rows.begin(), rows.end());
     std::ranges::sort(sorted);
     std::erase_if(selected_, [&](RowId row) { return std::ranges::binary_search(sorted, row); });
@@ -174,10 +189,22 @@ void FileDesk::editSelected(const TagChanges& changes) {
     std::ranges::copy_if(selected_, std::back_inserter(rows),
                          [&](RowId row) { return isEditable(row); });
     edits_.add(rows, changes);
+    if (rows.empty()) return;
+    std::ranges::copy_if(selected_, std::inserter(leftOut_, leftOut_.end()),
+                         [&](RowId row) { return !isEditable(row); });
+}
+
+bool FileDesk::isEdited(TagField field) const {
+    if (edits_.isEmpty()) return false;
+    return std::ranges::any_of(selected_, [&](RowId row) {
+        const auto edits = edits_.of(row);
+        return edits && edits->texts.contains(field);
+    });
 }
 
 void FileDesk::revertSelected() {
     edits_.drop(selected_);
+    for (const RowId row : selected_) leftOut_.erase(row);
 }
 
 void FileDesk::copyTags() {
@@ -232,7 +259,16 @@ void FileDesk::begin(std::vector<FileItem> items, FileWork::Work work) {
     work_ = std::make_unique<FileWork>(std::move(items), std::move(work));
 }
 
+void FileDesk::tellLeftOut() {
+    for (const RowId row : std::exchange(leftOut_, {})) {
+        const FileRow& file = table_.row(row);
+        failures_.push_back(services_.texts.get(
+            hasWriter(file.type) ? Text::FileNotRead : Text::FormatNotWritten, file.path()));
+    }
+}
+
 void FileDesk::save() {
+    if (!isWorking()) tellLeftOut();
     begin(itemsOf(edits_.rows()),
           [context = context(), texts = services_.texts](const FileItem& item, const CancelFlag&) {
               return saveTags(item, false, context, texts);

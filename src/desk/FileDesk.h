@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -38,6 +39,8 @@ class FileDesk {
     [[nodiscard]] const std::vector<std::string>& paths() const { return paths_; }
     /// The folder that is shown; empty where it is not just one.
     [[nodiscard]] std::string folder() const;
+    /// Where all of it lies: the folder or playlist itself, or else the folder of the first file.
+    [[nodiscard]] std::string place() const;
 
     DeskNews poll();
     /// Ends reading or writing; what is done stays.
@@ -52,12 +55,17 @@ class FileDesk {
     [[nodiscard]] const FileTable& table() const { return table_; }
     [[nodiscard]] const PendingEdits& edits() const { return edits_; }
 
+    /// Whether its tags can be written.
+    [[nodiscard]] bool isEditable(RowId row) const;
     void select(std::vector<RowId> rows) { selected_ = std::move(rows); }
     [[nodiscard]] const std::vector<RowId>& selected() const { return selected_; }
 
-    /// Changes to the selected files; those whose tags cannot be written are left out.
+    /// Changes to the selected files; those whose tags cannot be written are left out, which is
+    /// told when the others are saved.
     void editSelected(const TagChanges& changes);
     void revertSelected();
+    /// Whether a selected file has an edit of the field.
+    [[nodiscard]] bool isEdited(TagField field) const;
     [[nodiscard]] CommonValue common(TagField field) const {
         return edits_.common(table_, selected_, field);
     }
@@ -98,8 +106,9 @@ class FileDesk {
  private:
     [[nodiscard]] std::vector<FileItem> itemsOf(std::span<const RowId> rows) const;
     [[nodiscard]] WorkContext context() const;
-    [[nodiscard]] bool isEditable(RowId row) const;
+    void tellLeftOut();
     void begin(std::vector<FileItem> items, FileWork::Work work);
+    static Text whyUnread(const std::string& path);
     void takeRows(DeskNews& news);
     void takeResults(DeskNews& news);
     void take(FileResult result, std::vector<RowId>& removed);
@@ -118,6 +127,7 @@ class FileDesk {
     std::unique_ptr<FileWork> work_;
     std::size_t workDone_ = 0;
     bool wasStopped_ = false;
+    std::set<RowId> leftOut_;  // selected when edits were made that they cannot take
     std::string list_;
     std::vector<RowId> changed_;
     std::vector<std::string> failures_;

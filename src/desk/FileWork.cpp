@@ -86,6 +86,10 @@ FileResult deleteFile(const FileItem& item, bool toRecycleBin, const Texts& text
 FileResult copyToFolder(const FileItem& item, const std::string& folder, const Texts& texts) {
     const PathStyle style = nativePathStyle();
     FileResult result = resultOf(item);
+    if (withoutLinks(std::string(folderOf(item.path, style))) == withoutLinks(folder)) {
+        result.message = texts.get(Text::IsInTarget, item.path);
+        return result;
+    }
     result.message = texts.get(Text::NotCopied, item.path);
     const std::string wanted = joinPath(folder, fileNameOf(item.path, style), style);
     const std::string free =

@@ -32,20 +32,17 @@ std::string playerArguments(const std::string& pattern, const std::string& path)
     return result;
 }
 
-PlayerOrders playerOrders(const Settings& settings, const std::vector<std::string>& files,
-                          PlayWish wish, const ToolPlaces& places) {
+PlayerOrder playerOrder(const Settings& settings, const std::string& file, PlayWish wish,
+                        const ToolPlaces& places) {
     if (!settings.flag(Setting::PlayerEn)) return {};
     const std::string& player = settings.text(Setting::PlayerPath);
     if (trimBlanks(player).empty()) return {{}, {}, Text::PlayerNotChosen};
-    PlayerOrders orders{findPlayer(player, places), {}, {}};
-    if (orders.program.empty()) return {player, {}, Text::PlayerNotFound};
-    Setting options = wish == PlayWish::Play ? Setting::PlayerPlayback : Setting::PlayerEnqueue;
-    for (const std::string& file : files) {
-        orders.lines.push_back(quotedArgument(orders.program) + ' ' +
-                               playerArguments(settings.text(options), file));
-        options = Setting::PlayerEnqueue;
-    }
-    return orders;
+    const std::string program = findPlayer(player, places);
+    if (program.empty()) return {player, {}, Text::PlayerNotFound};
+    const Setting options =
+        wish == PlayWish::Play ? Setting::PlayerPlayback : Setting::PlayerEnqueue;
+    return {
+        program, quotedArgument(program) + ' ' + playerArguments(settings.text(options), file), {}};
 }
 
 std::string playList(const std::vector<std::string>& files) {
@@ -64,13 +61,10 @@ bool writePlayList(const std::vector<std::string>& files) {
     return createFolders(settingsFolder()) && replaceFile(playListPath(), playList(files));
 }
 
-bool startAll(Services& services, const PlayerOrders& orders) {
-    for (const std::string& line : orders.lines) {
-        if (startAndForget(orders.program, line)) continue;
-        services.errors.report(Text::PlayerNotStarted, orders.program);
-        return false;
-    }
-    return true;
+bool startPlayer(Services& services, const PlayerOrder& order) {
+    if (startAndForget(order.program, order.line)) return true;
+    services.errors.report(Text::PlayerNotStarted, order.program);
+    return false;
 }
 
 bool openAll(Services& services, const std::string& file) {
@@ -82,21 +76,20 @@ bool openAll(Services& services, const std::string& file) {
 
 bool playFiles(Services& services, const std::vector<std::string>& files, PlayWish wish) {
     if (files.empty()) return true;
-    std::vector<std::string> played = files;
-    const bool hasPlayer = services.settings.flag(Setting::PlayerEn);
-    if (files.size() > (hasPlayer ? mostPlayerStarts : 1)) {
+    std::string played = files.front();
+    if (files.size() > 1) {
+        played = playListPath();
         if (!writePlayList(files)) {
-            services.errors.report(Text::PlayListNotWritten, playListPath());
+            services.errors.report(Text::PlayListNotWritten, played);
             return false;
         }
-        played = {playListPath()};
     }
-    const PlayerOrders orders = playerOrders(services.settings, played, wish);
-    if (orders.fault) {
-        services.errors.report(*orders.fault, orders.program);
+    const PlayerOrder order = playerOrder(services.settings, played, wish);
+    if (order.fault) {
+        services.errors.report(*order.fault, order.program);
         return false;
     }
-    return hasPlayer ? startAll(services, orders) : openAll(services, played.front());
+    return order.program.empty() ? openAll(services, played) : startPlayer(services, order);
 }
 
 }  // namespace tavlo

@@ -66,16 +66,15 @@ std::optional<WindowPlace> visiblePlace(const WindowPlace& wanted,
     WindowPlace sized = wanted;
     sized.width = std::max(sized.width, 1);
     sized.height = std::max(sized.height, 1);
-    Box window = boxOf(sized);
+    const Box window = boxOf(sized);
     const bool isHeld =
         std::any_of(workAreas.begin(), workAreas.end(),
                     [&](const WindowPlace& area) { return showsTitle(window, boxOf(area)); });
-    if (isHeld) {
-        const Box all = around(workAreas);
-        window.right = window.left + std::min(window.right - window.left, all.right - all.left);
-        window.bottom = window.top + std::min(window.bottom - window.top, all.bottom - all.top);
-        return placeOf(window);
-    }
+    const Box all = around(workAreas);
+    // What is larger than all screens comes from larger ones: it would hang off for good.
+    const bool isSmaller = window.right - window.left <= all.right - all.left &&
+                           window.bottom - window.top <= all.bottom - all.top;
+    if (isHeld && isSmaller) return placeOf(window);
     const auto nearest = std::min_element(
         workAreas.begin(), workAreas.end(), [&](const WindowPlace& a, const WindowPlace& b) {
             return distance(window, boxOf(a)) < distance(window, boxOf(b));

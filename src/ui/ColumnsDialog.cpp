@@ -44,11 +44,13 @@ class ColumnsDialog final : public wxDialog {
         list_->SetFocus();
     }
 
+    // Something has to be shown: the names.
     void applyTo(ColumnLayout& layout) const {
+        layout.show(ListColumn::FileName, true);
         for (std::size_t i = 0; i < order_.size(); ++i) {
             if (list_->IsChecked(static_cast<unsigned>(i))) layout.show(order_[i], true);
         }
-        for (std::size_t i = 0; i < order_.size(); ++i) {
+        for (std::size_t i = order_.size(); i-- > 0;) {
             if (!list_->IsChecked(static_cast<unsigned>(i))) layout.show(order_[i], false);
         }
         std::vector<ListColumn> shown;

@@ -17,6 +17,7 @@
 #include "platform/PlainText.h"
 #include "tags/AudioFile.h"
 #include "tags/Picture.h"
+#include "tags/UpdateTags.h"
 #include "ui/WxText.h"
 
 namespace tavlo {
@@ -121,7 +122,7 @@ void CoverPanel::show(const FileDesk& desk) {
         return showBytes(nullptr);
     }
     if (const NewPicture picture = newCover(rows.front())) return showNew(picture);
-    note_ = Text::NoCover;
+    note_ = hasWriter(table.row(rows.front()).type) ? Text::NoCover : Text::TagsNotReadYet;
     if (table.row(rows.front()).pictureSize == 0) return showBytes(nullptr);
     path_ = table.row(rows.front()).path();
     timer_.StartOnce(pause);
@@ -159,8 +160,9 @@ void CoverPanel::tell(Text text, std::string_view about) {
 }
 
 void CoverPanel::use(std::vector<std::uint8_t> bytes, const std::string& name) {
+    const wxBusyCursor busy;
     const auto head = readPictureHead(bytes);
-    if (!head) return tell(Text::PictureNotRead, name);
+    if (!head || isBrokenPicture(bytes)) return tell(Text::PictureNotRead, name);
     auto art = std::make_shared<cAlbumArt>();
     art->MIME = "image/" + lowerAscii(head->name);
     art->PictureType = frontCover;

@@ -11,6 +11,8 @@
 namespace tavlo {
 
 namespace {
+const wxString unsavedMark = wxString(L"\u25CF") + ' ';
+
 // Where the same value shows as a field of the tag editor.
 std::optional<TagField> fieldOf(ListColumn column) {
     const auto rows = tagFields();
@@ -85,6 +87,8 @@ void FileListCtrl::fitColumns() {
             width = std::max(
                 width, GetTextExtent(OnGetItemText(item, static_cast<long>(i))).x + FromDIP(18));
         }
+        // Room for the mark of what is not saved, which is bold.
+        if (columns_[i] == ListColumn::FileName) width += width / 12 + GetTextExtent(unsavedMark).x;
         SetColumnWidth(static_cast<int>(i), std::min(width, FromDIP(420)));
     }
     keepWidths();
@@ -101,11 +105,10 @@ wxString FileListCtrl::OnGetItemText(long item, long column) const {
     if (place >= desk_.table().shownCount()) return {};
     const RowId row = desk_.table().shownAt(place);
     const ListColumn shown = columns_[static_cast<std::size_t>(column)];
-    const auto edits = desk_.edits().of(row);
-    if (edits) {
-        if (shown == ListColumn::FileName) {
-            return toWx("\u25CF " + cellText(desk_.table().row(row), shown));
-        }
+    if (shown == ListColumn::FileName && isUnsaved(item, row)) {
+        return unsavedMark + toWx(cellText(desk_.table().row(row), shown));
+    }
+    if (desk_.edits().has(row)) {
         if (const auto field = fieldOf(shown)) {
             return toWx(desk_.edits().value(desk_.table(), row, *field));
         }
@@ -113,11 +116,20 @@ wxString FileListCtrl::OnGetItemText(long item, long column) const {
     return toWx(cellText(desk_.table().row(row), shown));
 }
 
+bool FileListCtrl::isUnsaved(long item, RowId row) const {
+    if (desk_.edits().has(row)) return true;
+    return hasTyped_ && desk_.isEditable(row) && GetItemState(item, wxLIST_STATE_SELECTED) != 0;
+}
+
+void FileListCtrl::markTyped(bool hasTyped) {
+    if (std::exchange(hasTyped_, hasTyped) != hasTyped) Refresh();
+}
+
 wxItemAttr* FileListCtrl::OnGetItemAttr(long item) const {
     const auto place = static_cast<std::size_t>(item);
     if (place >= desk_.table().shownCount()) return nullptr;
     const RowId row = desk_.table().shownAt(place);
-    if (desk_.edits().has(row)) return &unsaved_;
+    if (isUnsaved(item, row)) return &unsaved_;
     if (desk_.table().row(row).isFailed) return &failed_;
     if (desk_.table().row(row).isReadOnly) return &readOnly_;
     return nullptr;
@@ -201,6 +213,7 @@ void FileListCtrl::onColumnMenu(wxListEvent& event) {
         keepWidths();
         act();
         makeColumns();
+        events_.columnsChanged();
         Refresh();
     };
     if (at >= 0) {

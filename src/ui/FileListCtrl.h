@@ -20,6 +20,7 @@ struct FileListEvents {
     std::function<void(Command)> command;
     std::function<DeskState()> state;  ///< decides what a menu offers
     std::function<void(RowId, const std::string& name)> renamed;
+    std::function<void()> columnsChanged;
     std::function<void()> columnResized;  ///< by a person
     std::function<void()> activated;
 };
@@ -45,6 +46,10 @@ class FileListCtrl : public wxListCtrl {
     /// Rows came behind those that are there.
     void rowsCame();
     void rowsRepainted();
+    /// What is typed for the selected files is not theirs yet.
+    void markTyped(bool hasTyped);
+    /// Brings the row that has the keyboard into sight.
+    void showFocus();
 
     [[nodiscard]] std::vector<RowId> selectedRows() const;
     void selectAll();
@@ -60,6 +65,7 @@ class FileListCtrl : public wxListCtrl {
  private:
     wxString OnGetItemText(long item, long column) const override;
     wxItemAttr* OnGetItemAttr(long item) const override;
+    [[nodiscard]] bool isUnsaved(long item, RowId row) const;
 
     void watchSelection();
     void onPress(wxMouseEvent& event);
@@ -69,6 +75,7 @@ class FileListCtrl : public wxListCtrl {
     void dropStraySelection();
     void focusOn(long item);
     void showSelected();
+    void keepFocus();
     void select(const std::vector<bool>& wanted);
     [[nodiscard]] std::vector<bool> selectedPlaces() const;
     [[nodiscard]] std::optional<RowId> rowAt(long item) const;
@@ -89,6 +96,7 @@ class FileListCtrl : public wxListCtrl {
     mutable wxItemAttr unsaved_, failed_, readOnly_;
     std::optional<RowId> focus_;   // has the keyboard
     std::optional<RowId> anchor_;  // where a range begins
+    bool hasTyped_ = false;
     bool isRestoring_ = false;
     bool isSelectionDirty_ = false;
     wxTextCtrl* nameField_ = nullptr;

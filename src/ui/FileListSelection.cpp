@@ -57,6 +57,7 @@ void FileListCtrl::onPress(wxMouseEvent& event) {
     int flags = 0;
     const long item = HitTest(event.GetPosition(), flags);
     if (item < 0) return;
+    focus_ = rowAt(item);
     if (event.ShiftDown() && event.LeftDown()) {
         event.Skip(false);
         SetFocus();
@@ -107,12 +108,16 @@ void FileListCtrl::extendTo(long item, bool keepsOthers) {
     std::fill(wanted.begin() + first, wanted.begin() + last + 1, true);
     select(wanted);
     focusOn(item);
+    EnsureVisible(item);
     onSelection();
 }
 
 void FileListCtrl::focusOn(long item) {
     SetItemState(item, focusedState, focusedState);
-    EnsureVisible(item);
+}
+
+void FileListCtrl::showFocus() {
+    if (const auto item = itemOf(focus_)) EnsureVisible(*item);
 }
 
 // Only what is rarer is told one by one.
@@ -142,6 +147,7 @@ void FileListCtrl::rowsMoved() {
     rowsCame();
     isRestoring_ = false;
     showSelected();
+    keepFocus();
     onSelection();
 }
 
@@ -155,13 +161,14 @@ void FileListCtrl::showSelected() {
     std::transform(shown.begin(), shown.end(), wanted.begin(),
                    [&](RowId row) { return row < isSelected.size() && isSelected[row]; });
     select(wanted);
+}
+
+// With its row, or else with the first one that is selected.
+void FileListCtrl::keepFocus() {
     const auto focused = itemOf(focus_);
-    const auto first = std::ranges::find(wanted, true);
-    if (focused) {
-        focusOn(*focused);
-    } else if (first != wanted.end()) {
-        focusOn(static_cast<long>(first - wanted.begin()));
-    }
+    const long first = GetNextItem(-1, wxLIST_NEXT_ALL, selectedState);
+    if (focused || first >= 0) focusOn(focused.value_or(first));
+    focus_ = rowAt(GetNextItem(-1, wxLIST_NEXT_ALL, focusedState));
 }
 
 std::vector<RowId> FileListCtrl::selectedRows() const {

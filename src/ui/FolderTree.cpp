@@ -23,6 +23,11 @@ FolderTree::FolderTree(wxWindow* parent, const std::function<void(const std::str
     Bind(wxEVT_DIRCTRL_SELECTIONCHANGED, [this, chosen](wxTreeEvent&) {
         if (!isFollowing_) chosen(fromWx(GetPath()));
     });
+    findPlaces();
+}
+
+void FolderTree::findPlaces() {
+    places_.clear();
     const wxTreeCtrl& tree = *GetTreeCtrl();
     wxTreeItemIdValue cookie{};
     for (wxTreeItemId item = tree.GetFirstChild(tree.GetRootItem(), cookie); item.IsOk();
@@ -35,12 +40,35 @@ FolderTree::FolderTree(wxWindow* parent, const std::function<void(const std::str
 }
 
 void FolderTree::speak(const Texts& texts) {
-    for (const auto& [item, name] : places_)
-        GetTreeCtrl()->SetItemText(item, toWx(texts.get(name)));
+    texts_ = &texts;
+    namePlaces();
+}
+
+void FolderTree::namePlaces() {
+    if (texts_ == nullptr) return;
+    for (const auto& [item, name] : places_) {
+        GetTreeCtrl()->SetItemText(item, toWx(texts_->get(name)));
+    }
+}
+
+void FolderTree::renew() {
+    isFollowing_ = true;
+    const wxString path = GetPath();
+    ReCreateTree();
+    findPlaces();
+    namePlaces();
+    if (!path.empty()) SetPath(path);
+    isFollowing_ = false;
 }
 
 void FolderTree::follow(const std::string& folder) {
     if (folder.empty() || fromWx(GetPath()) == folder) return;
+    isFollowing_ = true;
+    SetPath(toWx(folder));
+    isFollowing_ = false;
+    if (fromWx(GetPath()) == folder) return;
+    // It is younger than the tree.
+    renew();
     isFollowing_ = true;
     SetPath(toWx(folder));
     isFollowing_ = false;

@@ -20,10 +20,17 @@ class FolderTree : public wxGenericDirCtrl {
     /// Names the places at the top in the language of now.
     void speak(const Texts& texts);
 
+    /// Looks again for what lies in the folders.
+    void renew();
+
     /// Shows where a folder lies, without telling that it was chosen.
     void follow(const std::string& folder);
 
  private:
+    void findPlaces();
+    void namePlaces();
+
+    const Texts* texts_ = nullptr;
     std::vector<std::pair<wxTreeItemId, Text>> places_;
     bool isFollowing_ = false;
 };

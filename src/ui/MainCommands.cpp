@@ -87,6 +87,7 @@ void MainFrame::onSelection() {
     if (rows == desk_.selected()) return;
     const bool typed = editor_->commit();
     desk_.select(rows);
+    note_.clear();
     trace_.note("selected", static_cast<double>(rows.size()));
     editor_->showSelection();
     if (!typed) return;
@@ -99,6 +100,7 @@ void MainFrame::onFilter() {
         const Trace::Span span(trace_, "filtered");
         desk_.table().filter(fromWx(txtFilter_->GetValue()));
         list_->rowsMoved();
+        list_->showFocus();
     }
     trace_.note("listed", static_cast<double>(desk_.table().shownCount()));
 }
@@ -110,6 +112,7 @@ void MainFrame::sortBy(ListColumn column) {
     desk_.table().sortBy(column, layout_.descending);
     list_->showSortMark();
     list_->rowsMoved();
+    list_->showFocus();
 }
 
 void MainFrame::unsort() {
@@ -117,6 +120,7 @@ void MainFrame::unsort() {
     desk_.table().unsort();
     list_->showSortMark();
     list_->rowsMoved();
+    list_->showFocus();
 }
 
 // Esc ends what is going on, or else the filter. Files are deleted from their list only, not while
@@ -127,6 +131,7 @@ void MainFrame::onKey(wxKeyEvent& event) {
     if (event.GetKeyCode() == WXK_DELETE && !isTyping && !list_->hasKeyboard()) return;
     if (event.GetKeyCode() != WXK_ESCAPE) return event.Skip();
     if (cmbFolder_->HasFocus()) showPath();
+    if (cmbTarget_->HasFocus()) showTarget();
     if (desk_.isLoading() || desk_.isWorking()) return desk_.stop();
     if (txtFilter_->HasFocus() || !txtFilter_->IsEmpty()) txtFilter_->Clear();
     list_->SetFocus();
@@ -216,8 +221,8 @@ void MainFrame::copyToTarget() {
         return;
     }
     Settings& settings = services_.settings;
-    settings.set(Setting::TargetFolderPath, folder);
-    settings.save(Setting::TargetFolderPath);
+    cmbTarget_->setPath(folder);
+    keepTarget();
     remember(settings, HistoryList::TargetFolders, folder);
     cmbTarget_->setHistory(settings.history(HistoryList::TargetFolders));
     desk_.copySelected(folder);
@@ -254,20 +259,28 @@ void MainFrame::showOptionsPages() {
     if (services_.changeTexts) services_.changeTexts();
     speak();
     showParts();
+    fitColumns();
     list_->rowsRepainted();
 }
 
 // The same files stay selected.
 void MainFrame::refresh() {
+    tree_->renew();
     std::vector<std::string> selected = selectedPaths();
     open(std::vector(desk_.paths()));
     selectAgain_ = std::move(selected);
 }
 
+// Where folders are gone, to the next one above that is there.
 void MainFrame::goUp() {
-    const std::string folder = desk_.folder();
-    const std::string above(parentOf(folder, nativePathStyle()));
-    if (!above.empty() && above != folder) open({above});
+    const std::string place = desk_.place();
+    std::string above(parentOf(place, nativePathStyle()));
+    while (!above.empty() && !folderExists(above)) {
+        const std::string next(parentOf(above, nativePathStyle()));
+        if (next == above) return;
+        above = next;
+    }
+    if (!above.empty() && above != place) open({above});
 }
 
 void MainFrame::toggle(Command command) {
@@ -284,6 +297,7 @@ void MainFrame::toggle(Command command) {
 void MainFrame::editColumns() {
     if (!chooseColumns(this, texts_, layout_)) return;
     list_->makeColumns();
+    fitColumns();
     list_->rowsRepainted();
 }
 

@@ -118,8 +118,12 @@ wxSizer* MainFrame::makeFolderBar() {
     lblFolder_ = new wxStaticText(room, wxID_ANY, {});
     row->Add(lblFolder_, flags);
     cmbFolder_ = new PathField(room);
-    cmbFolder_->Bind(wxEVT_TEXT_ENTER, [this](wxCommandEvent&) { open({cmbFolder_->path()}); });
-    cmbFolder_->Bind(wxEVT_COMBOBOX, [this](wxCommandEvent&) { open({cmbFolder_->path()}); });
+    const auto goThere = [this] {
+        open({cmbFolder_->path()});
+        list_->SetFocus();
+    };
+    cmbFolder_->Bind(wxEVT_TEXT_ENTER, [goThere](wxCommandEvent&) { goThere(); });
+    cmbFolder_->onChosen(goThere);
     cmbFolder_->setHistory(services_.settings.history(HistoryList::Folders));
     row->Add(cmbFolder_, wxSizerFlags(3).CenterVertical().Border(wxRIGHT, FromDIP(barGap)));
     chkSubfolders_ = new wxCheckBox(room, wxID_ANY, {});
@@ -137,16 +141,16 @@ wxPanel* MainFrame::makeTargetBar() {
     auto* const row = new wxBoxSizer(wxHORIZONTAL);
     Settings& settings = services_.settings;
     chkTarget_ = new wxCheckBox(bar, wxID_ANY, {});
-    chkTarget_->SetValue(settings.flag(Setting::TargetFolderEn));
     chkTarget_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) {
-        services_.settings.set(Setting::TargetFolderEn, chkTarget_->GetValue());
-        cmbTarget_->Enable(chkTarget_->GetValue());
-        services_.settings.save(Setting::TargetFolderEn);
+        keepTarget();
+        showTarget();
     });
     cmbTarget_ = new PathField(bar);
     cmbTarget_->setHistory(settings.history(HistoryList::TargetFolders));
-    cmbTarget_->setPath(settings.text(Setting::TargetFolderPath));
-    cmbTarget_->Enable(chkTarget_->GetValue());
+    cmbTarget_->Bind(wxEVT_KILL_FOCUS, [this](wxFocusEvent& event) {
+        event.Skip();
+        keepTarget();
+    });
     cmdBrowse_ = new wxButton(bar, wxID_ANY, {}, wxDefaultPosition, wxDefaultSize, wxBU_EXACTFIT);
     cmdBrowse_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
         const wxString chosen = wxDirSelector(toWx(texts_.get(Text::BrowseTip)),
@@ -154,7 +158,8 @@ wxPanel* MainFrame::makeTargetBar() {
         if (chosen.empty()) return;
         cmbTarget_->setPath(fromWx(chosen));
         chkTarget_->SetValue(true);
-        cmbTarget_->Enable();
+        keepTarget();
+        showTarget();
     });
     const wxSizerFlags flags = wxSizerFlags().CenterVertical().Border(wxRIGHT, FromDIP(barGap));
     row->Add(chkTarget_, flags);
@@ -162,6 +167,20 @@ wxPanel* MainFrame::makeTargetBar() {
     row->Add(cmdBrowse_, wxSizerFlags().CenterVertical());
     bar->SetSizer(row);
     return bar;
+}
+
+void MainFrame::showTarget() {
+    const Settings& settings = services_.settings;
+    chkTarget_->SetValue(settings.flag(Setting::TargetFolderEn));
+    cmbTarget_->setPath(settings.text(Setting::TargetFolderPath));
+    cmbTarget_->Enable(chkTarget_->GetValue());
+}
+
+void MainFrame::keepTarget() {
+    Settings& settings = services_.settings;
+    settings.set(Setting::TargetFolderEn, chkTarget_->GetValue());
+    settings.set(Setting::TargetFolderPath, cmbTarget_->path());
+    settings.save(std::array{Setting::TargetFolderEn, Setting::TargetFolderPath});
 }
 
 void MainFrame::makeMiddle(wxSizer* all) {
@@ -177,14 +196,16 @@ void MainFrame::makeMiddle(wxSizer* all) {
     events.state = [this] { return state(); };
     events.command = [this](Command command) { perform(command); };
     events.renamed = [this](RowId row, const std::string& name) { onRenamed(row, name); };
+    events.columnsChanged = [this] { fitColumns(); };
     events.columnResized = [this] { services_.settings.set(Setting::MainAutoSize, false); };
     events.activated = [this] {
         const bool showsInfo = services_.settings.flag(Setting::FilePropertiesOnDblClick);
         perform(showsInfo ? Command::Info : Command::Play);
     };
     list_ = new FileListCtrl(editorSplit_, desk_, layout_, texts_, events);
-    editor_ =
-        new TagPanel(editorSplit_, services_, desk_, [this](Command command) { perform(command); });
+    editor_ = new TagPanel(
+        editorSplit_, services_, desk_, [this](Command command) { perform(command); },
+        [this](bool hasTyped) { list_->markTyped(hasTyped); });
     treeSplit_->SetMinimumPaneSize(FromDIP(120));
     editorSplit_->SetMinimumPaneSize(FromDIP(260));
     editorSplit_->SetSashGravity(1);
@@ -324,6 +345,7 @@ void MainFrame::showParts() {
     });
     editor_->showCover(settings.flag(Setting::ShowAlbumArt));
     chkSubfolders_->SetValue(settings.flag(Setting::MainSubfolders));
+    showTarget();
     const bool isClear = settings.flag(Setting::AlphaEnabled) && CanSetTransparent();
     if (CanSetTransparent()) {
         constexpr wxByte solid = 255;
@@ -336,10 +358,16 @@ void MainFrame::open(const std::vector<std::string>& paths) {
     selectAgain_.clear();
     if (paths.empty() || paths.front().empty()) return showPath();
     if (desk_.isWorking()) return wxBell();
-    if (!mayLeave()) return;
     std::vector<std::string> full;
     full.reserve(paths.size());
     for (const std::string& path : paths) full.push_back(absolutePath(path));
+    // A slip of the pen leaves the list as it is.
+    if (full.size() == 1 && full != desk_.paths() && !fileInfo(full.front())) {
+        told_.lines.push_back(texts_.get(Text::FolderNotFound, full.front()));
+        showPath();
+        return showFailed();
+    }
+    if (!mayLeave()) return;
     if (desk_.isLoading()) trace_.endWatch();
     desk_.show(full);
     list_->forgetRows();
@@ -351,7 +379,7 @@ void MainFrame::open(const std::vector<std::string>& paths) {
     showPath();
     const std::string folder = desk_.folder();
     tree_->follow(folder);
-    SetTitle(toWx(full.front() + " - " + texts_.get(Text::ProgramTitle)));
+    SetTitle(toWx(desk_.place() + " - " + texts_.get(Text::ProgramTitle)));
     if (folder.empty()) return;
     Settings& settings = services_.settings;
     settings.set(Setting::CurrentFolder, folder);
@@ -361,7 +389,7 @@ void MainFrame::open(const std::vector<std::string>& paths) {
 }
 
 void MainFrame::showPath() {
-    if (!desk_.paths().empty()) cmbFolder_->setPath(desk_.paths().front());
+    if (!desk_.paths().empty()) cmbFolder_->setPath(desk_.place());
 }
 
 // Only a window that has been shown knows how much room its parts share.
@@ -376,9 +404,22 @@ void MainFrame::onTimer() {
         // Some window managers place a new window as they like, but let it move.
         if (kept_ && !IsMaximized()) SetSize(*kept_);
     }
+    const DeskNews news = desk_.poll();
+    showRows(news);
+    showStatus();
+    ended_.loadingEnded |= news.loadingEnded;
+    ended_.workEnded |= news.workEnded;
+    if (!news.list.empty()) ended_.list = news.list;
+    // What has to be said waits until nothing else is being asked.
     if (modals_.areOpen()) return;
     if (services_.cancel.exchange(false)) Close();  // the terminal's Ctrl+C
-    const DeskNews news = desk_.poll();
+    const DeskNews ended = std::exchange(ended_, {});
+    if (ended.loadingEnded) onLoaded();
+    if (ended.workEnded) onWorkEnded(ended.list);
+    if (isClosing_ && !desk_.isWorking()) Close();
+}
+
+void MainFrame::showRows(const DeskNews& news) {
     const bool isFirst = news.rowsCame && !hasRows_;
     if (isFirst) {
         hasRows_ = true;
@@ -397,19 +438,21 @@ void MainFrame::onTimer() {
     } else if (news.rowsChanged) {
         list_->rowsRepainted();
     }
-    showStatus();
-    if (news.loadingEnded) onLoaded();
-    if (news.workEnded) onWorkEnded(news.list);
-    if (isClosing_ && !desk_.isWorking()) Close();
+}
+
+void MainFrame::fitColumns() {
+    if (services_.settings.flag(Setting::MainAutoSize)) list_->fitColumns();
 }
 
 void MainFrame::onLoaded() {
     trace_.endWatch();
     trace_.note("loaded", static_cast<double>(desk_.table().sums().files));
-    if (services_.settings.flag(Setting::MainAutoSize)) list_->fitColumns();
+    fitColumns();
     if (desk_.selected().empty() && !selectAgain_.empty()) {
         desk_.select(desk_.rowsOf(std::exchange(selectAgain_, {})));
+        list_->forgetRows();
         list_->rowsMoved();
+        list_->showFocus();
         editor_->showSelection();
     }
     if (desk_.wasStopped()) told_.lines.push_back(texts_.get(Text::ReadingCancelled));

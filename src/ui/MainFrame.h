@@ -67,11 +67,15 @@ class MainFrame : public wxFrame {
     void speak();
     void placeWindow();
     void showPath();
+    void showTarget();
+    void keepTarget();
     void placeSashes();
     void keepPlace();
 
     // What goes on beside
     void onTimer();
+    void showRows(const DeskNews& news);
+    void fitColumns();
     void onLoaded();
     void onWorkEnded(const std::string& list);
     [[nodiscard]] std::string namesOf(const std::vector<RowId>& rows) const;
@@ -146,6 +150,7 @@ class MainFrame : public wxFrame {
     wxString note_;  // shown until then instead of the sums
     wxLongLong noteUntil_ = 0;
     std::vector<std::string> selectAgain_;  // when the files are there
+    DeskNews ended_;                        // what came to its end and was not told of yet
     bool hasRows_ = false;
     bool isPlaced_ = false;
     std::optional<wxRect> kept_;  // where the settings say the window was

@@ -7,6 +7,7 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
+#include "ui/AppIcon.h"
 #include "ui/WxText.h"
 
 namespace tavlo {
@@ -18,6 +19,7 @@ class TextDialog final : public wxDialog {
                const wxString& close, bool isPage)
         : wxDialog(parent, wxID_ANY, title, wxDefaultPosition, wxDefaultSize,
                    wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER) {
+        if (parent == nullptr) SetIcons(appIcons());
         auto* const all = new wxBoxSizer(wxVERTICAL);
         const int border = FromDIP(8);
         if (!intro.empty()) {

@@ -18,6 +18,7 @@
 #include "desk/OptionDraft.h"
 #include "platform/Environment.h"
 #include "platform/Registry.h"
+#include "ui/AppIcon.h"
 #include "ui/OptionsPanel.h"
 #include "ui/WxText.h"
 
@@ -78,6 +79,7 @@ OptionsDialog::OptionsDialog(wxWindow* parent, Services& services)
       draft_(services.settings, shell_) {
     taken_ =
         withMnemonics({services.texts.get(Text::OptSearch), services.texts.get(Text::OptDefaults)});
+    if (parent == nullptr) SetIcons(appIcons());
     auto* outer = new wxBoxSizer(wxVERTICAL);
     makeSearch(*outer, toWx(taken_[0]));
     makePages(*outer);
@@ -273,6 +275,8 @@ void OptionsDialog::onKey(wxKeyEvent& event) {
     } else if (event.GetKeyCode() == WXK_ESCAPE && FindFocus() == txtSearch_ &&
                !txtSearch_->IsEmpty()) {
         txtSearch_->Clear();
+    } else if (event.GetKeyCode() == WXK_RETURN && FindFocus() == txtSearch_) {
+        lstPages_->SetFocus();
     } else if (event.GetModifiers() != wxMOD_ALT || letter <= WXK_SPACE || !goToLetter(letter)) {
         event.Skip();
     }

@@ -255,6 +255,7 @@ void OptionsPanel::showOnly(const std::vector<const OptionRow*>& rows) {
         line.item->Show(std::ranges::find(rows, line.row) != rows.end());
     FitInside();
     Layout();
+    Refresh();
 }
 
 void OptionsPanel::focusOn(const OptionRow& row) {

@@ -12,6 +12,20 @@ PathField::PathField(wxWindow* parent)
     SetMinSize({FromDIP(120), -1});
 }
 
+void PathField::onChosen(const std::function<void()>& act) {
+    Bind(wxEVT_COMBOBOX_DROPDOWN, [this](wxCommandEvent& event) {
+        event.Skip();
+        isDropped_ = true;
+    });
+    Bind(wxEVT_COMBOBOX_CLOSEUP, [this](wxCommandEvent& event) {
+        event.Skip();
+        CallAfter([this] { isDropped_ = false; });
+    });
+    Bind(wxEVT_COMBOBOX, [this, act](wxCommandEvent&) {
+        if (isDropped_) CallAfter(act);
+    });
+}
+
 void PathField::setPath(const std::string& path) {
     shown_ = path;
     ChangeValue(toWx(path));

@@ -4,6 +4,7 @@
 #include <wx/combobox.h>
 #include <wx/stattext.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,10 +19,14 @@ class PathField : public wxComboBox {
     void setPath(const std::string& path);
     [[nodiscard]] std::string path() const;
     void setHistory(std::vector<std::string> paths);
+    /// A path was picked from the list that drops down; walking through it with the arrow keys is
+    /// not picking.
+    void onChosen(const std::function<void()>& act);
 
  private:
     std::string shown_;
     std::vector<std::string> history_;
+    bool isDropped_ = false;
 };
 
 }  // namespace tavlo

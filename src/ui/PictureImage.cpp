@@ -124,6 +124,13 @@ wxImage imageOf(Bytes bytes) {
     }
 }
 
+bool isBrokenPicture(Bytes bytes) {
+    const auto head = readPictureHead(bytes);
+    const bool isKnown = std::ranges::any_of(
+        kinds, [&](const ToolkitKind& row) { return head && head->name == row.name; });
+    return isKnown && isShowable(head) && !imageOf(bytes).IsOk();
+}
+
 std::string pngOf(const wxImage& image) {
     if (!image.IsOk()) return {};
     const auto width = static_cast<std::uint32_t>(image.GetWidth());

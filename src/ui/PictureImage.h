@@ -23,6 +23,9 @@ using PictureBytes = std::shared_ptr<const std::vector<std::uint8_t>>;
 /// Never logs; may be called from any thread once one call has ended.
 wxImage imageOf(Bytes bytes);
 
+/// Whether a picture of a kind that can be decoded here cannot.
+bool isBrokenPicture(Bytes bytes);
+
 /// The image as a PNG file; empty where it cannot be made.
 std::string pngOf(const wxImage& image);
 

@@ -31,8 +31,12 @@ constexpr int gap = 3;
 }  // namespace
 
 TagPanel::TagPanel(wxWindow* parent, Services& services, FileDesk& desk,
-                   std::function<void(Command)> command)
-    : wxPanel(parent), services_(services), desk_(desk), command_(std::move(command)) {
+                   std::function<void(Command)> command, std::function<void(bool)> changed)
+    : wxPanel(parent),
+      services_(services),
+      desk_(desk),
+      command_(std::move(command)),
+      changed_(std::move(changed)) {
     auto* const all = new wxBoxSizer(wxVERTICAL);
     heading_ = new wxStaticText(this, wxID_ANY, {}, wxDefaultPosition, wxDefaultSize,
                                 wxST_ELLIPSIZE_END | wxST_NO_AUTORESIZE);
@@ -56,6 +60,11 @@ TagPanel::TagPanel(wxWindow* parent, Services& services, FileDesk& desk,
     inside->Add(grid, wxSizerFlags().Expand().Border(wxALL, FromDIP(gap)));
     room_->SetSizer(inside);
     room_->SetScrollRate(0, FromDIP(12));
+    // A scroll bar that came takes room from the fields.
+    room_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        event.Skip();
+        room_->CallAfter([this] { room_->Layout(); });
+    });
     all->Add(room_, wxSizerFlags(1).Expand());
     auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
     cmdSave_ = new wxButton(this, wxID_ANY);
@@ -119,6 +128,7 @@ void TagPanel::onChange() {
     state.hasTyped = hasTyped();
     enable(state);
     markCaptions();
+    changed_(state.hasTyped);
 }
 
 void TagPanel::enable(const DeskState& state) {
@@ -160,7 +170,7 @@ void TagPanel::markCaptions() {
     for (const Field& field : fields_) {
         if (field.caption == nullptr) continue;
         std::string text = services_.texts.get(tagFieldRow(field.field).caption);
-        if (field.control->typed()) {
+        if (field.control->typed() || desk_.isEdited(field.field)) {
             text += " \u25CF";
         } else if (field.control->differs()) {
             text += " \u2260";

@@ -21,7 +21,7 @@ namespace tavlo {
 class TagPanel : public wxPanel {
  public:
     TagPanel(wxWindow* parent, Services& services, FileDesk& desk,
-             std::function<void(Command)> command);
+             std::function<void(Command)> command, std::function<void(bool hasTyped)> changed);
 
     /// Shows what the selected files have; what was typed goes.
     void showSelection();
@@ -60,6 +60,7 @@ class TagPanel : public wxPanel {
     Services& services_;
     FileDesk& desk_;
     std::function<void(Command)> command_;
+    std::function<void(bool)> changed_;
     std::vector<Field> fields_;
     wxStaticText* heading_ = nullptr;
     wxScrolledWindow* room_ = nullptr;  // of cover and fields

@@ -59,6 +59,10 @@ TEST_F(FileDeskTest, FolderThatIsNotThereIsToldOnce) {
     EXPECT_EQ(names(), "");
     EXPECT_EQ(desk.takeFailures(), Lines{told(Text::FolderNotFound, "none")});
     EXPECT_TRUE(desk.takeFailures().empty());
+    folder.write("a.png", "");
+    show({folder.path("a.png"), folder.path("1.mp3")});
+    EXPECT_EQ(desk.takeFailures(), Lines{told(Text::NeitherAudioNorList, "a.png")});
+    EXPECT_EQ(desk.place(), folder.path());
     fs::remove_all(fs::path(folder.path()));
     show();
     EXPECT_EQ(desk.table().sums().files, 0U);
@@ -301,6 +305,10 @@ TEST_F(FileDeskTest, CopiesLeaveTheListAsItIs) {
     EXPECT_EQ(desk.workDone(), 2U);
     EXPECT_TRUE(folder.read("to/2.mp3") == folder.read("2.mp3"));
     EXPECT_EQ(names(), "1.mp3 2.mp3");
+    desk.copySelected(folder.path());
+    settle();
+    EXPECT_EQ(desk.takeFailures(),
+              (Lines{told(Text::IsInTarget, "1.mp3"), told(Text::IsInTarget, "2.mp3")}));
     desk.copySelected(folder.path("none"));
     settle();
     EXPECT_EQ(desk.workDone(), 0U);
@@ -323,7 +331,7 @@ TEST_F(FileDeskTest, TagsArePastedWithTheirEdits) {
     desk.pasteTags();
     desk.save();
     settle();
-    EXPECT_TRUE(desk.takeFailures().empty());
+    EXPECT_EQ(desk.takeFailures(), Lines{told(Text::FormatNotWritten, "3.wav")});
     EXPECT_EQ(onDisk("2.mp3").GetArtist(), "One");
     EXPECT_EQ(onDisk("2.mp3").GetYear(), "1999");
     EXPECT_EQ(onDisk("2.mp3").GetTitle(), "Own") << "the copied file has none";
@@ -355,7 +363,9 @@ TEST_F(FileDeskTest, OnlyFilesWhoseTagsCanBeWrittenAreEdited) {
     EXPECT_EQ(desk.state().pending, editable.size());
     desk.save();
     settle();
-    EXPECT_TRUE(desk.takeFailures().empty());
+    EXPECT_EQ(desk.takeFailures(),
+              (Lines{told(Text::FormatNotWritten, "5.wav"), told(Text::FormatNotWritten, "6.flac"),
+                     told(Text::FormatNotWritten, "7.ogg"), told(Text::FileNotRead, "gone.mp3")}));
     for (const std::string& name : editable) EXPECT_EQ(onDisk(name).GetTitle(), "New") << name;
 }
 

@@ -86,8 +86,9 @@ TEST_F(OneFile, FileThatWentIsTold) {
     for (const bool toBin : {false, true}) {
         expectMessage(deleteFile(gone, toBin, texts), FileOutcome::Gone, Text::FileGone);
     }
-    expectMessage(copyToFolder(gone, folder.path(), texts), FileOutcome::Failed, Text::NotCopied);
-    EXPECT_TRUE(listFolder(folder.path()).empty());
+    expectMessage(copyToFolder(gone, folder.makeFolder("to"), texts), FileOutcome::Failed,
+                  Text::NotCopied);
+    EXPECT_TRUE(listFolder(folder.path("to")).empty());
 }
 
 TEST_F(OneFile, FolderInItsPlaceStays) {
@@ -192,7 +193,8 @@ TEST_F(OneFile, CopiesNeverOverwrite) {
         EXPECT_EQ(whole, count - 1);
     }
     EXPECT_EQ(folder.read("to/a.mp3"), "somebody's");
-    EXPECT_EQ(copyToFolder(copied, folder.path(), texts).outcome, FileOutcome::Copied);
+    expectMessage(copyToFolder(copied, folder.path(), texts), FileOutcome::Failed,
+                  Text::IsInTarget);
     EXPECT_TRUE(folder.read("a.mp3") == song);
     expectMessage(copyToFolder(copied, folder.path("none"), texts), FileOutcome::Failed,
                   Text::NotCopied);

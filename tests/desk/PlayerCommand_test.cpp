@@ -11,16 +11,15 @@
 namespace tavlo {
 namespace {
 
-class PlayerOrdersTest : public testing::Test {
+class PlayerOrderTest : public testing::Test {
  protected:
-    PlayerOrdersTest() { settings.set(Setting::PlayerEn, true); }
+    PlayerOrderTest() { settings.set(Setting::PlayerEn, true); }
 
-    PlayerOrders orders(const std::vector<std::string>& files, PlayWish wish = PlayWish::Play) {
+    PlayerOrder order(const std::string& file, PlayWish wish = PlayWish::Play) {
         const auto exists = [](const std::string& path) {
             return path == "C:\\P F\\play.exe" || path == "D:\\bin\\mpx.exe";
         };
-        return playerOrders(settings, files, wish,
-                            {PathStyle::Windows, "C:\\T", "D:\\bin", exists});
+        return playerOrder(settings, file, wish, {PathStyle::Windows, "C:\\T", "D:\\bin", exists});
     }
     void choose(const std::string& player) { settings.set(Setting::PlayerPath, player); }
 
@@ -29,26 +28,23 @@ class PlayerOrdersTest : public testing::Test {
     Settings settings{store};
 };
 
-TEST_F(PlayerOrdersTest, TheFirstPlaysTheOthersWait) {
+TEST_F(PlayerOrderTest, PlayingAndEnqueuingHaveOptionsOfTheirOwn) {
     choose("C:\\P F\\play.exe");
-    const PlayerOrders play = orders({"C:\\a b.mp3", "C:\\c.mp3", "C:\\d.mp3"});
-    EXPECT_EQ(play.program, "C:\\P F\\play.exe");
-    EXPECT_EQ(play.lines, (std::vector<std::string>{"\"C:\\P F\\play.exe\" \"C:\\a b.mp3\"",
-                                                    "\"C:\\P F\\play.exe\" /ADD \"C:\\c.mp3\"",
-                                                    "\"C:\\P F\\play.exe\" /ADD \"C:\\d.mp3\""}));
-    EXPECT_EQ(orders({"C:\\c.mp3"}, PlayWish::Enqueue).lines,
-              std::vector<std::string>{"\"C:\\P F\\play.exe\" /ADD \"C:\\c.mp3\""});
+    EXPECT_EQ(order("C:\\a b.mp3").program, "C:\\P F\\play.exe");
+    EXPECT_EQ(order("C:\\a b.mp3").line, "\"C:\\P F\\play.exe\" \"C:\\a b.mp3\"");
+    EXPECT_EQ(order("C:\\c.mp3", PlayWish::Enqueue).line,
+              "\"C:\\P F\\play.exe\" /ADD \"C:\\c.mp3\"");
 }
 
-TEST_F(PlayerOrdersTest, SaysWhyThereIsNoPlayer) {
-    EXPECT_EQ(orders({"a"}).fault, Text::PlayerNotChosen);
+TEST_F(PlayerOrderTest, SaysWhyThereIsNoPlayer) {
+    EXPECT_EQ(order("a").fault, Text::PlayerNotChosen);
     choose("C:\\gone\\play.exe");
-    EXPECT_EQ(orders({"a"}).fault, Text::PlayerNotFound);
-    EXPECT_EQ(orders({"a"}).program, "C:\\gone\\play.exe");
+    EXPECT_EQ(order("a").fault, Text::PlayerNotFound);
+    EXPECT_EQ(order("a").program, "C:\\gone\\play.exe");
     choose("mpx.exe");
-    EXPECT_EQ(orders({"a"}).program, "D:\\bin\\mpx.exe");
+    EXPECT_EQ(order("a").program, "D:\\bin\\mpx.exe");
     settings.set(Setting::PlayerEn, false);
-    EXPECT_TRUE(!orders({"a"}).fault && orders({"a"}).lines.empty());
+    EXPECT_TRUE(!order("a").fault && order("a").line.empty());
 }
 
 // Whatever stands in a name, the player has to get it as one word.
@@ -79,10 +75,9 @@ class PlayFilesTest : public testing::Test {
         settings.set(Setting::PlayerEn, true);
         settings.set(Setting::PlayerPath, player);
         settings.set(Setting::PlayerPlayback, std::string("--does=garbage -o %1"));
-        settings.set(Setting::PlayerEnqueue, std::string("\"--does=print=9 garbage\" -o %1"));
         Services services{options, settings, texts,           errors,
                           output,  progress, progress.cancel, 1252};
-        return playFiles(services, {folder.path("a b.x"), folder.path("c.x")}, PlayWish::Play);
+        return playFiles(services, {folder.path("a b.x")}, PlayWish::Play);
     }
 
     test::TempFolder folder;
@@ -96,10 +91,9 @@ class PlayFilesTest : public testing::Test {
     JobOptions options;
 };
 
-TEST_F(PlayFilesTest, ThePlayerIsStartedForEachFile) {
+TEST_F(PlayFilesTest, ThePlayerIsStarted) {
     EXPECT_TRUE(play(TAVLO_CHILD));
-    for (const char* file : {"a b.x", "c.x"})
-        EXPECT_TRUE(test::comesTrue([&] { return folder.read(file) == "garbage"; })) << file;
+    EXPECT_TRUE(test::comesTrue([&] { return folder.read("a b.x") == "garbage"; }));
     EXPECT_EQ(messages.text, "");
 }
 

@@ -29,7 +29,7 @@ const Case cases[] = {
     {"nearer to the second screen", {4000, 100, 800, 600}, {2144, 200, 800, 600}},
     {"in the corner that no screen has", {2200, 50, 800, 100}, {2144, 200, 800, 100}},
     {"too large for where it comes", {5000, 0, 3000, 2000}, {1920, 200, 1024, 768}},
-    {"larger than everything", {0, 0, 9000, 9000}, {0, 0, 2944, 1040}},
+    {"larger than everything", {30, 40, 9000, 9000}, {0, 0, 1920, 1040}},
     {"absurd numbers", {most, most, most, most}, {1920, 200, 1024, 768}},
 };
 
