@@ -12,6 +12,7 @@
 #include "collection/Playlist.h"
 #include "core/QuietWork.h"
 #include "platform/FileSystem.h"
+#include "platform/PriorityClass.h"
 #include "tags/AudioFile.h"
 
 namespace tavlo {
@@ -131,6 +132,7 @@ void FolderReader::readAll(const std::shared_ptr<Shared>& shared) {
 FolderReader::FolderReader(ReadWish wish) : shared_(std::make_shared<Shared>(std::move(wish))) {
     for (const auto work : {look, readAll}) {
         std::thread([shared = shared_, work] {
+            giveWayToOtherThreads();  // a full processor must not be felt in the window
             work(shared);
             shared->end();
         }).detach();

@@ -14,4 +14,7 @@ void setPriorityClass(PriorityClass priority);
 /// its handle.
 void setPriorityClassOf(std::intptr_t process, PriorityClass priority);
 
+/// From now on the calling thread works in what the program's other threads leave.
+void giveWayToOtherThreads();
+
 }  // namespace tavlo

@@ -1,4 +1,5 @@
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include "platform/PriorityClass.h"
 
@@ -26,6 +27,13 @@ void setPriorityClass(PriorityClass priority) {
 void setPriorityClassOf(std::intptr_t process, PriorityClass priority) {
     // Of a process this would reach its first thread only.
     setpriority(PRIO_PGRP, static_cast<id_t>(process), niceness(priority));
+}
+
+// Linux counts niceness by thread.
+void giveWayToOtherThreads() {
+    constexpr int steps = 5;
+    const auto thread = static_cast<id_t>(gettid());
+    setpriority(PRIO_PROCESS, thread, getpriority(PRIO_PROCESS, thread) + steps);
 }
 
 }  // namespace tavlo

@@ -12,4 +12,8 @@ void setPriorityClassOf(std::intptr_t process, PriorityClass priority) {
     SetPriorityClass(reinterpret_cast<HANDLE>(process), static_cast<DWORD>(priority));
 }
 
+void giveWayToOtherThreads() {
+    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
+}
+
 }  // namespace tavlo
