@@ -265,7 +265,7 @@ void MainFrame::showOptionsPages() {
 
 // The same files stay selected.
 void MainFrame::refresh() {
-    tree_->renew();
+    if (treeSplit_->IsSplit()) tree_->renew();
     std::vector<std::string> selected = selectedPaths();
     open(std::vector(desk_.paths()));
     selectAgain_ = std::move(selected);

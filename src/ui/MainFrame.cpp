@@ -378,7 +378,7 @@ void MainFrame::open(const std::vector<std::string>& paths) {
     editor_->showSelection();
     showPath();
     const std::string folder = desk_.folder();
-    tree_->follow(folder);
+    if (treeSplit_->IsSplit()) tree_->follow(folder);
     SetTitle(toWx(desk_.place() + " - " + texts_.get(Text::ProgramTitle)));
     if (folder.empty()) return;
     Settings& settings = services_.settings;
