@@ -149,7 +149,7 @@ wxPanel* MainFrame::makeTargetBar() {
     cmbTarget_->setHistory(settings.history(HistoryList::TargetFolders));
     cmbTarget_->Bind(wxEVT_KILL_FOCUS, [this](wxFocusEvent& event) {
         event.Skip();
-        keepTarget();
+        if (!IsBeingDeleted()) keepTarget();
     });
     cmdBrowse_ = new wxButton(bar, wxID_ANY, {}, wxDefaultPosition, wxDefaultSize, wxBU_EXACTFIT);
     cmdBrowse_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
