@@ -46,12 +46,16 @@ class ColumnsDialog final : public wxDialog {
 
     // Something has to be shown: the names.
     void applyTo(ColumnLayout& layout) const {
-        layout.show(ListColumn::FileName, true);
-        for (std::size_t i = 0; i < order_.size(); ++i) {
-            if (list_->IsChecked(static_cast<unsigned>(i))) layout.show(order_[i], true);
-        }
-        for (std::size_t i = order_.size(); i-- > 0;) {
-            if (!list_->IsChecked(static_cast<unsigned>(i))) layout.show(order_[i], false);
+        wxArrayInt checked;
+        const bool isNone = list_->GetCheckedItems(checked) == 0;
+        const auto isWanted = [&](std::size_t i) {
+            return isNone ? order_[i] == ListColumn::FileName
+                          : list_->IsChecked(static_cast<unsigned>(i));
+        };
+        for (const bool isShown : {true, false}) {
+            for (std::size_t i = 0; i < order_.size(); ++i) {
+                if (isWanted(i) == isShown) layout.show(order_[i], isShown);
+            }
         }
         std::vector<ListColumn> shown;
         std::ranges::copy_if(order_, std::back_inserter(shown),

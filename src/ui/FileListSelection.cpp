@@ -28,6 +28,15 @@ void FileListCtrl::watchSelection() {
         window->Bind(wxEVT_LEFT_DOWN, &FileListCtrl::onPress, this);
         window->Bind(wxEVT_RIGHT_DOWN, &FileListCtrl::onPress, this);
         window->Bind(wxEVT_KEY_DOWN, &FileListCtrl::onArrow, this);
+        // Not every system tells of all that it selects.
+        window->Bind(wxEVT_LEFT_UP, [this](wxMouseEvent& event) {
+            event.Skip();
+            onSelection();
+        });
+        window->Bind(wxEVT_KEY_UP, [this](wxKeyEvent& event) {
+            event.Skip();
+            onSelection();
+        });
     };
     watch(this);
     // Where the toolkit draws the list itself, its rows have a window of their own.

@@ -57,21 +57,23 @@ void FolderTree::renew() {
     ReCreateTree();
     findPlaces();
     namePlaces();
-    if (!path.empty()) SetPath(path);
+    isFollowing_ = false;
+    if (!path.empty()) goTo(path);
+}
+
+void FolderTree::goTo(const wxString& path) {
+    isFollowing_ = true;
+    SetPath(path);
     isFollowing_ = false;
 }
 
 void FolderTree::follow(const std::string& folder) {
     if (folder.empty() || fromWx(GetPath()) == folder) return;
-    isFollowing_ = true;
-    SetPath(toWx(folder));
-    isFollowing_ = false;
+    goTo(toWx(folder));
     if (fromWx(GetPath()) == folder) return;
     // It is younger than the tree.
     renew();
-    isFollowing_ = true;
-    SetPath(toWx(folder));
-    isFollowing_ = false;
+    goTo(toWx(folder));
 }
 
 }  // namespace tavlo

@@ -27,6 +27,7 @@ class FolderTree : public wxGenericDirCtrl {
     void follow(const std::string& folder);
 
  private:
+    void goTo(const wxString& path);
     void findPlaces();
     void namePlaces();
 

@@ -124,7 +124,10 @@ void TagPanel::addMenu(Field& field) {
 }
 
 void TagPanel::onChange() {
-    DeskState state = desk_.state();
+    showState(desk_.state());
+}
+
+void TagPanel::showState(DeskState state) {
     state.hasTyped = hasTyped();
     enable(state);
     markCaptions();
@@ -161,7 +164,7 @@ void TagPanel::fill(bool keepsTyped) {
                                                             : wxString());
     }
     if (!newCover_) cover_->show(desk_);
-    onChange();
+    showState(state);
 }
 
 // Behind the caption, for a field that has the keyboard shows no hint: what differs from file to

@@ -55,6 +55,7 @@ class TagPanel : public wxPanel {
     void addMenu(Field& field);
     void fill(bool keepsTyped);
     void onChange();
+    void showState(DeskState state);
     void markCaptions();
 
     Services& services_;
