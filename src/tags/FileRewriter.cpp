@@ -16,6 +16,14 @@ std::string bytesBetween(File& file, std::uint64_t begin, std::uint64_t end) {
 }
 
 namespace {
+std::string madeOf(File& file, const Pieces& pieces) {
+    std::string bytes;
+    for (const Piece& piece : pieces.all()) {
+        bytes += piece.bytes.empty() ? bytesBetween(file, piece.begin, piece.end) : piece.bytes;
+    }
+    return bytes;
+}
+
 // What a killed run leaves goes on with the same sound behind its tag. Anything else that bears the
 // name belongs to somebody.
 bool isLeftover(File& found, File& original) {
@@ -35,19 +43,20 @@ class Rewriter {
           keepTime_(keepTime),
           oldSize_(file.size()),
           oldHead_(bytesBetween(file, 0, ends.headEnd)),
-          oldTail_(bytesBetween(file, ends.tailBegin, file.size())) {}
+          oldTail_(bytesBetween(file, ends.tailBegin, file.size())),
+          newHead_(madeOf(file, ends.head)),
+          newTail_(madeOf(file, ends.tail)) {}
 
     Rewrite run(const std::string& path) {
         // What cannot be read cannot be put back.
         if (oldHead_.size() != ends_.headEnd || oldTail_.size() != oldSize_ - ends_.tailBegin) {
             return Rewrite::NotWritten;
         }
-        const bool newHead = ends_.head != oldHead_;
-        const bool newTail = ends_.tail != oldTail_;
+        const bool newHead = newHead_ != oldHead_;
+        const bool newTail = newTail_ != oldTail_;
         if (!newHead && !newTail) return Rewrite::Unchanged;
-        const bool headFits = ends_.head.size() == oldHead_.size();
-        const bool tailFits =
-            ends_.tail.size() >= oldTail_.size() || oldTail_.starts_with(ends_.tail);
+        const bool headFits = newHead_.size() == oldHead_.size();
+        const bool tailFits = newTail_.size() >= oldTail_.size() || oldTail_.starts_with(newTail_);
         if (!headFits || !tailFits) return throughTemporary(path);
         // The tail first: it may need room on the disk, the head never does.
         const bool done = (!newTail || writeTail()) && (!newHead || writeHead());
@@ -62,14 +71,14 @@ class Rewriter {
 
     bool writeTail() {
         tailTouched_ = true;
-        if (ends_.tail.size() < oldTail_.size()) {
-            return file_.truncate(ends_.tailBegin + ends_.tail.size());
+        if (newTail_.size() < oldTail_.size()) {
+            return file_.truncate(ends_.tailBegin + newTail_.size());
         }
-        return file_.write(ends_.tailBegin, bytesOfText(ends_.tail)) || takeBack();
+        return file_.write(ends_.tailBegin, bytesOfText(newTail_)) || takeBack();
     }
 
     bool writeHead() {
-        if (file_.write(0, bytesOfText(ends_.head))) return true;
+        if (file_.write(0, bytesOfText(newHead_))) return true;
         file_.write(0, bytesOfText(oldHead_));
         return takeBack();
     }
@@ -93,9 +102,9 @@ class Rewriter {
             std::max<std::uint64_t>(File::headSize, ends_.headEnd + leastSound), ends_.tailBegin);
         const std::string sound = bytesBetween(file_, ends_.headEnd, known);
         if (sound.size() != known - ends_.headEnd) return Rewrite::NotWritten;
-        const bool complete = temporary.append(ends_.head + sound) &&
+        const bool complete = temporary.append(newHead_ + sound) &&
                               temporary.append(file_.handle(), known, ends_.tailBegin) &&
-                              (ends_.tail.empty() || temporary.append(ends_.tail)) &&
+                              (newTail_.empty() || temporary.append(newTail_)) &&
                               temporary.complete(file_.handle(), keptTime());
         if (!complete) return Rewrite::NotWritten;
         return temporary.replace(path, file_.release()) ? Rewrite::Done : Rewrite::NotWritten;
@@ -105,7 +114,7 @@ class Rewriter {
     const NewEnds& ends_;
     const bool keepTime_;
     const std::uint64_t oldSize_;
-    const std::string oldHead_, oldTail_;
+    const std::string oldHead_, oldTail_, newHead_, newTail_;
     bool tailTouched_ = false;
 };
 }  // namespace
@@ -115,8 +124,8 @@ Rewrite rewriteEnds(File& file, const std::string& path, const NewEnds& ends, bo
 }
 
 bool wouldChange(File& file, const NewEnds& ends) {
-    return bytesBetween(file, 0, ends.headEnd) != ends.head ||
-           bytesBetween(file, ends.tailBegin, file.size()) != ends.tail;
+    return bytesBetween(file, 0, ends.headEnd) != madeOf(file, ends.head) ||
+           bytesBetween(file, ends.tailBegin, file.size()) != madeOf(file, ends.tail);
 }
 
 }  // namespace tavlo

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/File.h"
+#include "tags/Pieces.h"
 
 namespace tavlo {
 
@@ -13,9 +14,9 @@ std::string bytesBetween(File& file, std::uint64_t begin, std::uint64_t end);
 /// New bytes for a file's two ends. What lies between `headEnd` and `tailBegin` stays.
 struct NewEnds {
     std::uint64_t headEnd = 0;  ///< `head` takes the place of the bytes before it
-    std::string head;
+    Pieces head;
     std::uint64_t tailBegin = 0;  ///< `tail` takes the place of the bytes from it on
-    std::string tail;
+    Pieces tail;
 };
 
 enum class Rewrite {

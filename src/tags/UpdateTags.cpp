@@ -139,7 +139,7 @@ class TagPlan {
         const std::uint64_t end = layout_.id3v1 ? layout_.id3v1->begin : file_.size();
         ends_.tailBegin = end;
         if (withApe) planApe(end);
-        ends_.tail += block;
+        ends_.tail.add(block);
     }
 
     // A Lyrics3 block has to stand right in front of the ID3v1 block, so that a new tag goes in
@@ -148,7 +148,8 @@ class TagPlan {
         if (layout_.lyrics) ends_.tailBegin = std::min(end, layout_.lyrics->begin);
         if (layout_.ape) ends_.tailBegin = layout_.ape->begin;
         const std::uint64_t kept = layout_.ape ? layout_.ape->end : ends_.tailBegin;
-        ends_.tail = encodeAPETag(record_) + bytesBetween(file_, kept, end);
+        ends_.tail = encodeAPETag(record_);
+        ends_.tail.addOld(kept, end);
     }
 
     // A new block behind bytes that nobody knows would push the APEv2 tag in front of them out of
@@ -329,7 +330,7 @@ bool RemoveAPETag(ID3tag& record, const WriteContext& context) {
         const TagLayout layout = readTags(file, found, {context.ansi});
         if (!layout.ape) return;
         ends.tailBegin = layout.ape->begin;
-        ends.tail = bytesBetween(file, layout.ape->end, file.size());
+        ends.tail.addOld(layout.ape->end, file.size());
     });
     if (done) record.IsAPE2Present = false;
     return done;
