@@ -73,8 +73,9 @@ std::optional<Tag> locate(File& file, std::optional<std::uint64_t> lyricsBegin) 
 
 class ItemWalk {
  public:
-    ItemWalk(File& file, const Tag& tag, ID3tag& record, const ReadContext& context)
-        : file_(file), tag_(tag), record_(record), context_(context) {}
+    ItemWalk(File& file, const Tag& tag, ID3tag& record, const ReadContext& context,
+             FoundItems* found)
+        : file_(file), tag_(tag), record_(record), context_(context), found_(found) {}
 
     void run() {
         // One read brings the items of a usual tag in.
@@ -85,10 +86,19 @@ class ItemWalk {
         for (std::uint32_t i = 0; i < tag_.footer.count; ++i) {
             const auto item = itemAt(at);
             if (!item) break;
-            if (!interpret(*item)) keep(at, *item);
-            at = item->value + item->size;
+            const std::uint64_t end = item->value + item->size;
+            const bool isRead = interpret(*item);
+            if (!isRead) keep(at, *item);
+            if (found_ != nullptr)
+                found_->items.push_back({item->key, at, item->value, end, isRead});
+            at = end;
         }
         keepRest(at);
+        if (found_ != nullptr) {
+            found_->end = at;
+            found_->restEnd = tag_.itemsEnd;
+            found_->isOld = tag_.footer.version == version1;
+        }
     }
 
  private:
@@ -122,14 +132,7 @@ class ItemWalk {
         const std::string text = joinValues(whole);
         if (trimBlanks(text).empty()) return true;
         row->set(record_, trimBlanks(text));
-        const std::string field = row->get(record_);
-        if (field.empty()) return false;  // this kind of file does not write it
-        if (context_.depth == ReadDepth::Full && !field.starts_with(whole)) {
-            // The text says more than the field that was made of it.
-            const auto place = static_cast<std::size_t>(row - fieldItems().data());
-            record_.ItemWordings.push_back({place, field, whole, false});
-        }
-        return true;
+        return !row->get(record_).empty();  // another kind of file does not write it
     }
 
     [[nodiscard]] std::string decoded(std::string_view bytes) const {
@@ -151,6 +154,7 @@ class ItemWalk {
             const Bytes data = head.subspan(picture->dataOffset);
             picture->art.Data.assign(data.begin(), data.end());
         }
+        picture->art.At = item.value + picture->dataOffset;
         record_.AlbumArtType = pictureType(picture->art.MIME);
         record_.AlbumArt = std::move(picture->art);
         return true;
@@ -179,15 +183,27 @@ class ItemWalk {
     const Tag& tag_;
     ID3tag& record_;
     const ReadContext& context_;
+    FoundItems* const found_;
 };
-}  // namespace
 
-std::optional<TagSpan> ReadAPETag(File& file, ID3tag& record, const ReadContext& context) {
+std::optional<TagSpan> readTag(File& file, ID3tag& record, const ReadContext& context,
+                               FoundItems* found) {
     const auto tag = locate(file, lyricsBegin(file, record));
     if (!tag) return std::nullopt;
     record.IsAPE2Present = true;
-    ItemWalk(file, *tag, record, context).run();
+    ItemWalk(file, *tag, record, context, found).run();
     return TagSpan{tag->begin, tag->itemsEnd + footerSize};
+}
+
+}  // namespace
+
+std::optional<TagSpan> ReadAPETag(File& file, ID3tag& record, const ReadContext& context) {
+    return readTag(file, record, context, nullptr);
+}
+
+std::optional<TagSpan> ReadAPETag(File& file, ID3tag& record, const ReadContext& context,
+                                  FoundItems& found) {
+    return readTag(file, record, context, &found);
 }
 
 }  // namespace tavlo

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/TextCase.h"
 #include "platform/PlainText.h"
 #include "tags/ByteWriting.h"
 #include "tags/FieldGetters.h"
@@ -37,26 +38,40 @@ void setCount(ID3tag& record, std::string_view text) {
 
 // clang-format off
 constexpr std::array<FieldItem, 14> rows{{
-    {"Track", setTrack, trackText},
-    {"Artist", [](ID3tag& r, std::string_view text) { r.SetArtist(text); },
+    {"Track", fieldSet(Field::Number, Field::TracksCount), false,
+     setTrack, trackText},
+    {"Artist", fieldSet(Field::Artist), false,
+     [](ID3tag& r, std::string_view text) { r.SetArtist(text); },
      gotten<&ID3tag::GetArtist>},
-    {"Title", [](ID3tag& r, std::string_view text) { r.SetTitleMix(text); },
+    {"Title", fieldSet(Field::Title, Field::Mix), false,
+     [](ID3tag& r, std::string_view text) { r.SetTitleMix(text); },
      gotten<&ID3tag::GetTitleMix>},
-    {"Album", [](ID3tag& r, std::string_view text) { r.SetAlbum(text); },
+    {"Album", fieldSet(Field::Album), false,
+     [](ID3tag& r, std::string_view text) { r.SetAlbum(text); },
      gotten<&ID3tag::GetAlbum>},
-    {"Year", [](ID3tag& r, std::string_view text) { r.SetYear(text); }, gotten<&ID3tag::GetYear>},
-    {"Genre", [](ID3tag& r, std::string_view text) { r.SetGenre(text); },
+    {"Year", fieldSet(Field::Year), false,
+     [](ID3tag& r, std::string_view text) { r.SetYear(text); }, gotten<&ID3tag::GetYear>},
+    {"Genre", fieldSet(Field::Genre), false,
+     [](ID3tag& r, std::string_view text) { r.SetGenre(text); },
      gotten<&ID3tag::GetGenre>},
-    {"Comment", [](ID3tag& r, std::string_view text) { r.SetComment(text); },
+    {"Comment", fieldSet(Field::Comment), false,
+     [](ID3tag& r, std::string_view text) { r.SetComment(text); },
      gotten<&ID3tag::GetComment>},
-    {"Composer", setField<&cID3v2ext::Composer>, longText<&cID3v2ext::Composer>},
-    {"Copyright", setField<&cID3v2ext::CopyRight>, longText<&cID3v2ext::CopyRight>},
-    {"Encoded by", setField<&cID3v2ext::EncodedBy>, longText<&cID3v2ext::EncodedBy>},
-    {"ENCODER_INFO", setField<&cID3v2ext::EncodingHistory>,
+    {"Composer", fieldSet(Field::Composer), false,
+     setField<&cID3v2ext::Composer>, longText<&cID3v2ext::Composer>},
+    {"Copyright", fieldSet(Field::CopyRight), false,
+     setField<&cID3v2ext::CopyRight>, longText<&cID3v2ext::CopyRight>},
+    {"Encoded by", fieldSet(Field::EncodedBy), false,
+     setField<&cID3v2ext::EncodedBy>, longText<&cID3v2ext::EncodedBy>},
+    {"ENCODER_INFO", fieldSet(Field::EncodingHistory), false,
+     setField<&cID3v2ext::EncodingHistory>,
      longText<&cID3v2ext::EncodingHistory>},
-    {"TracksCount", setCount<&ID3tag::TracksCount>, countText<&ID3tag::TracksCount>},
-    {"DiskNumber", setCount<&ID3tag::DiskNumber>, countText<&ID3tag::DiskNumber>},
-    {"DisksCount", setCount<&ID3tag::DisksCount>, countText<&ID3tag::DisksCount>},
+    {"TracksCount", fieldSet(Field::TracksCount, Field::Number), true,
+     setCount<&ID3tag::TracksCount>, countText<&ID3tag::TracksCount>},
+    {"DiskNumber", fieldSet(Field::DiskNumber), true,
+     setCount<&ID3tag::DiskNumber>, countText<&ID3tag::DiskNumber>},
+    {"DisksCount", fieldSet(Field::DisksCount), true,
+     setCount<&ID3tag::DisksCount>, countText<&ID3tag::DisksCount>},
 }};
 // clang-format on
 }  // namespace
@@ -68,6 +83,13 @@ std::span<const FieldItem> fieldItems() {
 const FieldItem* findFieldItem(std::string_view key) {
     const auto* row = std::find_if(rows.begin(), rows.end(),
                                    [&](const FieldItem& item) { return item.key == key; });
+    return row == rows.end() ? nullptr : row;
+}
+
+const FieldItem* findFieldItemNoCase(std::string_view key) {
+    const auto* row = std::find_if(rows.begin(), rows.end(), [&](const FieldItem& item) {
+        return equalsNoCase(item.key, key);
+    });
     return row == rows.end() ? nullptr : row;
 }
 

@@ -25,6 +25,8 @@ inline constexpr std::string_view pictureKey = "Cover Art (front)";
 /// A text item that the program understands, and the field that it feeds and is written from.
 struct FieldItem {
     std::string_view key;
+    FieldSet fields;  ///< that it tells
+    bool isOwn;       ///< only in files that have no other tag
     void (*set)(ID3tag&, std::string_view);
     std::string (*get)(const ID3tag&);  ///< an empty text writes no item
 };
@@ -33,6 +35,9 @@ struct FieldItem {
 std::span<const FieldItem> fieldItems();
 /// The row of a key, compared exactly; null where the item is not interpreted.
 const FieldItem* findFieldItem(std::string_view key);
+/// The key that differs from this one at most in case, which no two keys of a tag may; null where
+/// none does.
+const FieldItem* findFieldItemNoCase(std::string_view key);
 
 struct APEItem {
     std::uint32_t flags = 0;

@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "tags/APEv2.h"
 #include "tags/FieldEdits.h"
 #include "tags/ID3v1.h"
-#include "tags/ID3v2.h"
 #include "tags/Lyrics3.h"
 #include "tags/MpegStream.h"
 #include "tags/StreamHeaders.h"
@@ -19,8 +17,13 @@ TagLayout readTags(File& file, ID3tag& record, const ReadContext& context) {
     TagLayout layout;
     layout.id3v1 = ReadID3v1Tag(file, record, context);
     layout.lyrics = ReadLyrics3Block(file, record, context);
-    layout.ape = ReadAPETag(file, record, context);
-    layout.id3v2 = ReadID3v2Tag(file, record, context);
+    if (context.depth == ReadDepth::Places) {
+        layout.ape = ReadAPETag(file, record, context, layout.items);
+        layout.id3v2 = ReadID3v2Tag(file, record, context, layout.frames);
+    } else {
+        layout.ape = ReadAPETag(file, record, context);
+        layout.id3v2 = ReadID3v2Tag(file, record, context);
+    }
     return layout;
 }
 

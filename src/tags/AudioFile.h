@@ -4,7 +4,9 @@
 #include <string>
 
 #include "platform/File.h"
+#include "tags/APEv2.h"
 #include "tags/ID3tag.h"
+#include "tags/ID3v2.h"
 #include "tags/TagReading.h"
 
 namespace tavlo {
@@ -20,6 +22,8 @@ bool LoadDetails(ID3tag& record, const CodePage& ansi);
 /// Where the tags of a file lie.
 struct TagLayout {
     std::optional<TagSpan> id3v1, lyrics, ape, id3v2;
+    FoundFrames frames;  ///< of `id3v2`
+    FoundItems items;    ///< of `ape`; both where a reader at `ReadDepth::Places` was asked
 };
 
 /// Reads every tag of an open file into the record, from the weakest to the strongest.

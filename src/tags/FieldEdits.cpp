@@ -1,5 +1,7 @@
 #include "tags/FieldEdits.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "core/ByteCursor.h"
@@ -26,72 +28,83 @@ Mark markOf(std::string_view text) {
 }
 
 struct EditableField {
+    Field field;
+    std::string_view name;  // in the list's JSON; empty where it belongs to the encoder
     Mark (*mark)(const ID3tag&);
     void (*take)(ID3tag&, const ID3tag&);
 };
 
 template <auto getter, auto setter>
-constexpr EditableField field{
-    [](const ID3tag& r) { return markOf((r.*getter)()); },
-    [](ID3tag& to, const ID3tag& from) { (to.*setter)((from.*getter)()); }};
+constexpr EditableField field(Field id, std::string_view name) {
+    return {id, name, [](const ID3tag& r) { return markOf((r.*getter)()); },
+            [](ID3tag& to, const ID3tag& from) { (to.*setter)((from.*getter)()); }};
+}
 
 template <auto member>
-constexpr EditableField longField{
-    [](const ID3tag& r) { return markOf(trimBlanks(r.ID3v2Ext.*member)); },
-    [](ID3tag& to, const ID3tag& from) { to.ID3v2Ext.*member = from.ID3v2Ext.*member; }};
+constexpr EditableField longField(Field id, std::string_view name) {
+    return {id, name, [](const ID3tag& r) { return markOf(trimBlanks(r.ID3v2Ext.*member)); },
+            [](ID3tag& to, const ID3tag& from) { to.ID3v2Ext.*member = from.ID3v2Ext.*member; }};
+}
 
 template <auto member>
-constexpr EditableField number{[](const ID3tag& r) { return static_cast<Mark>(r.*member); },
-                               [](ID3tag& to, const ID3tag& from) { to.*member = from.*member; }};
+constexpr EditableField number(Field id, std::string_view name) {
+    return {id, name, [](const ID3tag& r) { return static_cast<Mark>(r.*member); },
+            [](ID3tag& to, const ID3tag& from) { to.*member = from.*member; }};
+}
 
-constexpr EditableField genre{
-    [](const ID3tag& r) { return markOf(r.GetGenre()) ^ static_cast<Mark>(noGenre - r.Genre); },
-    [](ID3tag& to, const ID3tag& from) {
-        to.ID3v2Ext.Genre = from.GetGenre();
-        to.Genre = from.Genre;
-    }};
+Mark markOfGenre(const ID3tag& r) {
+    return markOf(r.GetGenre()) ^ static_cast<Mark>(noGenre - r.Genre);
+}
 
-constexpr EditableField comment{[](const ID3tag& r) { return markOf(r.GetComment()); },
-                                [](ID3tag& to, const ID3tag& from) {
-                                    to.SetComment(from.GetComment());
-                                    to.ID3v2Ext.CommentLanguage.clear();
-                                }};
+void takeGenre(ID3tag& to, const ID3tag& from) {
+    to.ID3v2Ext.Genre = from.GetGenre();
+    to.Genre = from.Genre;
+}
 
-constexpr EditableField albumArt{[](const ID3tag& r) {
-                                     const cAlbumArt& art = r.AlbumArt;
-                                     if (art.Size == 0 && art.Data.empty()) return Mark{0};
-                                     return markOf(art.MIME) * 3 + markOf(art.Description) * 5 +
-                                            art.PictureType + markOf(textOf(art.Data)) +
-                                            static_cast<Mark>(art.Size);
-                                 },
-                                 [](ID3tag& to, const ID3tag& from) {
-                                     to.AlbumArt = from.AlbumArt;
-                                     to.AlbumArtType = from.AlbumArtType;
-                                 }};
+Mark markOfArt(const ID3tag& r) {
+    const cAlbumArt& art = r.AlbumArt;
+    if (art.Size == 0 && art.Data.empty()) return Mark{0};
+    return markOf(art.MIME) * 3 + markOf(art.Description) * 5 + art.PictureType +
+           markOf(textOf(art.Data)) + static_cast<Mark>(art.Size);
+}
+
+void takeArt(ID3tag& to, const ID3tag& from) {
+    to.AlbumArt = from.AlbumArt;
+    to.AlbumArt.At = 0;
+    to.AlbumArtType = from.AlbumArtType;
+}
 
 constexpr std::array<EditableField, editableFieldCount> editableFields{{
-    field<&ID3tag::GetArtist, &ID3tag::SetArtist>,
-    field<&ID3tag::GetTitle, &ID3tag::SetTitle>,
-    field<&ID3tag::GetMix, &ID3tag::SetMix>,
-    field<&ID3tag::GetAlbum, &ID3tag::SetAlbum>,
-    field<&ID3tag::GetYear, &ID3tag::SetYear>,
-    field<&ID3tag::GetNumber, &ID3tag::SetNumber>,
-    comment,
-    genre,
-    longField<&cID3v2ext::Composer>,
-    longField<&cID3v2ext::OriginalArtist>,
-    longField<&cID3v2ext::CopyRight>,
-    longField<&cID3v2ext::EncodedBy>,
-    longField<&cID3v2ext::URL>,
-    longField<&cID3v2ext::EncoderInfo>,
-    longField<&cID3v2ext::EncodingHistory>,
-    number<&ID3tag::TracksCount>,
-    number<&ID3tag::DiskNumber>,
-    number<&ID3tag::DisksCount>,
-    number<&ID3tag::BPM>,
-    number<&ID3tag::IsPartOfCompilation>,
-    albumArt,
+    field<&ID3tag::GetArtist, &ID3tag::SetArtist>(Field::Artist, "Artist"),
+    field<&ID3tag::GetTitle, &ID3tag::SetTitle>(Field::Title, "Title"),
+    field<&ID3tag::GetMix, &ID3tag::SetMix>(Field::Mix, "Mix"),
+    field<&ID3tag::GetAlbum, &ID3tag::SetAlbum>(Field::Album, "Album"),
+    field<&ID3tag::GetYear, &ID3tag::SetYear>(Field::Year, "Year"),
+    field<&ID3tag::GetNumber, &ID3tag::SetNumber>(Field::Number, "TrackNumber"),
+    field<&ID3tag::GetComment, &ID3tag::SetComment>(Field::Comment, "Comment"),
+    {Field::Genre, "Genre", markOfGenre, takeGenre},
+    longField<&cID3v2ext::Composer>(Field::Composer, "Composer"),
+    longField<&cID3v2ext::OriginalArtist>(Field::OriginalArtist, "OriginalArtist"),
+    longField<&cID3v2ext::CopyRight>(Field::CopyRight, "CopyRight"),
+    longField<&cID3v2ext::EncodedBy>(Field::EncodedBy, "EncodedBy"),
+    longField<&cID3v2ext::URL>(Field::URL, "URL"),
+    longField<&cID3v2ext::EncoderInfo>(Field::EncoderInfo, ""),
+    longField<&cID3v2ext::EncodingHistory>(Field::EncodingHistory, ""),
+    number<&ID3tag::TracksCount>(Field::TracksCount, "TracksCount"),
+    number<&ID3tag::DiskNumber>(Field::DiskNumber, "DiskNumber"),
+    number<&ID3tag::DisksCount>(Field::DisksCount, "DisksCount"),
+    number<&ID3tag::BPM>(Field::BPM, "BPM"),
+    number<&ID3tag::IsPartOfCompilation>(Field::Compilation, "IsPartOfCompilation"),
+    {Field::AlbumArt, "AlbumArt", markOfArt, takeArt},
 }};
+
+constexpr bool isInOrder() {
+    for (std::size_t i = 0; i < editableFieldCount; ++i) {
+        if (static_cast<std::size_t>(editableFields[i].field) != i) return false;
+    }
+    return true;
+}
+static_assert(isInOrder());
 }  // namespace
 
 void markAsRead(ID3tag& record) {
@@ -100,31 +113,34 @@ void markAsRead(ID3tag& record) {
     }
 }
 
-void takeEdits(ID3tag& target, const ID3tag& edited) {
+FieldSet takeEdits(ID3tag& target, const ID3tag& edited) {
+    FieldSet taken = 0;
     for (std::size_t i = 0; i < editableFieldCount; ++i) {
         const EditableField& row = editableFields[i];
-        if (row.mark(edited) != edited.MarksAsRead[i]) row.take(target, edited);
+        if (row.mark(edited) == edited.MarksAsRead[i]) continue;
+        row.take(target, edited);
+        taken |= fieldSet(row.field);
     }
     if (cFormatExt ID3tag::*const own = formatItems(edited.FileType)) target.*own = edited.*own;
+    return taken;
+}
+
+bool sameFields(const ID3tag& a, const ID3tag& b, FieldSet fields) {
+    return std::ranges::all_of(editableFields, [&](const EditableField& row) {
+        return (fields & fieldSet(row.field)) == 0 || row.mark(a) == row.mark(b);
+    });
 }
 
 std::vector<std::string> tagsMissing(const ID3tag& source, const ID3tag& result) {
-    // In the order of `editableFields`; those without a name belong to the encoder.
-    constexpr std::array<std::string_view, editableFieldCount> names{
-        "Artist",      "Title",      "Mix",        "Album",    "Year",
-        "TrackNumber", "Comment",    "Genre",      "Composer", "OriginalArtist",
-        "CopyRight",   "EncodedBy",  "URL",        "",         "",
-        "TracksCount", "DiskNumber", "DisksCount", "BPM",      "IsPartOfCompilation",
-        "AlbumArt"};
     std::vector<std::string> missing;
-    for (std::size_t i = 0; i < editableFieldCount; ++i) {
-        const Mark mark = editableFields[i].mark(source);
-        const bool isThere = mark == 0 || mark == editableFields[i].mark(result);
-        if (!isThere && !names[i].empty()) missing.emplace_back(names[i]);
+    for (const EditableField& row : editableFields) {
+        const Mark mark = row.mark(source);
+        const bool isThere = mark == 0 || mark == row.mark(result);
+        if (!isThere && !row.name.empty()) missing.emplace_back(row.name);
     }
-    const bool hasOthers = !source.ID3v2Ext.UnknownFrames.empty() ||
-                           !source.ID3v2Ext.UnreadRest.empty() || source.ID3v2Ext.bDamaged ||
-                           !source.UnknownItems.empty() || source.IsLyricsPresent;
+    const bool hasOthers = !source.ID3v2Ext.UnknownFrames.empty() || source.ID3v2Ext.bUnreadRest ||
+                           source.ID3v2Ext.bDamaged || !source.UnknownItems.empty() ||
+                           source.IsLyricsPresent;
     if (hasOthers) missing.emplace_back("Others");
     return missing;
 }

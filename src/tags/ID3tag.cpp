@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "core/Numbers.h"
 #include "platform/FileSystem.h"
@@ -25,6 +26,23 @@ std::string_view longOrShort(std::string_view longForm, std::string_view shortFo
 void setBoth(std::string& longForm, std::string& shortForm, std::string_view text) {
     longForm = trimBlanks(text);
     shortForm = longForm;
+}
+struct SplitTitle {
+    std::string_view title, mix;
+};
+
+std::optional<SplitTitle> splitAt(std::string_view text, std::string_view brackets) {
+    const std::size_t opening = text.rfind(brackets[0]);
+    if (!text.ends_with(brackets[1]) || opening == std::string_view::npos) return std::nullopt;
+    return SplitTitle{trimBlanks(text.substr(0, opening)),
+                      trimBlanks(text.substr(opening + 1, text.size() - opening - 2))};
+}
+
+// Whether reading a text gives this title and this mix.
+bool isSplitInto(std::string_view text, std::string_view title, std::string_view mix) {
+    auto split = splitAt(text, roundBrackets);
+    if (!split) split = splitAt(text, squareBrackets);
+    return split && split->title == title && split->mix == mix;
 }
 }  // namespace
 
@@ -84,10 +102,12 @@ std::string ID3tag::GetTitleMix() const {
     return joinedTitleMix(roundBrackets);
 }
 
+// With the kind that the title was read with, unless only the other one is split at the same place.
 std::string ID3tag::GetTitleMixV2() const {
-    // Round ones around a mix that has some itself would be split at the inner pair.
-    const bool hasRound = GetMix().find_first_of(roundBrackets) != std::string_view::npos;
-    return joinedTitleMix(squareBrackets_ || hasRound ? squareBrackets : roundBrackets);
+    const std::string usual = joinedTitleMix(squareBrackets_ ? squareBrackets : roundBrackets);
+    if (GetMix().empty() || isSplitInto(usual, GetTitle(), GetMix())) return usual;
+    std::string other = joinedTitleMix(squareBrackets_ ? roundBrackets : squareBrackets);
+    return isSplitInto(other, GetTitle(), GetMix()) ? other : usual;
 }
 
 std::string ID3tag::GetArtistTitleMix() const {
@@ -140,10 +160,10 @@ void ID3tag::SetNumberL(int number) {
 }
 
 bool ID3tag::splitTitleMix(std::string_view text, std::string_view brackets) {
-    const std::size_t opening = text.rfind(brackets[0]);
-    if (!text.ends_with(brackets[1]) || opening == std::string_view::npos) return false;
-    SetTitle(text.substr(0, opening));
-    SetMix(text.substr(opening + 1, text.size() - opening - 2));
+    const auto split = splitAt(text, brackets);
+    if (!split) return false;
+    SetTitle(split->title);
+    SetMix(split->mix);
     squareBrackets_ = brackets == squareBrackets;
     return true;
 }
@@ -222,6 +242,7 @@ void ID3tag::FillFromID3(const ID3tag& other) {
     BPM = other.BPM;
     IsPartOfCompilation = other.IsPartOfCompilation;
     AlbumArt = other.AlbumArt;
+    AlbumArt.At = 0;
     AlbumArtType = other.AlbumArtType;
     fillFormatItems();
 }

@@ -14,15 +14,6 @@
 
 namespace tavlo {
 
-/// What a tag says where that is more than the field that was made of it: several values, outer
-/// blanks, "(17)" for a genre. A writer puts it back as long as the field stays the same.
-struct TagWording {
-    std::size_t row = 0;  ///< of `fieldFrames` or `fieldItems`
-    std::string field;    ///< the field's text when it was read
-    std::string text;     ///< the frame's or item's text
-    bool isBody = false;  ///< `text` is the frame's whole body, which holds bytes that are no text
-};
-
 /// Kinds of ID3v2 frames that feed a field.
 inline constexpr std::size_t interpretedFrameCount = 19;
 
@@ -36,6 +27,9 @@ struct cID3v2ext {
     bool bFooterPresent = false;
     std::uint32_t TagSize = 0;  ///< bytes, without the 10-byte header
 
+    /// Whether the body is one unsynchronised piece; version 4 marks every frame by itself.
+    [[nodiscard]] bool isUnsynchronised() const { return bUnsynchronisation && MajorVersion < 4; }
+
     std::string TrackTitle, Artist, AlbumTitle, Year, Comments, Composer, OriginalArtist;
     std::string CopyRight, EncodedBy, URL, TrackNumber, Genre, Mix, EncoderInfo;
     std::string EncodingHistory;  ///< how it was re-encoded, and from what; only where all is read
@@ -44,10 +38,8 @@ struct cID3v2ext {
 
     std::bitset<interpretedFrameCount> RowsRead;  ///< of `fieldFrames`: which were there
     bool bDamaged = false;                        ///< not all of the tag could be taken apart
-    std::string UnreadRest;            ///< bytes behind the last whole frame that are no padding
-    std::string CommentLanguage;       ///< ISO 639-2
-    std::string URLDescription;        ///< of WXXX
-    std::vector<TagWording> Wordings;  ///< these four only where the whole tag was read
+    bool bUnreadRest = false;    ///< bytes that are no padding stand behind the last whole frame
+    std::string URLDescription;  ///< of WXXX; these two not in a list
 };
 
 /// Fields of a Lyrics3 v2.00 block.
@@ -68,6 +60,7 @@ struct cAlbumArt {
     std::string Description;         ///< as the tag has it
     std::uint8_t PictureType = 0;    ///< ID3v2.3.0, 4.15: 3 = front cover
     std::vector<std::uint8_t> Data;  ///< empty until loaded
+    std::uint64_t At = 0;            ///< where its bytes lie in its file as they are; 0 = nowhere
 };
 
 /// What a batch change sets; an empty text leaves its field as it is.
@@ -89,7 +82,38 @@ enum class Refusal : std::uint8_t {
     NotWritten   ///< the disk took no more; the file is as it was
 };
 
+/// The fields that a person or a job can edit.
+enum class Field : std::uint8_t {
+    Artist,
+    Title,
+    Mix,
+    Album,
+    Year,
+    Number,
+    Comment,
+    Genre,
+    Composer,
+    OriginalArtist,
+    CopyRight,
+    EncodedBy,
+    URL,
+    EncoderInfo,
+    EncodingHistory,
+    TracksCount,
+    DiskNumber,
+    DisksCount,
+    BPM,
+    Compilation,
+    AlbumArt
+};
 inline constexpr std::size_t editableFieldCount = 21;
+
+/// A set of fields, a bit each.
+using FieldSet = std::uint32_t;
+template <typename... Fields>
+constexpr FieldSet fieldSet(Fields... fields) {
+    return ((FieldSet{1} << static_cast<unsigned>(fields)) | ...);
+}
 
 /// Everything the program keeps of one audio file. Text is UTF-8; getters give the long form
 /// and, where that is empty, the short field, both without outer blanks.
@@ -133,8 +157,7 @@ class ID3tag {
     cID3v2ext ID3v2Ext;
     cLyricsExt LyricsExt;
     cFormatExt WMAExt, OGGExt, MPCExt, MP4Ext, FLACExt, WavPackExt, MonkeyExt;
-    std::string UnknownItems;              ///< raw APEv2 items that the program does not interpret
-    std::vector<TagWording> ItemWordings;  ///< of APEv2 items, where the whole tag was read
+    std::string UnknownItems;  ///< raw APEv2 items that the program does not interpret
 
     /// Fingerprints of the fields when they were read, so that a writer knows which were edited.
     std::array<std::uint32_t, editableFieldCount> MarksAsRead{};

@@ -71,16 +71,62 @@ std::string wholeCharacters(std::string_view text, std::size_t width, const Code
     return bytes;
 }
 
-// Whether a field that is there may stay: it holds bytes that were no text, or the title with the
-// mix that the record keeps apart.
-bool saysTheSame(std::string_view field, std::string_view text, std::string_view longer,
-                 const CodePage& ansi) {
-    if (field.empty()) return false;
-    const std::string said = fixedWidthText(bytesOfText(field), ansi);
-    if (hasUndecoded(said)) return said == trimBlanks(text);
-    return !said.empty() && !longer.empty() && longer != text &&
-           FixedWidthText(longer, field.size(), ansi) == FixedWidthText(said, field.size(), ansi);
-}
+// The fields of a block in their order; a field that was not edited keeps its bytes.
+class BlockWriter {
+ public:
+    BlockWriter(const TagChange& change, std::string_view old, const CodePage& ansi)
+        : change_(change), old_(old), ansi_(ansi), block_(blockMark) {}
+
+    std::string run() {
+        const ID3tag& record = change_.after;
+        add(fieldSet(Field::Title, Field::Mix),
+            record.Title.empty() ? record.GetTitleMixV2() : record.Title, textSize);
+        add(fieldSet(Field::Artist), record.Artist, textSize);
+        add(fieldSet(Field::Album), record.Album, textSize);
+        add(fieldSet(Field::Year), record.Year, yearSize);
+        addComment();
+        if (isKept(fieldSet(Field::Genre))) {
+            block_ += old_.back();
+        } else {
+            block_ += static_cast<char>(record.Genre);
+        }
+        return std::move(block_);
+    }
+
+ private:
+    [[nodiscard]] bool isKept(FieldSet fields) const {
+        return !old_.empty() && !change_.edits(fields);
+    }
+
+    void add(FieldSet fields, std::string_view text, std::size_t width) {
+        if (isKept(fields)) {
+            block_ += old_.substr(block_.size(), width);
+        } else {
+            block_ += FixedWidthText(text, width, ansi_);
+        }
+    }
+
+    // The comment gives way to a track number that is edited, and the other way round.
+    void addComment() {
+        constexpr FieldSet comment = fieldSet(Field::Comment);
+        constexpr FieldSet track = fieldSet(Field::Number);
+        const std::size_t begin = block_.size();
+        if (isKept(comment | track)) {
+            block_ += old_.substr(begin, commentSize);
+            return;
+        }
+        add(comment, change_.after.Comment, shortCommentSize);
+        block_ += '\0';
+        const bool hasTrack = !old_.empty() && old_[begin + shortCommentSize] == '\0';
+        block_ += isKept(track) && hasTrack ? old_[begin + shortCommentSize + 1]
+                                            : static_cast<char>(change_.after.TrackNumber & 0xFFU);
+    }
+
+    const TagChange& change_;
+    const std::string_view old_;
+    const CodePage& ansi_;
+    std::string block_;
+};
 }  // namespace
 
 std::optional<TagSpan> ReadID3v1Tag(File& file, ID3tag& record, const ReadContext& context) {
@@ -105,27 +151,13 @@ std::string FixedWidthText(std::string_view text, std::size_t width, const CodeP
     return bytes;
 }
 
-std::string encodeID3v1Block(const ID3tag& record, std::string_view old, const CodePage& ansi) {
-    std::string block(blockMark);
-    const auto add = [&](std::string_view text, std::size_t width, std::string_view longer = {}) {
-        const std::string_view before =
-            old.size() == blockSize ? old.substr(block.size(), width) : std::string_view();
-        if (saysTheSame(before, text, longer, ansi)) {
-            block += before;
-        } else {
-            block += FixedWidthText(text, width, ansi);
-        }
-    };
-    const std::string whole = record.GetTitleMixV2();
-    add(record.Title.empty() ? whole : record.Title, textSize, whole);
-    add(record.Artist, textSize);
-    add(record.Album, textSize);
-    add(record.Year, yearSize);
-    add(record.Comment, shortCommentSize);
-    block += '\0';
-    block += static_cast<char>(record.TrackNumber & 0xFFU);
-    block += static_cast<char>(record.Genre);
-    return block;
+std::string encodeID3v1Block(const TagChange& change, std::string_view old, const CodePage& ansi) {
+    std::string whole(old);
+    if (!whole.empty() && whole.size() < blockSize) {
+        whole.resize(blockSize, '\0');
+        whole.back() = static_cast<char>(noGenre);
+    }
+    return BlockWriter(change, whole, ansi).run();
 }
 
 }  // namespace tavlo

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/File.h"
+#include "tags/FieldEdits.h"
 #include "tags/ID3tag.h"
 #include "tags/TagReading.h"
 
@@ -19,8 +20,9 @@ std::optional<TagSpan> ReadID3v1Tag(File& file, ID3tag& record, const ReadContex
 /// filled up with NUL. What the page cannot hold is "?".
 std::string FixedWidthText(std::string_view text, std::size_t width, const CodePage& ansi);
 
-/// The 128 bytes for the record's short fields, in the form of ID3v1.1. `old` is the block that
-/// they replace, empty where there was none.
-std::string encodeID3v1Block(const ID3tag& record, std::string_view old, const CodePage& ansi);
+/// The 128 bytes of a block (ID3v1.1): the record's short fields, but the bytes of `old`, the block
+/// that is replaced, where a field was not edited. `old` is empty where there was none and may lack
+/// its last bytes.
+std::string encodeID3v1Block(const TagChange& change, std::string_view old, const CodePage& ansi);
 
 }  // namespace tavlo

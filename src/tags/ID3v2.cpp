@@ -40,51 +40,78 @@ std::optional<TextEncoding> takeEncoding(ByteCursor& cursor) {
 
 class FrameWalk {
  public:
-    FrameWalk(File& source, ID3tag& record, const ReadContext& context, const FrameTaker& take)
-        : source_(source), record_(record), context_(context), take_(take) {}
+    FrameWalk(File& source, ID3tag& record, const ReadContext& context, const FrameTaker& take,
+              FoundFrames* found)
+        : source_(source), record_(record), context_(context), take_(take), found_(found) {}
 
     void run(std::uint64_t at, std::uint64_t end) {
         end_ = end;
         at = behindExtendedHeader(at);
+        const std::uint64_t first = at;
         while (const auto header = headerAt(at)) {
             const std::uint64_t body = at + headerSize_;
             if (header->bodySize > end_ - body || isSync(header->id)) break;
+            // Sound or rubbish may look like a header.
+            if (!hasRegularId(*header) && !leadsOn(body + header->bodySize)) break;
             if (take_) take_(*header, source_.view(body, header->bodySize));
-            if (!interpret(*header, body)) keep(*header, body);
+            const bool isRead = interpret(*header, body);
+            if (!isRead) keep(*header, body);
+            if (found_ != nullptr) note(*header, at, isRead);
             at = body + header->bodySize;
         }
-        keepRest(at);
+        if (context_.depth >= ReadDepth::Places) lookBehind(at);
+        isLost_ = at == first && record_.ID3v2Ext.bUnreadRest;
         finish();
     }
 
     // Where sound begins inside of what the tag claims.
     [[nodiscard]] std::optional<std::uint64_t> soundAt() const { return soundAt_; }
+    // Whether there is something, but nothing in it could be taken for a frame.
+    [[nodiscard]] bool isLost() const { return isLost_; }
 
  private:
+    // Writers do not agree on what an extended header's size counts, and some set the flag and go
+    // on with a frame; so the frames begin where the first one is found.
     std::uint64_t behindExtendedHeader(std::uint64_t at) {
+        constexpr std::uint64_t mostSearched = 256;
         if (!record_.ID3v2Ext.bExtendedHeader || version_ < 3) return at;
-        ByteCursor cursor(source_.view(at, 4));
-        if (version_ == 4) return at + cursor.syncsafe().value_or(0);
-        // Some writers set the flag and go on with a frame.
-        if (beginsFrame(at)) return at;
-        return at + 4 + cursor.bigEndian(4).value_or(0);
+        const Bytes size = source_.view(at, 4);
+        const std::uint64_t plain = ByteCursor(size).bigEndian(4).value_or(0);
+        const std::uint64_t syncsafe = ByteCursor(size).syncsafe().value_or(0);
+        const bool isOld = version_ == 3;
+        const std::uint64_t told = std::min(at + (isOld ? 4 + plain : syncsafe), end_);
+        for (const std::uint64_t begin :
+             {told, at, at + plain, at + 4 + syncsafe, at + 4 + plain}) {
+            if (beginsWalk(begin)) return begin;
+        }
+        for (std::uint64_t begin = at; begin < std::min(at + mostSearched, end_); ++begin) {
+            if (beginsWalk(begin)) return begin;
+        }
+        return told;
+    }
+
+    bool beginsWalk(std::uint64_t at) {
+        const auto header = beginsFrame(at) ? headerAt(at) : std::nullopt;
+        return header && leadsOn(at + headerSize_ + header->bodySize);
     }
 
     std::optional<FrameHeader> headerAt(std::uint64_t at) {
         if (at >= end_ || end_ - at < headerSize_) return std::nullopt;
         auto header = parseFrameHeader(source_.view(at, headerSize_), version_);
-        if (header && version_ == 4) correctSize(*header, at);
+        hasOddSize_ = header && version_ == 4 && correctSize(*header, at);
         return header;
     }
 
     // Some writers of version 4 keep the plain sizes of version 3. The size is syncsafe unless
     // only the plain one leads to another frame, to padding or to the end.
-    void correctSize(FrameHeader& header, std::uint64_t at) {
+    bool correctSize(FrameHeader& header, std::uint64_t at) {
         ByteCursor cursor(source_.view(at + 4, 4));
         const std::uint32_t plain = cursor.bigEndian(4).value_or(0);
-        if (plain < 0x80 || plain == header.bodySize) return;
+        if (plain < 0x80 || plain == header.bodySize) return false;
         const std::uint64_t body = at + headerSize_;
-        if (!leadsOn(body + header.bodySize) && leadsOn(body + plain)) header.bodySize = plain;
+        if (leadsOn(body + header.bodySize) || !leadsOn(body + plain)) return false;
+        header.bodySize = plain;
+        return true;
     }
 
     bool leadsOn(std::uint64_t at) {
@@ -105,11 +132,11 @@ class FrameWalk {
         if (frame->kind == FrameKind::Picture) return interpretPicture(header, at);
         // A list does not show it.
         const bool isSkipped =
-            frame->kind == FrameKind::UserText && context_.depth != ReadDepth::Full;
+            frame->kind == FrameKind::UserText && context_.depth < ReadDepth::Places;
         if (isSkipped) return false;
         if (header.bodySize > largestTextFrame) return false;
         const auto body = bodyOf(header, at, header.bodySize);
-        if (!body) return false;
+        if (!body || body->size() > largestTextFrame) return false;
         ByteCursor cursor(*body);
         const auto encoding = takeEncoding(cursor);
         if (!encoding) return false;
@@ -118,7 +145,7 @@ class FrameWalk {
         if (frame->kind == FrameKind::Comment && !takeCommentHead(cursor, *encoding)) return false;
         if (frame->kind == FrameKind::UserText && !takeHistoryHead(cursor, *encoding)) return false;
         if (frame->kind == FrameKind::Url) return readUrl(cursor, *encoding);
-        return readText(row, cursor, *encoding, *body);
+        return readText(row, cursor, *encoding);
     }
 
     // The first `most` bytes of the frame's content. The bytes hold until the next call.
@@ -137,7 +164,7 @@ class FrameWalk {
         return Bytes(decoded_);
     }
 
-    bool readText(std::size_t row, ByteCursor& cursor, TextEncoding encoding, Bytes body) {
+    bool readText(std::size_t row, ByteCursor& cursor, TextEncoding encoding) {
         const FieldFrame& frame = fieldFrames()[row];
         const std::string whole =
             withoutLastNuls(decodeText(encoding, *cursor.take(cursor.left()), context_.ansi));
@@ -147,19 +174,7 @@ class FrameWalk {
         if (trimmed.empty()) return trimBlanks(whole).empty();
         record_.ID3v2Ext.RowsRead.set(row);
         frame.set(record_, trimmed);
-        if (context_.depth == ReadDepth::Full) keepWording(row, whole, body);
         return true;
-    }
-
-    // Notes the text where it says more than the field that was made of it.
-    void keepWording(std::size_t row, const std::string& whole, Bytes body) {
-        const FieldFrame& frame = fieldFrames()[row];
-        const std::string field = frame.get(record_, version_);
-        // "3" beside a count that another tag told is less, not more.
-        if (field.empty() || field.starts_with(whole)) return;
-        const bool isBody = hasUndecoded(whole);
-        record_.ID3v2Ext.Wordings.push_back(
-            {row, field, isBody ? std::string(textOf(body)) : whole, isBody});
     }
 
     // Takes language and description; a comment that has a description is another one.
@@ -168,11 +183,7 @@ class FrameWalk {
         const auto language = cursor.take(languageSize);
         if (!language) return false;
         const Bytes description = takeTerminated(cursor, encoding);
-        if (!decodeText(encoding, description, context_.ansi).empty()) return false;
-        if (context_.depth == ReadDepth::Full) {
-            record_.ID3v2Ext.CommentLanguage = textOf(*language);
-        }
-        return true;
+        return decodeText(encoding, description, context_.ansi).empty();
     }
 
     // Takes the description; a user's text with any other is not ours.
@@ -184,7 +195,7 @@ class FrameWalk {
     bool readUrl(ByteCursor& cursor, TextEncoding encoding) {
         if (!record_.ID3v2Ext.URL.empty()) return false;
         const Bytes description = takeTerminated(cursor, encoding);
-        if (context_.depth == ReadDepth::Full) {
+        if (context_.depth >= ReadDepth::Places) {
             record_.ID3v2Ext.URLDescription = decodeText(encoding, description, context_.ansi);
         }
         const std::string url = context_.ansi.toUtf8(textOf(cursor.takeUntil(0)));
@@ -192,9 +203,12 @@ class FrameWalk {
         return true;
     }
 
-    // The front cover wins, else the first picture; every other one is kept as it is.
+    // The front cover wins, else the first picture. The bytes of one that is packed are loaded for
+    // a writer too, for nothing in the file is the same.
     bool interpretPicture(const FrameHeader& header, std::uint64_t at) {
-        const bool full = context_.depth == ReadDepth::Full;
+        const bool isHere = isPlainFrame(header, version_) && !record_.ID3v2Ext.isUnsynchronised();
+        const bool full =
+            context_.depth == ReadDepth::Full || (context_.depth == ReadDepth::Places && !isHere);
         std::optional<Bytes> body;
         std::optional<ParsedPicture> picture;
         for (const std::size_t most : {full ? header.bodySize : pictureHeadSize, header.bodySize}) {
@@ -216,7 +230,9 @@ class FrameWalk {
         keep(header, at);  // from here on the body's bytes are gone
         if (!better) return true;
         hasPicture_ = true;
+        if (isHere) picture->art.At = at + picture->dataOffset;
         chosenPicture_ = kept_.size();
+        if (found_ != nullptr) chosenFrame_ = found_->frames.size();
         record_.AlbumArtType = pictureType(picture->art.MIME);
         record_.AlbumArt = std::move(picture->art);
         return true;
@@ -229,6 +245,12 @@ class FrameWalk {
         kept += textOf(source_.view(at, header.bodySize));
     }
 
+    void note(const FrameHeader& header, std::uint64_t at, bool isRead) {
+        const bool isPicture =
+            isRead && findFieldFrame(header.id, version_)->kind == FrameKind::Picture;
+        found_->frames.push_back({header, at, isRead && !isPicture, hasOddSize_});
+    }
+
     // A frame of sound never begins like a frame of the tag.
     static bool isSync(std::string_view bytes) {
         return bytes.size() > 1 && bytes[0] == '\xFF' && (bytes[1] & 0xE0) == 0xE0;
@@ -236,20 +258,24 @@ class FrameWalk {
 
     // What stands behind the last whole frame and its padding. Where it is sound, the tag's size is
     // wrong and the tag ends there.
-    void keepRest(std::uint64_t at) {
-        if (context_.depth != ReadDepth::Full || at >= end_) return;
-        const std::string_view rest = textOf(source_.view(at, static_cast<std::size_t>(end_ - at)));
-        const std::size_t first = rest.find_first_not_of('\0');
-        if (first == std::string_view::npos) return;
-        if (isSync(rest.substr(first))) {
-            soundAt_ = at + first;
-        } else {
-            const std::size_t last = rest.find_last_not_of('\0');
-            record_.ID3v2Ext.UnreadRest = rest.substr(first, last + 1 - first);
+    void lookBehind(std::uint64_t at) {
+        constexpr std::uint64_t block = 1U << 16U;
+        for (std::uint64_t from = at; from < end_; from += block) {
+            const auto most = static_cast<std::size_t>(std::min(block, end_ - from));
+            const std::size_t first = textOf(source_.view(from, most)).find_first_not_of('\0');
+            if (first == std::string_view::npos) continue;
+            const bool isSound = isSync(textOf(source_.view(from + first, 2)));
+            if (isSound) soundAt_ = from + first;
+            record_.ID3v2Ext.bUnreadRest = !isSound;
+            break;
         }
+        if (found_ == nullptr) return;
+        found_->end = at;
+        found_->restEnd = record_.ID3v2Ext.bUnreadRest ? end_ : at;
     }
 
     void finish() {
+        if (chosenFrame_) found_->frames[*chosenFrame_].isRead = true;
         for (std::size_t i = 0; i < kept_.size(); ++i) {
             if (i + 1 != chosenPicture_) record_.ID3v2Ext.UnknownFrames += kept_[i];
         }
@@ -259,6 +285,7 @@ class FrameWalk {
     ID3tag& record_;
     const ReadContext& context_;
     const FrameTaker& take_;
+    FoundFrames* const found_;
     const int version_ = record_.ID3v2Ext.MajorVersion;
     const std::size_t headerSize_ = frameHeaderSize(version_);
     std::uint64_t end_ = 0;
@@ -266,8 +293,10 @@ class FrameWalk {
     std::size_t unpacked_ = 0;
     bool hasPicture_ = false;
     std::optional<std::uint64_t> soundAt_;
-    std::vector<std::string> kept_;  // raw frames in file order
-    std::size_t chosenPicture_ = 0;  // 1-based place in kept_; 0 = none
+    bool isLost_ = false, hasOddSize_ = false;
+    std::optional<std::size_t> chosenFrame_;  // in `found_`
+    std::vector<std::string> kept_;           // raw frames in file order
+    std::size_t chosenPicture_ = 0;           // 1-based place in kept_; 0 = none
 };
 
 void setHeader(cID3v2ext& ext, const TagHeader& header) {
@@ -287,7 +316,7 @@ bool isReadable(const cID3v2ext& ext) {
 }
 
 std::optional<TagSpan> readTag(File& file, ID3tag& record, const ReadContext& context,
-                               const FrameTaker& take) {
+                               const FrameTaker& take, FoundFrames* found) {
     if (textOf(file.view(0, tagMark.size())) != tagMark) return std::nullopt;
     record.IsID3v2Present = true;
     cID3v2ext& ext = record.ID3v2Ext;
@@ -299,30 +328,43 @@ std::optional<TagSpan> readTag(File& file, ID3tag& record, const ReadContext& co
     if (!isReadable(ext)) return span;
     const std::uint64_t end = std::min<std::uint64_t>(TagHeader::size + header->bodySize, span.end);
     // Version 4 marks every unsynchronised frame by itself; before it the body is one piece.
-    if (ext.bUnsynchronisation && header->majorVersion < 4) {
+    bool isLost = false;
+    if (ext.isUnsynchronised()) {
         if (header->bodySize > largestUnsynchronisedBody) return span;
-        const auto body = undoUnsynchronisation(
+        auto body = undoUnsynchronisation(
             file.view(TagHeader::size, static_cast<std::size_t>(end) - TagHeader::size));
         File plain;
         plain.openMemory(body);
-        FrameWalk(plain, record, context, take).run(0, body.size());
+        FrameWalk walk(plain, record, context, take, found);
+        walk.run(0, body.size());
+        isLost = walk.isLost();
+        if (found != nullptr) {
+            found->plain = std::move(body);
+            found->isPlain = true;
+        }
     } else {
-        FrameWalk walk(file, record, context, take);
+        FrameWalk walk(file, record, context, take, found);
         walk.run(TagHeader::size, end);
         span.end = walk.soundAt().value_or(span.end);
+        isLost = walk.isLost();
     }
-    ext.bDamaged = TagHeader::size + std::uint64_t{header->bodySize} > file.size();
+    ext.bDamaged = isLost || TagHeader::size + std::uint64_t{header->bodySize} > file.size();
     return span;
 }
 }  // namespace
 
 std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context) {
-    return readTag(file, record, context, {});
+    return readTag(file, record, context, {}, nullptr);
+}
+
+std::optional<TagSpan> ReadID3v2Tag(File& file, ID3tag& record, const ReadContext& context,
+                                    FoundFrames& found) {
+    return readTag(file, record, context, {}, &found);
 }
 
 void ListID3v2Frames(File& file, const CodePage& ansi, const FrameTaker& take) {
     ID3tag record;
-    readTag(file, record, {ansi, ReadDepth::Tags}, take);
+    readTag(file, record, {ansi, ReadDepth::Tags}, take, nullptr);
 }
 
 // The footer counts only where it really is: what else stands there is sound.

@@ -19,6 +19,7 @@ struct FieldFrame {
     std::string_view id;     ///< in versions 3 and 4
     std::string_view oldId;  ///< in version 2; empty where that version's frame is not interpreted
     FrameKind kind;
+    FieldSet fields;  ///< that it tells
     void (*set)(ID3tag&, std::string_view);
     /// The text for a tag of the given version; an empty one writes no frame.
     std::string (*get)(const ID3tag&, int majorVersion);

@@ -49,12 +49,6 @@ void appendFrame(std::string& out, const Frame& frame, int majorVersion) {
     out += frame.body;
 }
 
-std::string_view successorOf(std::string_view oldId) {
-    const auto* row = std::find_if(successors.begin(), successors.end(),
-                                   [&](const Successor& s) { return s.oldId == oldId; });
-    return row == successors.end() ? std::string_view() : row->id;
-}
-
 // PIC names the format by three letters where APIC has a MIME type.
 std::optional<std::string> pictureBody(Bytes body, const CodePage& ansi) {
     constexpr std::size_t oldHeadSize = 4;
@@ -249,27 +243,25 @@ std::size_t nestedFramesAt(const Frame& frame) {
     return frame.body.size() - cursor.left();
 }
 
-std::string convertWalk(std::string_view frames, int from, int to, const CodePage& ansi,
-                        const FieldIds& fields, bool withNested);
+std::string convertOne(const FrameHeader& header, std::string_view body, int from, int to,
+                       const CodePage& ansi, bool withNested);
 
 // Frames in their place that cannot be walked through to the end stay as they are.
 void convertNested(Frame& frame, int from, int to, const CodePage& ansi) {
     const std::size_t at = nestedFramesAt(frame);
     if (at == 0 || from == 2 || from == to || !isPlainFrame(frame.header, to)) return;
-    const std::string_view nested = std::string_view(frame.body).substr(at);
-    std::size_t end = 0;
-    while (const auto header = parseFrameHeader(bytesOfText(nested.substr(end)), from)) {
-        end += frameHeaderSize(from) + header->bodySize;
-        if (end > nested.size()) return;
+    std::string_view rest = std::string_view(frame.body).substr(at);
+    std::string inside;
+    while (const auto header = parseFrameHeader(bytesOfText(rest), from)) {
+        rest.remove_prefix(frameHeaderSize(from));
+        if (header->bodySize > rest.size()) return;
+        const std::string_view body = rest.substr(0, header->bodySize);
+        inside += convertOne(*header, body, from, to, ansi, false);  // no deeper
+        rest.remove_prefix(body.size());
     }
-    if (end != nested.size()) return;
-    const std::string inside = convertWalk(nested, from, to, ansi, {}, false);  // no deeper
+    if (!rest.empty()) return;
     frame.body.resize(at);
     frame.body += inside;
-}
-
-bool contains(const std::vector<std::string_view>& ids, std::string_view id) {
-    return std::find(ids.begin(), ids.end(), id) != ids.end();
 }
 
 std::optional<Frame> converted(const FrameHeader& header, std::string_view body, int from, int to,
@@ -283,35 +275,29 @@ std::optional<Frame> converted(const FrameHeader& header, std::string_view body,
     return fromVersion3(header, body);
 }
 
-std::string convertWalk(std::string_view frames, int from, int to, const CodePage& ansi,
-                        const FieldIds& fields, bool withNested) {
+std::string convertOne(const FrameHeader& header, std::string_view body, int from, int to,
+                       const CodePage& ansi, bool withNested) {
     std::string out;
-    const std::size_t headerSize = frameHeaderSize(from);
-    while (const auto header = parseFrameHeader(bytesOfText(frames), from)) {
-        const std::size_t size = std::min(headerSize + header->bodySize, frames.size());
-        const std::string_view whole = frames.substr(0, size);
-        frames.remove_prefix(size);
-        auto frame = converted(*header, whole.substr(headerSize), from, to, ansi);
-        if (contains(fields.emptied, frame ? frame->header.id : header->id)) continue;
-        // An old name that was not interpreted may turn into a field's own.
-        const bool isOld = frame && from == 2 && contains(fields.written, frame->header.id);
-        const bool isDate = frame && (frame->header.id == "TYER" || frame->header.id == "TDRC");
-        if (isOld || (isDate && fields.hasDate)) frame.reset();
-        if (frame) {
-            if (withNested) convertNested(*frame, from, to, ansi);
-            appendFrame(out, *frame, to);
-        } else {
-            out += privateFrame("ID3v2." + std::to_string(from), whole, to);
-        }
+    auto frame = converted(header, body, from, to, ansi);
+    if (!frame) {
+        appendFrameHeader(out, header, from);
+        return privateFrame("ID3v2." + std::to_string(from), out.append(body), to);
     }
+    if (withNested) convertNested(*frame, from, to, ansi);
+    appendFrame(out, *frame, to);
     return out;
 }
 }  // namespace
 
-std::string convertFrames(std::string_view frames, int from, int to, const CodePage& ansi,
-                          const FieldIds& fields) {
-    if (frames.empty()) return {};
-    return convertWalk(frames, from, to, ansi, fields, true);
+std::string convertFrame(const FrameHeader& header, std::string_view body, int from, int to,
+                         const CodePage& ansi) {
+    return convertOne(header, body, from, to, ansi, true);
+}
+
+std::string_view successorOf(std::string_view oldId) {
+    const auto* row = std::find_if(successors.begin(), successors.end(),
+                                   [&](const Successor& s) { return s.oldId == oldId; });
+    return row == successors.end() ? std::string_view() : row->id;
 }
 
 std::string privateFrame(std::string_view owner, std::string_view bytes, int majorVersion) {

@@ -1,6 +1,8 @@
 #include "tags/ID3v2Writer.h"
 
 #include <algorithm>
+#include <array>
+#include <bitset>
 
 #include "tags/ByteWriting.h"
 #include "tags/ID3v2Fields.h"
@@ -12,10 +14,6 @@ namespace tavlo {
 
 namespace {
 constexpr std::uint64_t leastTagSize = 512;
-
-int writtenVersion(const TagSettings& settings) {
-    return settings.id3v24 ? 4 : 3;
-}
 
 // A URL is 8-bit text whatever happens; what that does not hold goes in as its UTF-8 bytes.
 std::string urlBytes(std::string_view url, const CodePage& ansi) {
@@ -36,70 +34,151 @@ std::string urlBytes(std::string_view url, const CodePage& ansi) {
     return escaped;
 }
 
+// Takes bytes of the tag that is being rewritten.
+class OldTag {
+ public:
+    OldTag(File& file, const FoundFrames& found) : file_(file), found_(found) {
+        if (found.isPlain) plain_.openMemory(found.plain);
+    }
+
+    // The bytes hold until the next call.
+    [[nodiscard]] std::string_view view(std::uint64_t begin, std::uint64_t end) {
+        File& source = found_.isPlain ? plain_ : file_;
+        return textOf(source.view(begin, static_cast<std::size_t>(end - begin)));
+    }
+    void addTo(Pieces& pieces, std::uint64_t begin, std::uint64_t end) {
+        if (found_.isPlain) {
+            pieces.add(std::string(view(begin, end)));
+        } else {
+            pieces.addOld(begin, end);
+        }
+    }
+
+ private:
+    File& file_;
+    const FoundFrames& found_;
+    File plain_;
+};
+
 class FramesWriter {
  public:
-    FramesWriter(const ID3tag& record, const WriteContext& context)
-        : record_(record),
+    FramesWriter(const TagChange& change, File& file, const FoundFrames& found,
+                 const WriteContext& context)
+        : change_(change),
+          record_(change.after),
+          found_(found),
+          old_(file, found),
           context_(context),
-          version_(writtenVersion(context.settings)),
-          isSameVersion_(record.ID3v2Ext.MajorVersion == version_) {}
-
-    std::string run() {
-        for (std::size_t row = 0; row < fieldFrameCount; ++row) {
-            const FieldFrame& frame = fieldFrames()[row];
-            if (frame.kind == FrameKind::Picture) {
-                addPicture();
-                continue;
-            }
-            const std::string field = frame.get(record_, version_);
-            if (!field.empty()) addField(row, field);
-            noteField(row, field.empty());
+          from_(change.before.ID3v2Ext.MajorVersion),
+          to_(writtenVersion(context.settings)),
+          out_{{}, from_ != to_, false} {
+        for (const FoundFrame& frame : found_.frames) {
+            if (const auto row = rowOf(frame)) ++counts_[*row];
         }
-        const cID3v2ext& ext = record_.ID3v2Ext;
-        out_ +=
-            convertFrames(ext.UnknownFrames, ext.MajorVersion, version_, context_.ansi, fields_);
-        if (!ext.UnreadRest.empty()) out_ += privateFrame("ID3v2", ext.UnreadRest, version_);
+    }
+
+    NewFrames run() {
+        for (const FoundFrame& frame : found_.frames) place(frame);
+        for (std::size_t row = 0; row < fieldFrameCount; ++row) {
+            if (!isPlaced_[row] && isMissing(row)) addField(row);
+        }
+        addRest();
         return std::move(out_);
     }
 
  private:
-    void noteField(std::size_t row, bool isEmpty) {
-        const FieldFrame& frame = fieldFrames()[row];
-        const bool isSingle = frame.kind == FrameKind::Text || frame.kind == FrameKind::Genre;
-        if (!isSingle) return;
-        if (!isEmpty) fields_.written.push_back(frame.id);
-        if (isEmpty && record_.ID3v2Ext.RowsRead[row]) fields_.emptied.push_back(frame.id);
-        fields_.hasDate = !record_.GetYear().empty();
+    // The row whose field a frame tells, alone or as one of several.
+    [[nodiscard]] std::optional<std::size_t> rowOf(const FoundFrame& frame) const {
+        const FieldFrame* row = findFieldFrame(frame.header.id, from_);
+        // Frames of version 2 that feed no field do so under their new names.
+        const std::string_view successor = from_ == 2 ? successorOf(frame.header.id) : "";
+        if (row == nullptr && !successor.empty()) row = findFieldFrame(successor, 3);
+        if (row == nullptr) return std::nullopt;
+        const bool isSingle = row->kind == FrameKind::Text || row->kind == FrameKind::Genre;
+        if (!isSingle && !frame.isRead) return std::nullopt;
+        return static_cast<std::size_t>(row - fieldFrames().data());
     }
 
-    void addField(std::size_t row, const std::string& field) {
-        const FieldFrame& frame = fieldFrames()[row];
-        const TagWording* wording = wordingOf(row, field);
-        if (wording != nullptr && wording->isBody) {
-            add(frame.id, wording->text);
-        } else if (frame.kind == FrameKind::Url) {
-            addUrl(field);
+    void place(const FoundFrame& frame) {
+        const auto row = rowOf(frame);
+        if (row && isReplaced(*row, frame)) {
+            if (!isPlaced_[*row]) addField(*row);
+            isPlaced_.set(*row);
+            out_.isChanged = true;
+        } else if (!row || !isToldElsewhere(*row, frame)) {
+            if (row) isPlaced_.set(*row);
+            keep(frame);
+        }
+    }
+
+    // A frame that alone tells its field, and tells what it is to be, may stay.
+    [[nodiscard]] bool isReplaced(std::size_t row, const FoundFrame& frame) const {
+        const FieldSet fields = fieldFrames()[row].fields;
+        if (!change_.edits(fields)) return false;
+        return counts_[row] > 1 || !frame.isRead || !change_.isSame(fields);
+    }
+
+    // Versions 3 and 4 tell the year in different frames.
+    [[nodiscard]] bool isToldElsewhere(std::size_t row, const FoundFrame& frame) const {
+        const FieldFrame& field = fieldFrames()[row];
+        return from_ != to_ && frame.isRead && field.fields == fieldSet(Field::Year) &&
+               field.get(record_, to_).empty();
+    }
+
+    [[nodiscard]] bool isMissing(std::size_t row) const {
+        const FieldFrame& field = fieldFrames()[row];
+        const bool isDate = field.fields == fieldSet(Field::Year);
+        return !isDate || from_ != to_ || change_.edits(field.fields) || !hasDate();
+    }
+    [[nodiscard]] bool hasDate() const {
+        for (std::size_t row = 0; row < fieldFrameCount; ++row) {
+            if (isPlaced_[row] && fieldFrames()[row].fields == fieldSet(Field::Year)) return true;
+        }
+        return false;
+    }
+
+    void keep(const FoundFrame& frame) {
+        const std::uint64_t body = frame.begin + frameHeaderSize(from_);
+        const std::uint64_t end = body + frame.header.bodySize;
+        if (from_ != to_) {
+            out_.pieces.add(
+                convertFrame(frame.header, old_.view(body, end), from_, to_, context_.ansi));
+        } else if (frame.hasOddSize) {
+            // Beside sizes in the usual form it would be misread.
+            std::string header;
+            appendFrameHeader(header, frame.header, to_);
+            out_.pieces.add(std::move(header));
+            old_.addTo(out_.pieces, body, end);
         } else {
-            addText(frame, wording != nullptr ? wording->text : field);
+            old_.addTo(out_.pieces, frame.begin, end);
         }
     }
 
-    // What the tag said, where the field still is what was made of it.
-    const TagWording* wordingOf(std::size_t row, std::string_view field) const {
-        for (const TagWording& wording : record_.ID3v2Ext.Wordings) {
-            if (wording.row != row || wording.field != field) continue;
-            const bool isLatin = wording.text.starts_with('\0');
-            if (isSameVersion_ || (wording.isBody && isLatin)) return &wording;
+    // What could not be taken apart stays what it is only where the tag ends with it.
+    void addRest() {
+        if (found_.restEnd <= found_.end) return;
+        if (from_ == to_) {
+            old_.addTo(out_.pieces, found_.end, found_.restEnd);
+            out_.isExact = true;
+        } else {
+            out_.pieces.add(privateFrame("ID3v2", old_.view(found_.end, found_.restEnd), to_));
         }
-        return nullptr;
+    }
+
+    void addField(std::size_t row) {
+        const FieldFrame& frame = fieldFrames()[row];
+        if (frame.kind == FrameKind::Picture) return addPicture();
+        const std::string field = frame.get(record_, to_);
+        if (field.empty()) return;
+        if (frame.kind == FrameKind::Url) return addUrl(field);
+        addText(frame, field);
     }
 
     void addText(const FieldFrame& frame, std::string_view text) {
         const Encoded encoded = encode(text);
         std::string body = encodingByte(encoded);
         if (frame.kind == FrameKind::Comment) {
-            const std::string& language = record_.ID3v2Ext.CommentLanguage;
-            body += language.empty() ? "eng" : language;
+            body += "eng";
             addTerminated(body, {{}, encoded.encoding});
         }
         if (frame.kind == FrameKind::UserText) {
@@ -122,16 +201,23 @@ class FramesWriter {
 
     void addPicture() {
         const cAlbumArt& art = record_.AlbumArt;
-        if (art.Data.empty()) return;
+        const std::uint64_t size = art.Data.empty() ? art.Size : art.Data.size();
+        if (art.Data.empty() && art.At == 0) return;
         const Encoded description = encode(art.Description);
         std::string body = encodingByte(description);
-        body.reserve(art.Data.size() + description.bytes.size() + art.MIME.size() + 16);
         body += art.MIME.empty() ? "image/" : context_.ansi.fromUtf8(art.MIME).bytes;
         body += '\0';
         body += static_cast<char>(art.PictureType);
         addTerminated(body, description);
-        body += textOf(art.Data);
-        add("APIC", body);
+        std::string head;
+        appendFrameHeader(head, {"APIC", static_cast<std::uint32_t>(body.size() + size), 0}, to_);
+        out_.pieces.add(head + body);
+        if (art.Data.empty()) {
+            out_.pieces.addOld(art.At, art.At + size);
+        } else {
+            out_.pieces.add(std::string(textOf(art.Data)));
+        }
+        out_.isChanged = true;
     }
 
     struct Encoded {
@@ -161,44 +247,46 @@ class FramesWriter {
     }
 
     void add(std::string_view id, std::string_view body) {
-        appendFrameHeader(out_, {std::string(id), static_cast<std::uint32_t>(body.size()), 0},
-                          version_);
-        out_ += body;
+        std::string frame;
+        appendFrameHeader(frame, {std::string(id), static_cast<std::uint32_t>(body.size()), 0},
+                          to_);
+        frame += body;
+        out_.pieces.add(std::move(frame));
+        out_.isChanged = true;
     }
 
+    const TagChange& change_;
     const ID3tag& record_;
+    const FoundFrames& found_;
+    OldTag old_;
     const WriteContext& context_;
-    const int version_;
-    const bool isSameVersion_;
-    FieldIds fields_;
-    std::string out_;
+    const int from_, to_;
+    NewFrames out_;
+    std::array<std::size_t, fieldFrameCount> counts_{};  // of frames that tell a row's field
+    std::bitset<fieldFrameCount> isPlaced_;
 };
 }  // namespace
 
-std::string encodeID3v2Frames(const ID3tag& record, const WriteContext& context) {
-    return FramesWriter(record, context).run();
+NewFrames encodeID3v2Frames(const TagChange& change, File& file, const FoundFrames& found,
+                            const WriteContext& context) {
+    return FramesWriter(change, file, found, context).run();
 }
 
-std::uint32_t GetTagSize(const ID3tag& record, const WriteContext& context) {
-    return static_cast<std::uint32_t>(encodeID3v2Frames(record, context).size());
+int writtenVersion(const TagSettings& settings) {
+    return settings.id3v24 ? 4 : 3;
 }
 
-std::uint64_t roomyTagSize(std::size_t framesSize) {
-    const std::uint64_t needed = framesSize;
-    const std::uint64_t roomy = std::max(leastTagSize, needed + (needed + 9) / 10);
-    return std::max(needed, std::min(roomy, largestTagSize));
+std::uint64_t roomyTagSize(std::uint64_t framesSize) {
+    const std::uint64_t roomy = std::max(leastTagSize, framesSize + (framesSize + 9) / 10);
+    return std::max(framesSize, std::min(roomy, largestTagSize));
 }
 
-std::string encodeID3v2Tag(std::string_view frames, std::uint64_t bodySize,
-                           const TagSettings& settings) {
-    std::string tag = "ID3";
-    tag.reserve(TagHeader::size + static_cast<std::size_t>(bodySize));
-    tag += static_cast<char>(writtenVersion(settings));
-    tag.append(2, '\0');  // minor version and flags
-    appendSyncsafe(tag, static_cast<std::uint32_t>(bodySize));
-    tag += frames;
-    tag.resize(TagHeader::size + static_cast<std::size_t>(bodySize), '\0');
-    return tag;
+std::string encodeID3v2Header(std::uint64_t bodySize, const TagSettings& settings) {
+    std::string header = "ID3";
+    header += static_cast<char>(writtenVersion(settings));
+    header.append(2, '\0');  // minor version and flags
+    appendSyncsafe(header, static_cast<std::uint32_t>(bodySize));
+    return header;
 }
 
 }  // namespace tavlo

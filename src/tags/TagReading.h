@@ -8,9 +8,10 @@ namespace tavlo {
 
 /// How much of a tag is brought into memory.
 enum class ReadDepth {
-    Tags,  ///< as for a list, but nothing of the stream
-    List,  ///< what a list shows: pictures are only noted, unknown frames and items passed over
-    Full   ///< everything, so that a writer can put it back
+    Tags,    ///< as for a list, but nothing of the stream
+    List,    ///< what a list shows: pictures are only noted, unknown frames and items passed over
+    Places,  ///< as for a list, without the stream, and where each frame and item lies
+    Full     ///< everything, pictures and what is not understood too
 };
 
 struct ReadContext {

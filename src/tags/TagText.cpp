@@ -9,7 +9,8 @@
 namespace tavlo {
 
 namespace {
-constexpr char16_t byteOrderMark = 0xFEFF;
+constexpr char16_t byteOrderMark = 0xFEFF, swappedMark = 0xFFFE;
+constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 
 class Utf16Reader {
  public:
@@ -23,7 +24,8 @@ class Utf16Reader {
 
     void appendTo(std::string& out) {
         while (const auto unit = next()) {
-            if (*unit == byteOrderMark) continue;  // every value of a list may have one
+            // Every value of a list may have one, and some writers put the other one behind it.
+            if (*unit == byteOrderMark || *unit == swappedMark) continue;
             appendUtf8(out, isSurrogate(*unit) ? completed(*unit) : *unit);
         }
     }
@@ -50,6 +52,17 @@ class Utf16Reader {
     ByteCursor cursor_;
     bool bigEndian_;
 };
+
+// Writers that take an empty text of UTF-16 for one of 8 bits leave its mark behind.
+bool isMarkAlone(Bytes text) {
+    return text.size() >= 2 && textOf(text).find_first_not_of('\0', 2) == std::string_view::npos &&
+           (textOf(text).starts_with("\xFF\xFE") || textOf(text).starts_with("\xFE\xFF"));
+}
+
+std::string withoutMark(std::string text) {
+    if (text.starts_with(utf8Mark)) text.erase(0, utf8Mark.size());
+    return text;
+}
 }  // namespace
 
 int leadingNumber(std::string_view text) {
@@ -72,12 +85,18 @@ std::string utf8OrAnsi(std::string_view bytes, const CodePage& ansi) {
 std::string joinValues(std::string text) {
     constexpr std::string_view separator = "; ";
     while (text.ends_with('\0')) text.pop_back();
-    std::size_t at = text.find('\0');
-    while (at != std::string::npos) {
-        text.replace(at, 1, separator);
-        at = text.find('\0', at + separator.size());
+    const auto count = static_cast<std::size_t>(std::ranges::count(text, '\0'));
+    if (count == 0) return text;
+    std::string joined;
+    joined.reserve(text.size() + count);
+    for (const char c : text) {
+        if (c == '\0') {
+            joined += separator;
+        } else {
+            joined += c;
+        }
     }
-    return text;
+    return joined;
 }
 
 std::size_t unitSize(TextEncoding encoding) {
@@ -85,17 +104,12 @@ std::size_t unitSize(TextEncoding encoding) {
 }
 
 std::string decodeText(TextEncoding encoding, Bytes text, const CodePage& ansi) {
-    if (encoding == TextEncoding::Latin1) return ansi.toUtf8(textOf(text));
-    if (encoding == TextEncoding::Utf8) return utf8OrAnsi(textOf(text), ansi);
+    if (encoding == TextEncoding::Latin1) return isMarkAlone(text) ? "" : ansi.toUtf8(textOf(text));
+    if (encoding == TextEncoding::Utf8) return withoutMark(utf8OrAnsi(textOf(text), ansi));
     std::string out;
     out.reserve(text.size());
     Utf16Reader(text, encoding == TextEncoding::Utf16BigEndian).appendTo(out);
     return out;
-}
-
-bool hasUndecoded(std::string_view text) {
-    constexpr std::string_view replaced = "\xEF\xBF\xBD";
-    return text.find(replaced) != std::string_view::npos;
 }
 
 std::string utf16Text(std::string_view text) {

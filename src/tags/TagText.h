@@ -33,9 +33,6 @@ std::size_t unitSize(TextEncoding encoding);
 /// little-endian unless the encoding says otherwise. NULs inside stay.
 std::string decodeText(TextEncoding encoding, Bytes text, const CodePage& ansi);
 
-/// Whether something in a decoded text was no text (U+FFFD).
-bool hasUndecoded(std::string_view text);
-
 /// Little-endian UTF-16 with a mark in front of it and of each further value behind a NUL.
 std::string utf16Text(std::string_view text);
 

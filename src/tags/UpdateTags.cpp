@@ -13,6 +13,7 @@
 #include "tags/ID3v1.h"
 #include "tags/ID3v2.h"
 #include "tags/ID3v2Frame.h"
+#include "tags/ID3v2ToAPE.h"
 #include "tags/ID3v2Writer.h"
 
 namespace tavlo {
@@ -43,8 +44,14 @@ bool openPatiently(File& file, const std::string& path, Progress& progress) {
 // A file's tags as they are, and as they are to become.
 class TagPlan {
  public:
-    TagPlan(File& file, ID3tag& record, const TagLayout& layout, const WriteContext& context)
-        : file_(file), record_(record), layout_(layout), context_(context) {
+    // `after` is what the file is to say, `before` what it says.
+    TagPlan(File& file, const ID3tag& before, ID3tag& after, FieldSet edited,
+            const TagLayout& layout, const WriteContext& context)
+        : file_(file),
+          record_(after),
+          change_{before, after, edited},
+          layout_(layout),
+          context_(context) {
         // A block that begins inside another tag is none.
         for (const auto& other : {layout.ape, layout.lyrics}) {
             if (!other || !layout_.id3v1 || layout_.id3v1->begin >= other->end) continue;
@@ -61,16 +68,20 @@ class TagPlan {
             if (refusal_ == Refusal::NoID3v2Tag && !context_.settings.ape2) return refusal_;
             if (refusal_ != Refusal::NoID3v2Tag && !planHead()) return Refusal::TooLarge;
             if (wouldHideApe() && refusal_ == Refusal::None) refusal_ = Refusal::NoID3v1Tag;
-            planTail(context_.settings.ape2, blockBytes());
+            planTail(context_.settings.ape2);
         } else {
+            carry();
             ends_.headEnd = tagsEnd();
-            planTail(true, {});
+            planTail(true);
         }
         // Of tags that overlap one is not what it seems.
-        return ends_.headEnd > ends_.tailBegin ? Refusal::Damaged : refusal_;
+        const bool isOdd = ends_.headEnd > ends_.tailBegin || isUnreadApe();
+        return isOdd ? Refusal::Damaged : refusal_;
     }
 
     [[nodiscard]] const NewEnds& ends() const { return ends_; }
+    // What a tag that is taken off holds and no other tag has a place for: names of frames.
+    [[nodiscard]] const std::vector<std::string>& homeless() const { return carried_.homeless; }
 
     // What the file carries once the plan is carried out.
     void noteTags(ID3tag& record) const {
@@ -93,53 +104,87 @@ class TagPlan {
         return end;
     }
 
-    // The space that a tag has stays as it is, so that the sound does not move.
+    // What the ID3v2 tag told goes over before it is taken off.
+    void carry() {
+        if (!layout_.id3v2) return;
+        const int version = change_.before.ID3v2Ext.MajorVersion;
+        change_.edited |= fieldsTold(layout_.frames, version);
+        carried_ = carriedItems(file_, layout_.frames, record_, layout_.items, context_.ansi);
+    }
+
     bool planHead() {
-        std::string frames = encodeID3v2Frames(record_, context_);
-        if (record_.ID3v2Ext.MajorVersion == 2) {
-            takeNewNames(frames);
-            frames = encodeID3v2Frames(record_, context_);
-        }
-        if (frames.size() > largestTagSize) return false;
-        const std::uint64_t space =
-            layout_.id3v2 ? std::min(layout_.id3v2->end - TagHeader::size, largestTagSize) : 0;
-        const bool fits = layout_.id3v2 && frames.size() <= space;
+        NewFrames frames = encodeID3v2Frames(change_, file_, layout_.frames, context_);
+        if (frames.pieces.size() > largestTagSize) return false;
+        if (change_.before.ID3v2Ext.MajorVersion == 2) takeNewNames(frames.pieces);
         ends_.headEnd = layout_.id3v2 ? layout_.id3v2->end : 0;
-        ends_.head =
-            encodeID3v2Tag(frames, fits ? space : roomyTagSize(frames.size()), context_.settings);
+        if (frames.isChanged) {
+            layOut(std::move(frames));
+        } else {
+            ends_.head.addOld(0, ends_.headEnd);
+        }
         return true;
     }
 
+    // The space that a tag has stays as it is, so that the sound does not move.
+    void layOut(NewFrames frames) {
+        const std::uint64_t needed = frames.pieces.size();
+        const std::uint64_t had =
+            layout_.id3v2 ? std::min(layout_.id3v2->end - TagHeader::size, largestTagSize) : 0;
+        const bool fits = layout_.id3v2 && needed <= had;
+        const std::uint64_t room = fits ? had : roomyTagSize(needed);
+        const std::uint64_t size = frames.isExact ? needed : room;
+        ends_.head = Pieces(encodeID3v2Header(size, context_.settings));
+        ends_.head.add(std::move(frames.pieces));
+        const std::uint64_t padding = size - needed;
+        const FoundFrames& found = layout_.frames;
+        // Zeroes that are there already need not be made.
+        const bool hasOld =
+            fits && !found.isPlain && !frames.isExact && !change_.before.ID3v2Ext.bFooterPresent;
+        const std::uint64_t begin = std::max(ends_.head.size(), found.end);
+        if (hasOld && begin < ends_.headEnd) {
+            ends_.head.add(std::string(static_cast<std::size_t>(begin - ends_.head.size()), '\0'));
+            ends_.head.addOld(begin, ends_.headEnd);
+        } else {
+            ends_.head.add(std::string(static_cast<std::size_t>(padding), '\0'));
+        }
+    }
+
     // Old frames that fed no field may do so under their new names, in every tag.
-    void takeNewNames(const std::string& frames) {
-        const std::string tag = encodeID3v2Tag(frames, frames.size(), context_.settings);
+    void takeNewNames(const Pieces& frames) {
+        std::string tag = encodeID3v2Header(frames.size(), context_.settings);
+        for (const Piece& piece : frames.all()) {
+            tag += piece.bytes.empty() ? bytesBetween(file_, piece.begin, piece.end) : piece.bytes;
+        }
         File written;
         written.openMemory(bytesOfText(tag));
+        cAlbumArt art = std::move(record_.AlbumArt);
         record_.ID3v2Ext = {};
-        ReadID3v2Tag(written, record_, {context_.ansi, ReadDepth::Full});
+        ReadID3v2Tag(written, record_, {context_.ansi, ReadDepth::Places});
+        record_.AlbumArt = std::move(art);  // it lies where it lay
     }
 
     // The ID3v1 block and nothing behind it; a block that is not written stays as it is.
-    std::string blockBytes() {
-        constexpr std::size_t blockSize = 128;
+    Pieces block() {
         const auto& span = layout_.id3v1;
-        std::string old = span ? bytesBetween(file_, span->begin, span->end) : std::string();
-        if (refusal_ == Refusal::NoID3v1Tag) return {};
-        if (refusal_ != Refusal::NoID3v2Tag) {
-            return encodeID3v1Block(record_, old, context_.ansi);
+        const std::string old = span ? bytesBetween(file_, span->begin, span->end) : std::string();
+        if (refusal_ == Refusal::NoID3v1Tag || (!span && refusal_ != Refusal::None)) return {};
+        const TagChange change{change_.before, change_.after,
+                               refusal_ == Refusal::NoID3v2Tag ? 0 : change_.edited};
+        std::string bytes = encodeID3v1Block(change, old, context_.ansi);
+        Pieces block;
+        if (bytes == old) {
+            block.addOld(span->begin, span->end);
+        } else {
+            block.add(std::move(bytes));
         }
-        if (span && old.size() < blockSize) {
-            old.resize(blockSize, '\0');
-            old.back() = static_cast<char>(noGenre);
-        }
-        return old;
+        return block;
     }
 
-    void planTail(bool withApe, const std::string& block) {
+    void planTail(bool withApe) {
         const std::uint64_t end = layout_.id3v1 ? layout_.id3v1->begin : file_.size();
         ends_.tailBegin = end;
         if (withApe) planApe(end);
-        ends_.tail.add(block);
+        if (record_.FileType == FileType::Mp3) ends_.tail.add(block());
     }
 
     // A Lyrics3 block has to stand right in front of the ID3v1 block, so that a new tag goes in
@@ -148,8 +193,21 @@ class TagPlan {
         if (layout_.lyrics) ends_.tailBegin = std::min(end, layout_.lyrics->begin);
         if (layout_.ape) ends_.tailBegin = layout_.ape->begin;
         const std::uint64_t kept = layout_.ape ? layout_.ape->end : ends_.tailBegin;
-        ends_.tail = encodeAPETag(record_);
+        NewAPETag tag =
+            encodeAPETag(change_, file_, layout_.items, std::move(carried_.items), context_.ansi);
+        if (layout_.ape && !tag.isChanged) {
+            ends_.tail.addOld(layout_.ape->begin, layout_.ape->end);
+        } else {
+            ends_.tail = std::move(tag.pieces);
+        }
         ends_.tail.addOld(kept, end);
+    }
+
+    // A tag that has to be written, and in which nothing could be taken for an item.
+    [[nodiscard]] bool isUnreadApe() const {
+        const FoundItems& found = layout_.items;
+        const bool isWritten = record_.FileType != FileType::Mp3 || context_.settings.ape2;
+        return layout_.ape && isWritten && found.items.empty() && found.end < found.restEnd;
     }
 
     // A new block behind bytes that nobody knows would push the APEv2 tag in front of them out of
@@ -164,8 +222,10 @@ class TagPlan {
 
     File& file_;
     ID3tag& record_;
+    TagChange change_;
     TagLayout layout_;
     const WriteContext& context_;
+    Carried carried_;
     Refusal refusal_ = Refusal::None;
     NewEnds ends_;
 };
@@ -268,14 +328,15 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     // The file may have changed since the record was read: what it says now is what stays.
     ID3tag current;
     current.FileType = record.FileType;
-    const TagLayout layout = readTags(file, current, {context.ansi, ReadDepth::Full});
+    const TagLayout layout = readTags(file, current, {context.ansi, ReadDepth::Places});
+    ID3tag after = current;
     if (before != nullptr) *before = current;
-    takeEdits(current, record);
-    current.SplitTitle();
-    for (ID3tag* each : {&record, &current}) {
+    const FieldSet edited = takeEdits(after, record);
+    if ((edited & fieldSet(Field::Title, Field::Mix)) != 0) after.SplitTitle();
+    for (ID3tag* each : {&record, &after}) {
         if (each->Comment == "#") each->Comment.clear();
     }
-    TagPlan plan(file, current, layout, context);
+    TagPlan plan(file, current, after, edited, layout, context);
     const Refusal planned = plan.make();
     if (file.hasFailed()) return refuse(record, Refusal::NotRead, context);
     if (!isPartial(planned, context.settings)) return refuse(record, planned, context);

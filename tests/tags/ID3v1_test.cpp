@@ -127,6 +127,10 @@ TEST(ID3v1, GenreByteIsStoredAsItIs) {
     }
 }
 
+std::string newBlock(const ID3tag& record) {
+    return encodeID3v1Block({{}, record, ~FieldSet{0}}, "", CodePage(1252));
+}
+
 TEST(ID3v1, WrittenBlockHasEveryFieldInItsPlace) {
     const std::string ten = "0123456789";
     ID3tag record;
@@ -139,15 +143,14 @@ TEST(ID3v1, WrittenBlockHasEveryFieldInItsPlace) {
     record.SetGenre("rock");
     Id3v1 expected{
         "Seven Bells", ten + ten + ten, ten + ten + ten, "1998", ten + ten + "01234567", 0, 7, 17};
-    const CodePage ansi(1252);
-    EXPECT_EQ(encodeID3v1Block(record, "", ansi), expected.block());
+    EXPECT_EQ(newBlock(record), expected.block());
     record.SetGenre("Sea Shanty");
     record.SetNumberL(300);
     record.SetYear("98");
     record.SetComment("short");
     expected = {"Seven Bells", ten + ten + ten, ten + ten + ten, "98", "short", 0, 44, 255};
-    EXPECT_EQ(encodeID3v1Block(record, "", ansi), expected.block());
-    EXPECT_EQ(encodeID3v1Block({}, "", ansi), Id3v1{}.block());
+    EXPECT_EQ(newBlock(record), expected.block());
+    EXPECT_EQ(newBlock({}), Id3v1{}.block());
 }
 
 TEST(ID3v1, WrittenTextIsInTheCodePageAndEndsBetweenCharacters) {
@@ -181,9 +184,10 @@ TEST(ID3v1, WrittenTextIsInTheCodePageAndEndsBetweenCharacters) {
 TEST(ID3v1, WrittenBlockEndsTheFile) {
     Id3v1 old{"Seven Bells", "Marble Choir", "Towers", "1998", std::string(28, 'c'), 'c', 'c', 17};
     const std::string head = tag(3, textFrame(3, "TALB", "Towers") + std::string(100, '\0'));
-    Id3v1 changed = old;
+    Id3v1 changed = old, numbered = old;
     changed.artist = "Tin Parade";
-    changed.zero = changed.track = 0;
+    numbered.zero = 0;
+    numbered.track = 5;
     Id3v1 emptied = usual;
     emptied.comment = "";
     struct Case {
@@ -197,6 +201,10 @@ TEST(ID3v1, WrittenBlockEndsTheFile) {
         {"at the end", head + audio + old.block(), setArtist, audio + changed.block()},
         {"10 bytes behind", head + audio + old.block() + std::string(10, 'y'), setArtist,
          audio + changed.block()},
+        {"a number cuts the comment", head + audio + old.block(),
+         [](ID3tag& r) { r.SetNumberL(5); }, audio + numbered.block()},
+        {"nothing of it edited", head + audio + old.block(' '),
+         [](ID3tag& r) { r.ID3v2Ext.Composer = "C"; }, audio + old.block(' ')},
         {"comment #", head + audio + usual.block(), [](ID3tag& r) { r.SetComment("#"); },
          audio + emptied.block()},
         {"none before", head + audio, setArtist,

@@ -13,6 +13,16 @@ struct Case {
     std::string frames, expected;
 };
 
+std::string convertFrames(std::string_view frames, int from, int to, const CodePage& ansi) {
+    std::string out;
+    while (const auto header = parseFrameHeader(bytesOf(frames), from)) {
+        frames.remove_prefix(frameHeaderSize(from));
+        out += convertFrame(*header, frames.substr(0, header->bodySize), from, to, ansi);
+        frames.remove_prefix(header->bodySize);
+    }
+    return out;
+}
+
 void expectConverted(std::span<const Case> cases) {
     const CodePage ansi(1252);
     for (const Case& c : cases) {

@@ -293,7 +293,8 @@ TEST(ID3v2, ExtendedHeaderIsSkipped) {
     EXPECT_EQ(recordOf(tag(4, extended4Crc + textFrame(4, "TALB", "A"), 0x40)).GetAlbum(), "A");
     EXPECT_TRUE(recordOf(tag(4, extended4, 0x40)).ID3v2Ext.bExtendedHeader);
     EXPECT_EQ(recordOf(tag(3, "\xFF\xFF\xFF\xFF"s + textFrame(3, "TALB", "A"), 0x40)).GetAlbum(),
-              "");
+              "A");
+    EXPECT_TRUE(recordOf(tag(3, bigEndian(6, 4) + "no frame here", 0x40)).ID3v2Ext.bDamaged);
 }
 
 TEST(ID3v2, FooterDoesNotCountAsAFrame) {

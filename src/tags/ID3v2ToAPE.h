@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/CodePage.h"
+#include "tags/APEv2.h"
+#include "tags/ID3v2.h"
+
+namespace tavlo {
+
+/// What an ID3v2 tag holds beyond the fields of a record, for the APEv2 tag of a file that keeps no
+/// other.
+struct Carried {
+    std::vector<CarriedItem> items;     ///< under the keys that other taggers use
+    std::vector<std::string> homeless;  ///< identifiers of frames that no item can hold
+};
+
+/// `record` is what was read of the file. Where an item of `items` already has a frame's key, the
+/// frame is homeless unless it says the same.
+Carried carriedItems(File& file, const FoundFrames& frames, const ID3tag& record,
+                     const FoundItems& items, const CodePage& ansi);
+
+/// The fields that the frames told.
+FieldSet fieldsTold(const FoundFrames& frames, int majorVersion);
+
+}  // namespace tavlo
