@@ -40,7 +40,7 @@ span=$((($(date +%s%N) - begin) / 1000)) # microseconds
 
 damaged=0 mended=0 cut=0
 for kill in $(seq "$kills"); do
-    change "${titles[kill % 2]}" > /dev/null 2>&1 &
+    "$TAVLO" /change music /t "${titles[kill % 2]}" > /dev/null 2>&1 & # no function: it would be killed
     delay=$(((RANDOM * 32768 + RANDOM) % (span * 5 / 4)))
     sleep "$(printf '%d.%06d' $((delay / 1000000)) $((delay % 1000000)))"
     { kill -9 $! && wait $!; } 2> /dev/null || true
