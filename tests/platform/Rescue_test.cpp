@@ -83,6 +83,16 @@ TEST_F(RescueOnDisk, HalfAFileIsPutBack) {
     }
 }
 
+TEST_F(RescueOnDisk, AnotherFileInItsPlaceIsLeftAlone) {
+    const std::string half = before.substr(0, 4096) + after.substr(4096);
+    killed(song);
+    std::filesystem::rename(folder.write("music/copy", half), song);
+    const Recovered found = recoverFiles(rescues);
+    EXPECT_EQ(found.putBack, 0U);
+    EXPECT_EQ(found.setAside, Names{folder.path("rescue/1.rescue.kept")});
+    EXPECT_TRUE(folder.read("music/song") == half);
+}
+
 TEST_F(RescueOnDisk, AFileThatIsNotThereNowIsKeptFor) {
     killed(folder.path("gone/song"));
     EXPECT_TRUE(recoverFiles(rescues).setAside.empty());
