@@ -16,6 +16,7 @@
 #include "platform/Console.h"
 #include "platform/FileSystem.h"
 #include "platform/Registry.h"
+#include "platform/Rescue.h"
 #include "ui/MainWindow.h"
 
 namespace {
@@ -68,6 +69,12 @@ int setUp(Services& services, KeptLines& told) {
     return services.errors.exitCode();
 }
 
+void mendFiles(ErrorReport& errors) {
+    const Recovered found = recoverFiles(rescueFolder());
+    if (found.putBack > 0) errors.note(Text::FilesPutBack, std::to_string(found.putBack));
+    for (const std::string& path : found.setAside) errors.note(Text::RescueSetAside, path);
+}
+
 CancelFlag cancel{false};  // for the interrupt handler it has to outlive everything
 
 }  // namespace
@@ -97,6 +104,7 @@ int main(int argc, char** argv) {
         {RunMode::Decode, convertFiles},
     };
     StartUpParts parts{registry, output, messages, progress, cancel, TAVLO_VERSION};
+    parts.mend = mendFiles;
     if (hasDisplay() && !isHeard(Stream::Output)) parts.showPage = openHelp;
     StartUp startUp(parts, jobs);
     const int code = startUp.run(programCommandLine(argc, argv));

@@ -8,6 +8,7 @@
 #include "collection/TagColumns.h"
 #include "core/JsonLine.h"
 #include "platform/PlainText.h"
+#include "platform/Rescue.h"
 #include "tags/AudioFile.h"
 #include "tags/UpdateTags.h"
 
@@ -69,9 +70,9 @@ class ChangeJob {
         : services_(services),
           filling_(filling),
           ansi_(services.ansiCodePage),
-          context_{ansi_,           tagSettings(services.settings),
-                   services.errors, services.progress,
-                   systemCalls(),   services.options.dryRun} {}
+          context_{
+              ansi_,         tagSettings(services.settings), services.errors, services.progress,
+              systemCalls(), services.options.dryRun,        {rescueFolder()}} {}
 
     // False when the output takes no more.
     bool run(const cFilesCollection& files) {

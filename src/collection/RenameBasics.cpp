@@ -11,8 +11,7 @@ RenameContext renameContext(Services& services, const CodePage& ansi) {
 }
 
 std::string journalFolder() {
-    const std::string folder = settingsFolder();
-    return folder.empty() ? folder : joinPath(folder, "renames", nativePathStyle());
+    return stateFolder("renames");
 }
 
 bool mayRename(Services& services, RenameJournal& journal) {

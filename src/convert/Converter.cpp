@@ -234,6 +234,8 @@ bool Converter::writeTags(ID3tag& record) {
         case Refusal::NotRead:
         case Refusal::NotCreated:
         case Refusal::NotWritten:
+        case Refusal::Replaced:
+        case Refusal::Torn:
             return false;
         default:
             for (const std::string& line : kept.lines) context_.log.AddErrorLine(line);

@@ -126,6 +126,7 @@ int StartUp::dispatch() {
 }
 
 int StartUp::runJob(const JobRow& job) {
+    if (parts_.mend) parts_.mend(errors_);
     Services services{options_,
                       settings_,
                       texts_,

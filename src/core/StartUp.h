@@ -51,6 +51,8 @@ struct StartUpParts {
     CancelFlag& cancel;
     std::string programVersion;
     std::function<void(PriorityClass)> setPriority = setPriorityClass;
+    /// Sets right what runs that were killed have left behind, before a job touches files.
+    std::function<void(ErrorReport& errors)> mend = {};
     /// Shows the help where nobody hears the output; empty: it is printed all the same.
     std::function<void(const std::string& page, const Texts& texts)> showPage = {};
 };

@@ -11,6 +11,7 @@
 #include "core/QuietWork.h"
 #include "core/TextCase.h"
 #include "platform/FileSystem.h"
+#include "platform/Rescue.h"
 #include "tags/AudioFile.h"
 #include "tags/UpdateTags.h"
 
@@ -250,7 +251,8 @@ std::vector<FileItem> FileDesk::itemsOf(std::span<const RowId> rows) const {
 }
 
 WorkContext FileDesk::context() const {
-    return {services_.ansiCodePage, tagSettings(services_.settings)};
+    return {
+        services_.ansiCodePage, tagSettings(services_.settings), systemCalls(), {rescueFolder()}};
 }
 
 void FileDesk::begin(std::vector<FileItem> items, FileWork::Work work) {

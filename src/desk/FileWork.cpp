@@ -54,8 +54,8 @@ FileResult saveTags(const FileItem& item, bool evenIfChanged, const WorkContext&
     ErrorReport errors(texts, kept);
     NoProgress progress;
     ID3tag record = ReadAudioFile(item.path, {ansi});
-    result.outcome =
-        write(item, record, {ansi, context.tags, errors, progress, context.calls, false});
+    result.outcome = write(
+        item, record, {ansi, context.tags, errors, progress, context.calls, false, context.ways});
     result.message = kept.joined();
     if (result.outcome == FileOutcome::Failed && result.message.empty()) {
         result.message = texts.get(Text::FileNotWritten, item.path);

@@ -44,6 +44,7 @@ struct WorkContext {
     int ansiCodePage = 0;
     TagSettings tags;
     FileCalls& calls = systemCalls();
+    RewriteWays ways = {};
 };
 
 /// Writes one file's edits and reads back what it holds then. A file that another program changed

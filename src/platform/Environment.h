@@ -27,6 +27,9 @@ std::string programFolder();
 /// The user's folder for the program's own files; empty when not known. It need not be there.
 std::string settingsFolder();
 
+/// A folder in it for what runs leave to later ones; empty when not known.
+std::string stateFolder(const std::string& name);
+
 /// Where files that come and go may be made.
 std::string temporaryFolder();
 

@@ -39,8 +39,10 @@ class File {
     [[nodiscard]] bool isReadOnly() const { return status_.isReadOnly; }
     /// The time of the last change before the file was opened.
     [[nodiscard]] std::int64_t modified() const { return status_.modified; }
-    [[nodiscard]] bool isWritable() const { return access_ == Access::ReadWrite && isOpen(); }
+    [[nodiscard]] bool isWritable() const { return access_ != Access::Read && isOpen(); }
     [[nodiscard]] bool isTemporary() const { return status_.isTemporary; }
+    /// As it was when the file was opened, but for the size, which follows what is written here.
+    [[nodiscard]] const FileStatus& status() const { return status_; }
     [[nodiscard]] FileHandle handle() const { return handle_; }
     /// Gives the handle away without closing it.
     FileHandle release();

@@ -1,10 +1,13 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 
@@ -73,12 +76,50 @@ bool isNamed(const struct stat& opened, const std::string& path) {
     return opened.st_nlink > 0 || (::stat(path.c_str(), &named) == 0 && isSameFile(opened, named));
 }
 
-FileHandle told(int file, const struct stat& found, FileStatus& status) {
+FileStatus statusOf(const struct stat& found) {
+    FileStatus status;
     status.size = static_cast<std::uint64_t>(found.st_size);
     status.modified = nanosecondTicks(found.st_mtim.tv_sec, found.st_mtim.tv_nsec);
     status.isReadOnly = (found.st_mode & S_IWUSR) == 0;
     status.isTemporary = (found.st_mode & permissions) == temporaryMode;
-    return file;
+    status.id = {found.st_dev, found.st_ino};
+    status.names = found.st_nlink;
+    return status;
+}
+
+// XFS tells by its geometry whether files may share spans; the system's headers do not have it.
+bool mayShareSpans(int file) {
+    struct Geometry {
+        std::array<std::uint32_t, 8> sizes;
+        std::array<std::uint64_t, 4> counts;
+        std::array<std::uint8_t, 16> id;
+        std::array<std::uint32_t, 2> stripes;
+        std::int32_t version;
+        std::uint32_t features;
+        std::array<std::uint32_t, 3> more;
+    };
+    constexpr std::uint32_t reflink = 1U << 20U;
+    Geometry geometry{};
+    return ::ioctl(file, _IOR('X', 100, Geometry), &geometry) != 0 ||
+           (geometry.features & reflink) != 0;
+}
+
+// The next run of bytes that lie on the disk; empty at the end where only a hole is left.
+struct Span {
+    std::uint64_t begin, end;
+};
+Span nextData(int file, std::uint64_t from, std::uint64_t end) {
+    const off_t begin = ::lseek(file, static_cast<off_t>(from), SEEK_DATA);
+    if (begin < 0) return errno == ENXIO ? Span{end, end} : Span{from, end};
+    const off_t stop = ::lseek(file, begin, SEEK_HOLE);
+    const auto first = std::min(static_cast<std::uint64_t>(begin), end);
+    return {first, stop < 0 ? end : std::min(static_cast<std::uint64_t>(stop), end)};
+}
+
+bool hasHoles(int file) {
+    constexpr off_t blockUnit = 512;
+    struct stat found {};
+    return ::fstat(file, &found) == 0 && found.st_blocks * blockUnit < found.st_size;
 }
 
 // Some disks have no modes; there no file is marked either.
@@ -103,8 +144,8 @@ class SystemCalls : public FileCalls {
  public:
     FileHandle open(const std::string& path, Access access, FileStatus& status) override {
         // O_NONBLOCK: opening a pipe that bears a music file's name must not wait for a writer.
-        const int flags =
-            (access == Access::ReadWrite ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK;
+        const int flags = (access == Access::Read ? O_RDONLY : O_RDWR) | O_CLOEXEC | O_NONBLOCK |
+                          (access == Access::Own ? O_NOFOLLOW : 0);
         constexpr int mostTries = 4;
         for (int tries = 0; tries < mostTries; ++tries) {
             const int opened = ::open(path.c_str(), flags);
@@ -114,7 +155,8 @@ class SystemCalls : public FileCalls {
             if (isMine && ::fstat(opened, &found) == 0 && S_ISREG(found.st_mode)) {
                 // Without a name it was replaced before the lock was ours.
                 if (access == Access::Read || isNamed(found, path)) {
-                    return told(opened, found, status);
+                    status = statusOf(found);
+                    return opened;
                 }
             } else {
                 tries = mostTries;
@@ -126,7 +168,7 @@ class SystemCalls : public FileCalls {
 
     FileHandle create(const std::string& path) override {
         const int created =
-            ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, temporaryMode);
+            ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, temporaryMode);
         if (created < 0) return noFile;
         struct stat found {};
         // Another run may have taken it for a leftover before it was locked.
@@ -136,6 +178,20 @@ class SystemCalls : public FileCalls {
     }
 
     void close(FileHandle file) override { ::close(descriptor(file)); }
+
+    std::optional<FileStatus> status(const std::string& path) override {
+        struct stat found {};
+        if (::stat(path.c_str(), &found) != 0 || !S_ISREG(found.st_mode)) return std::nullopt;
+        return statusOf(found);
+    }
+
+    bool overwrites(FileHandle file) override {
+        constexpr std::uint64_t ext = 0xEF53, tmpfs = 0x01021994, xfs = 0x58465342;
+        struct statfs disk {};
+        if (::fstatfs(descriptor(file), &disk) != 0) return false;
+        const auto kind = static_cast<std::uint32_t>(disk.f_type);
+        return kind == ext || kind == tmpfs || (kind == xfs && !mayShareSpans(descriptor(file)));
+    }
 
     std::size_t read(FileHandle file, std::uint64_t offset, std::uint8_t* to,
                      std::size_t count) override {
@@ -154,14 +210,22 @@ class SystemCalls : public FileCalls {
 
     bool copy(FileHandle from, std::uint64_t fromOffset, FileHandle to, std::uint64_t toOffset,
               std::uint64_t count) override {
-        auto source = static_cast<off_t>(fromOffset);
-        auto target = static_cast<off_t>(toOffset);
-        const std::size_t done = repeat(count, [&](std::size_t at) {
-            return ::copy_file_range(descriptor(from), &source, descriptor(to), &target, count - at,
-                                     0);
-        });
-        return done == count ||
-               copyThroughMemory(from, fromOffset + done, to, toOffset + done, count - done);
+        if (!hasHoles(descriptor(from))) {
+            return copySpan(from, fromOffset, to, toOffset, count);
+        }
+        const std::uint64_t end = fromOffset + count;
+        for (std::uint64_t at = fromOffset; at < end;) {
+            const Span span = nextData(descriptor(from), at, end);
+            if (!copySpan(from, span.begin, to, toOffset + (span.begin - fromOffset),
+                          span.end - span.begin)) {
+                return false;
+            }
+            at = span.end;
+        }
+        struct stat target {};
+        if (::fstat(descriptor(to), &target) != 0) return false;
+        const std::uint64_t size = toOffset + count;
+        return static_cast<std::uint64_t>(target.st_size) >= size || truncate(to, size);
     }
 
     bool truncate(FileHandle file, std::uint64_t size) override {
@@ -195,20 +259,18 @@ class SystemCalls : public FileCalls {
     }
 
     // Both stay locked until the new file has the old one's name.
-    bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
-                 const std::string& path) override {
-        const bool done = ::rename(temporaryPath.c_str(), path.c_str()) == 0;
+    Replaced replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
+                     const std::string& path, const std::optional<FileStatus>& expected) override {
+        const Replaced done =
+            expected ? exchange(temporaryPath, path, *expected) : renameOver(temporaryPath, path);
+        if (done == Replaced::OtherFile) removeNamed(descriptor(temporary), temporaryPath);
         ::close(descriptor(temporary));
         if (original != noFile) ::close(descriptor(original));
         return done;
     }
 
     bool remove(FileHandle file, const std::string& path) override {
-        struct stat opened {};
-        struct stat named {};
-        const bool same = ::fstat(descriptor(file), &opened) == 0 &&
-                          ::lstat(path.c_str(), &named) == 0 && isSameFile(opened, named);
-        const bool done = same && ::unlink(path.c_str()) == 0;
+        const bool done = removeNamed(descriptor(file), path);
         ::close(descriptor(file));
         return done;
     }
@@ -233,6 +295,85 @@ class SystemCalls : public FileCalls {
     }
 
     bool clearReadOnly(const std::string& path) override { return tavlo::clearReadOnly(path); }
+
+    std::vector<std::string> names(const std::string& folder) override {
+        std::vector<std::string> names;
+        for (FolderEntry& entry : listFolder(folder)) {
+            if (!entry.isFolder) names.push_back(std::move(entry.name));
+        }
+        return names;
+    }
+
+    bool makeOwnFolder(const std::string& folder) override {
+        constexpr mode_t ownersAlone = S_IRWXU;
+        const std::string above = folder.substr(0, folder.rfind('/'));
+        if (!above.empty() && !createFolders(above)) return false;
+        return ::mkdir(folder.c_str(), ownersAlone) == 0 || errno == EEXIST;
+    }
+
+ private:
+    bool copySpan(FileHandle from, std::uint64_t fromOffset, FileHandle to, std::uint64_t toOffset,
+                  std::uint64_t count) {
+        // Only whole blocks can be shared.
+        constexpr std::uint64_t block = 4096;
+        const std::uint64_t first = std::min((block - fromOffset % block) % block, count);
+        const bool isAlike = fromOffset % block == toOffset % block;
+        const std::uint64_t before = isAlike ? first : 0;
+        const std::uint64_t done = copyInside(from, fromOffset, to, toOffset, before);
+        const std::uint64_t all = done < before ? done
+                                                : done + copyInside(from, fromOffset + done, to,
+                                                                    toOffset + done, count - done);
+        return all == count ||
+               copyThroughMemory(from, fromOffset + all, to, toOffset + all, count - all);
+    }
+
+    static std::uint64_t copyInside(FileHandle from, std::uint64_t fromOffset, FileHandle to,
+                                    std::uint64_t toOffset, std::uint64_t count) {
+        auto source = static_cast<off_t>(fromOffset);
+        auto target = static_cast<off_t>(toOffset);
+        return repeat(count, [&](std::size_t at) {
+            return ::copy_file_range(descriptor(from), &source, descriptor(to), &target, count - at,
+                                     0);
+        });
+    }
+
+    static bool removeNamed(int file, const std::string& path) {
+        struct stat opened {};
+        struct stat named {};
+        return ::fstat(file, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+               isSameFile(opened, named) && ::unlink(path.c_str()) == 0;
+    }
+
+    static Replaced renameOver(const std::string& from, const std::string& to) {
+        return ::rename(from.c_str(), to.c_str()) == 0 ? Replaced::Done : Replaced::Failed;
+    }
+
+    static bool isStill(const FileStatus& expected, const std::string& path) {
+        struct stat found {};
+        return ::lstat(path.c_str(), &found) == 0 && expected.isSameAs(statusOf(found));
+    }
+
+    // What comes out of the exchange is looked at afterwards, so that no moment is left in which
+    // another program's file could be lost.
+    static Replaced exchange(const std::string& temporaryPath, const std::string& path,
+                             const FileStatus& expected) {
+        if (!isStill(expected, path)) return Replaced::OtherFile;
+        const char* const from = temporaryPath.c_str();
+        const char* const to = path.c_str();
+        const auto swap = [&] {
+            return ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_EXCHANGE) == 0;
+        };
+        if (!swap()) {
+            const bool cannot = errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP;
+            return cannot ? renameOver(temporaryPath, path) : Replaced::Failed;
+        }
+        if (!isStill(expected, temporaryPath)) {
+            swap();
+            return Replaced::OtherFile;
+        }
+        ::unlink(from);
+        return Replaced::Done;
+    }
 };
 
 class UnflushedCalls final : public SystemCalls {

@@ -2,6 +2,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 #include <vector>
 
 #include "platform/FileCalls.h"
@@ -63,27 +65,42 @@ bool renameOpen(HANDLE file, const std::wstring& to) {
                                         static_cast<DWORD>(room.size() * 8)) != 0;
 }
 
+FileStatus statusOf(const BY_HANDLE_FILE_INFORMATION& info) {
+    const auto joined = [](DWORD high, DWORD low) {
+        return static_cast<std::uint64_t>(high) << 32U | low;
+    };
+    FileStatus status;
+    status.size = joined(info.nFileSizeHigh, info.nFileSizeLow);
+    status.modified =
+        halvedTicks(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime);
+    status.isReadOnly = (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+    status.isTemporary = (info.dwFileAttributes & FILE_ATTRIBUTE_TEMPORARY) != 0;
+    status.id = {info.dwVolumeSerialNumber, joined(info.nFileIndexHigh, info.nFileIndexLow)};
+    status.names = info.nNumberOfLinks;
+    return status;
+}
+
 class SystemCalls : public FileCalls {
  public:
     FileHandle open(const std::string& path, Access access, FileStatus& status) override {
-        const bool writes = access == Access::ReadWrite;
+        const bool writes = access != Access::Read;
+        const DWORD flags =
+            FILE_ATTRIBUTE_NORMAL | (access == Access::Own ? FILE_FLAG_OPEN_REPARSE_POINT : 0);
         const DWORD rights = writes ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ;
         const DWORD share =
             writes ? FILE_SHARE_READ : FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
         HANDLE opened = ::CreateFileW(widePath(path).c_str(), rights, share, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+                                      flags, nullptr);
         if (opened == INVALID_HANDLE_VALUE) return noFile;
         BY_HANDLE_FILE_INFORMATION info{};
-        if (::GetFileType(opened) != FILE_TYPE_DISK ||
-            !::GetFileInformationByHandle(opened, &info)) {
+        const bool isFile =
+            ::GetFileType(opened) == FILE_TYPE_DISK && ::GetFileInformationByHandle(opened, &info);
+        const bool isLink = (info.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+        if (!isFile || (access == Access::Own && isLink)) {
             ::CloseHandle(opened);
             return noFile;
         }
-        status.size = static_cast<std::uint64_t>(info.nFileSizeHigh) << 32U | info.nFileSizeLow;
-        status.modified =
-            halvedTicks(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime);
-        status.isReadOnly = (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
-        status.isTemporary = (info.dwFileAttributes & FILE_ATTRIBUTE_TEMPORARY) != 0;
+        status = statusOf(info);
         return reinterpret_cast<FileHandle>(opened);
     }
 
@@ -97,6 +114,31 @@ class SystemCalls : public FileCalls {
     }
 
     void close(FileHandle file) override { ::CloseHandle(native(file)); }
+
+    std::optional<FileStatus> status(const std::string& path) override {
+        HANDLE found = ::CreateFileW(widePath(path).c_str(), FILE_READ_ATTRIBUTES,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (found == INVALID_HANDLE_VALUE) return std::nullopt;
+        BY_HANDLE_FILE_INFORMATION info{};
+        const bool isFile =
+            ::GetFileType(found) == FILE_TYPE_DISK && ::GetFileInformationByHandle(found, &info);
+        ::CloseHandle(found);
+        return isFile ? std::optional(statusOf(info)) : std::nullopt;
+    }
+
+    bool overwrites(FileHandle file) override {
+        constexpr DWORD movedAtWriting =
+            FILE_ATTRIBUTE_COMPRESSED | FILE_ATTRIBUTE_SPARSE_FILE | FILE_ATTRIBUTE_REPARSE_POINT;
+        constexpr DWORD nameRoom = 32;
+        std::array<wchar_t, nameRoom> name{};
+        BY_HANDLE_FILE_INFORMATION info{};
+        return ::GetVolumeInformationByHandleW(native(file), nullptr, 0, nullptr, nullptr, nullptr,
+                                               name.data(), nameRoom) &&
+               std::wstring_view(name.data()) == L"NTFS" &&
+               ::GetFileInformationByHandle(native(file), &info) &&
+               (info.dwFileAttributes & movedAtWriting) == 0;
+    }
 
     std::size_t read(FileHandle file, std::uint64_t offset, std::uint8_t* to,
                      std::size_t count) override {
@@ -146,14 +188,24 @@ class SystemCalls : public FileCalls {
         return ::SetFileInformationByHandle(native(to), FileBasicInfo, &target, sizeof target) != 0;
     }
 
-    bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
-                 const std::string& path) override {
+    // While the original is open here nobody else can put another file in its place.
+    Replaced replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
+                     const std::string& path, const std::optional<FileStatus>& expected) override {
+        const auto found = expected ? status(path) : std::nullopt;
+        const bool isOther = expected && (!found || !expected->isSameAs(*found));
         if (original != noFile) ::CloseHandle(native(original));
+        if (isOther) {
+            ::CloseHandle(native(temporary));
+            ::DeleteFileW(widePath(temporaryPath).c_str());
+            return Replaced::OtherFile;
+        }
         const std::wstring to = widePath(path);
         const bool done = renameOpen(native(temporary), to);
         ::CloseHandle(native(temporary));
-        return done || ::MoveFileExW(widePath(temporaryPath).c_str(), to.c_str(),
-                                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+        const bool isReplaced =
+            done || ::MoveFileExW(widePath(temporaryPath).c_str(), to.c_str(),
+                                  MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+        return isReplaced ? Replaced::Done : Replaced::Failed;
     }
 
     // Nobody else can rename or remove it while it is open here without sharing.
@@ -178,6 +230,17 @@ class SystemCalls : public FileCalls {
     }
 
     bool clearReadOnly(const std::string& path) override { return tavlo::clearReadOnly(path); }
+
+    std::vector<std::string> names(const std::string& folder) override {
+        std::vector<std::string> names;
+        for (FolderEntry& entry : listFolder(folder)) {
+            if (!entry.isFolder) names.push_back(std::move(entry.name));
+        }
+        return names;
+    }
+
+    // The user's own folders are closed to others by the system.
+    bool makeOwnFolder(const std::string& folder) override { return createFolders(folder); }
 };
 
 class UnflushedCalls final : public SystemCalls {

@@ -37,7 +37,7 @@ bool replaceBy(const std::string& linkedPath, FileCalls& calls, const Fill& fill
                           file.complete(isThere ? old.handle() : noFile, std::nullopt);
     if (!complete) return false;
     if (isThere && old.isReadOnly()) calls.clearReadOnly(path);
-    return file.replace(path, isThere ? old.release() : noFile);
+    return file.replace(path, isThere ? old.release() : noFile) == Replaced::Done;
 }
 }  // namespace
 

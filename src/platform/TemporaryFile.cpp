@@ -44,7 +44,7 @@ bool TemporaryFile::create(const std::string& path) {
 
 bool TemporaryFile::removeLeftover(const std::string& path) {
     File found(calls_);
-    if (!found.open(path, Access::ReadWrite)) return false;
+    if (!found.open(path, Access::Own)) return false;
     if (!found.isTemporary() || !isLeftover_(found)) return false;
     return calls_.remove(found.release(), path);
 }
@@ -67,11 +67,13 @@ bool TemporaryFile::complete(FileHandle like, std::optional<std::int64_t> modifi
     return calls_.flush(handle_) && calls_.carryAttributes(like, handle_);
 }
 
-bool TemporaryFile::replace(const std::string& path, FileHandle original) {
+Replaced TemporaryFile::replace(const std::string& path, FileHandle original,
+                                const std::optional<FileStatus>& expected) {
     const FileHandle handle = handle_;
     handle_ = noFile;
-    exists_ = !calls_.replace(handle, path_, original, path);
-    return !exists_;
+    const Replaced done = calls_.replace(handle, path_, original, path, expected);
+    exists_ = done == Replaced::Failed;
+    return done;
 }
 
 bool TemporaryFile::holdsAllOf(File& source) {
@@ -99,7 +101,7 @@ void TemporaryFile::discard() {
         return;
     }
     File found(calls_);
-    if (found.open(path_, Access::ReadWrite) || found.open(path_, Access::Read)) {
+    if (found.open(path_, Access::Own) || found.open(path_, Access::Read)) {
         calls_.remove(found.release(), path_);
     }
 }

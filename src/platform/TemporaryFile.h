@@ -35,8 +35,10 @@ class TemporaryFile {
     /// `noFile`. The mark goes with that, so it is the last thing before the file takes its place.
     bool complete(FileHandle like, std::optional<std::int64_t> modified);
 
-    /// Takes the place of another file in one step; `original` may be `noFile` and is closed.
-    bool replace(const std::string& path, FileHandle original);
+    /// Takes the place of another file in one step; `original` may be `noFile` and is closed. With
+    /// `expected` no other file than that gives way.
+    Replaced replace(const std::string& path, FileHandle original,
+                     const std::optional<FileStatus>& expected = {});
 
     /// Whether its bytes, read back, are those of `source`. Nothing can be appended any more.
     bool holdsAllOf(File& source);

@@ -79,7 +79,9 @@ enum class Refusal : std::uint8_t {
     Damaged,     ///< the tag could not be taken apart, so it cannot be put together again
     TooLarge,    ///< for an ID3v2 tag's 28-bit size
     NotCreated,  ///< the temporary file beside it
-    NotWritten   ///< the disk took no more; the file is as it was
+    NotWritten,  ///< the disk took no more; the file is as it was
+    Replaced,    ///< another program changed it meanwhile; that one's file stays
+    Torn         ///< the disk gave up half way; the next start puts the old bytes back
 };
 
 /// The fields that a person or a job can edit.

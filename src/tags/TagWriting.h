@@ -5,6 +5,7 @@
 #include "core/Settings.h"
 #include "platform/CodePage.h"
 #include "platform/FileCalls.h"
+#include "tags/RewriteWays.h"
 
 namespace tavlo {
 
@@ -26,6 +27,7 @@ struct WriteContext {
     Progress& progress;  ///< lets messages run while a file is waited for
     FileCalls& calls = systemCalls();
     bool dryRun = false;  ///< only find out what would be done
+    RewriteWays ways = {};
 };
 
 }  // namespace tavlo

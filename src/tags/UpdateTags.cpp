@@ -238,6 +238,10 @@ Refusal refusalOf(Rewrite result) {
             return Refusal::NotCreated;
         case Rewrite::NotWritten:
             return Refusal::NotWritten;
+        case Rewrite::Replaced:
+            return Refusal::Replaced;
+        case Rewrite::Torn:
+            return Refusal::Torn;
         default:
             return Refusal::None;
     }
@@ -274,7 +278,8 @@ bool removeFrom(const ID3tag& record, const WriteContext& context, Plan plan) {
     NewEnds ends;
     ends.tailBegin = file.size();
     plan(file, ends);
-    const Rewrite result = rewriteEnds(file, record.Path, ends, context.settings.keepTime);
+    const Rewrite result =
+        rewriteEnds(file, record.Path, ends, context.settings.keepTime, context.ways);
     return refusalOf(result) == Refusal::None;
 }
 }  // namespace
@@ -294,14 +299,16 @@ std::optional<Text> refusalText(Refusal refusal) {
         Refusal refusal;
         Text text;
     };
-    constexpr std::array<Row, 8> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
-                                       {Refusal::NotOpened, Text::FileNotOpenedForWriting},
-                                       {Refusal::NotRead, Text::FileNotRead},
-                                       {Refusal::NoID3v2Tag, Text::TagNotMade},
-                                       {Refusal::Damaged, Text::TagDamaged},
-                                       {Refusal::TooLarge, Text::TagTooLarge},
-                                       {Refusal::NotCreated, Text::FolderNotWritable},
-                                       {Refusal::NotWritten, Text::FileNotWritten}}};
+    constexpr std::array<Row, 10> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
+                                        {Refusal::NotOpened, Text::FileNotOpenedForWriting},
+                                        {Refusal::NotRead, Text::FileNotRead},
+                                        {Refusal::NoID3v2Tag, Text::TagNotMade},
+                                        {Refusal::Damaged, Text::TagDamaged},
+                                        {Refusal::TooLarge, Text::TagTooLarge},
+                                        {Refusal::NotCreated, Text::FolderNotWritable},
+                                        {Refusal::NotWritten, Text::FileNotWritten},
+                                        {Refusal::Replaced, Text::FileChangedMeanwhile},
+                                        {Refusal::Torn, Text::FileTorn}}};
     const auto* row =
         std::find_if(rows.begin(), rows.end(), [&](const Row& r) { return r.refusal == refusal; });
     return row == rows.end() ? std::nullopt : std::optional(row->text);
@@ -343,7 +350,8 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     if (context.dryRun) {
         return wouldChange(file, plan.ends()) ? TagUpdate::Written : TagUpdate::Unchanged;
     }
-    const Rewrite result = rewriteEnds(file, path, plan.ends(), context.settings.keepTime);
+    const Rewrite result =
+        rewriteEnds(file, path, plan.ends(), context.settings.keepTime, context.ways);
     const Refusal failed = refusalOf(result);
     if (failed != Refusal::None) return refuse(record, failed, context);
     plan.noteTags(record);

@@ -9,6 +9,7 @@
 #include "core/PathText.h"
 #include "desk/StreamFacts.h"
 #include "platform/PlainText.h"
+#include "platform/Rescue.h"
 #include "ui/WindowScreens.h"
 #include "ui/WxText.h"
 
@@ -324,7 +325,13 @@ void FileInfoDialog::carry(std::size_t layer) {
     {
         const wxBusyCursor busy;
         result = carryOver(info_.record, info_.layers, layer,
-                           {ansi_, tagSettings(services_.settings), errors, progress});
+                           {ansi_,
+                            tagSettings(services_.settings),
+                            errors,
+                            progress,
+                            systemCalls(),
+                            false,
+                            {rescueFolder()}});
     }
     const Text good = result == TagUpdate::Unchanged ? Text::InfoNothingToCarry : Text::InfoCarried;
     read();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "platform/FileCalls.h"
@@ -16,6 +17,7 @@ class StruckCalls final : public FileCalls {
     std::size_t failingReplace = 0, replaced = 0;
     std::size_t deathAt = 0;  ///< of the calls that change something; 0 = never
     std::size_t moves = 0, changes = 0;
+    std::function<void()> beforeReplace = {};
 
     FileHandle open(const std::string& path, Access access, FileStatus& status) override {
         return calls_.open(path, access, status);
@@ -24,6 +26,10 @@ class StruckCalls final : public FileCalls {
         return lives() ? calls_.create(path) : noFile;
     }
     void close(FileHandle file) override { calls_.close(file); }
+    std::optional<FileStatus> status(const std::string& path) override {
+        return calls_.status(path);
+    }
+    bool overwrites(FileHandle file) override { return calls_.overwrites(file); }
     std::size_t read(FileHandle file, std::uint64_t offset, std::uint8_t* to,
                      std::size_t count) override {
         return calls_.read(file, offset, to, count);
@@ -45,14 +51,15 @@ class StruckCalls final : public FileCalls {
     bool carryAttributes(FileHandle from, FileHandle to) override {
         return lives() && calls_.carryAttributes(from, to);
     }
-    bool replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
-                 const std::string& path) override {
+    Replaced replace(FileHandle temporary, const std::string& temporaryPath, FileHandle original,
+                     const std::string& path, const std::optional<FileStatus>& expected) override {
+        if (beforeReplace) beforeReplace();
         if (++replaced != failingReplace && lives()) {
-            return calls_.replace(temporary, temporaryPath, original, path);
+            return calls_.replace(temporary, temporaryPath, original, path, expected);
         }
         close(temporary);
         if (original != noFile) close(original);
-        return false;
+        return Replaced::Failed;
     }
     bool remove(FileHandle file, const std::string& path) override {
         if (lives()) return calls_.remove(file, path);
@@ -66,6 +73,12 @@ class StruckCalls final : public FileCalls {
     }
     bool clearReadOnly(const std::string& path) override {
         return lives() && calls_.clearReadOnly(path);
+    }
+    std::vector<std::string> names(const std::string& folder) override {
+        return calls_.names(folder);
+    }
+    bool makeOwnFolder(const std::string& folder) override {
+        return lives() && calls_.makeOwnFolder(folder);
     }
 
  private:

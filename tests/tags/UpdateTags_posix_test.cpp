@@ -3,7 +3,10 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <functional>
+
 #include "support/MemoryFile.h"
+#include "support/StruckCalls.h"
 #include "support/TagBytes.h"
 #include "support/TempFolder.h"
 
@@ -87,6 +90,53 @@ TEST_F(UpdateTagsOnDisk, FolderThatTakesNoFileIsReported) {
     EXPECT_EQ(record.Refused, Refusal::NotCreated);
     EXPECT_EQ(sink.text, texts.get(Text::FileNotCreated, path + ".tmp") + "\n");
     EXPECT_TRUE(folder.read("closed/a.mp3") == sound);
+}
+
+// A link or a strange file at the temporary's name, even one with its mark, is nobody's leftover.
+TEST_F(UpdateTagsOnDisk, LinkAtTheTemporarysNameIsNotFollowed) {
+    const std::string path = folder.write("a.mp3", sound);
+    const std::string far = folder.write("far", sound);
+    ASSERT_EQ(::chmod(far.c_str(), 01600), 0);
+    ASSERT_EQ(::symlink("far", folder.path("a.mp3.tmp").c_str()), 0);
+    EXPECT_EQ(grow(path), TagUpdate::Written) << sink.text;
+    expectGrown(path);
+    EXPECT_TRUE(folder.read("far") == sound);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("a.mp3.tmp")));
+}
+
+TEST_F(UpdateTagsOnDisk, HolesStayHoles) {
+    constexpr off_t hole = 64 << 20;
+    const std::string path = folder.write("a.mp3", sound);
+    ASSERT_EQ(::truncate(path.c_str(), hole), 0);
+    struct stat before {};
+    ASSERT_EQ(::stat(path.c_str(), &before), 0);
+    if (before.st_blocks * 512 > hole / 2) GTEST_SKIP() << "this disk has no holes";
+    EXPECT_EQ(grow(path), TagUpdate::Written) << sink.text;
+    expectGrown(path);
+    struct stat after {};
+    ASSERT_EQ(::stat(path.c_str(), &after), 0);
+    EXPECT_GT(after.st_size, hole);
+    EXPECT_LT(after.st_blocks * 512, 1 << 20);
+}
+
+// What another program puts in the song's place in the very last moment is not lost.
+TEST_F(UpdateTagsOnDisk, OtherProgramsFileIsNotReplaced) {
+    const std::string path = folder.path("a.mp3");
+    const std::vector<std::function<void()>> others{
+        [&] { std::filesystem::rename(folder.write("theirs", "theirs"), path); },
+        [&] { folder.write("a.mp3", "theirs"); },
+    };
+    for (const auto& other : others) {
+        folder.write("a.mp3", sound);
+        StruckCalls calls;
+        calls.beforeReplace = other;
+        record = ReadAudioFile(path, {ansi});
+        record.SetArtist(std::string(5000, 'a'));
+        EXPECT_EQ(UpdateTags(record, {ansi, {}, errors, progress, calls}), TagUpdate::Refused);
+        EXPECT_EQ(record.Refused, Refusal::Replaced);
+        EXPECT_EQ(folder.read("a.mp3"), "theirs");
+        EXPECT_EQ(systemCalls().names(folder.path()), std::vector<std::string>{"a.mp3"});
+    }
 }
 
 TEST_F(UpdateTagsOnDisk, SomebodyElsesFilesStay) {
