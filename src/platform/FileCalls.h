@@ -84,6 +84,8 @@ class FileCalls {
     virtual Moved move(const std::string& from, const std::string& to) = 0;
     /// Makes a file writable for its owner; other attributes stay. False when it could not be done.
     virtual bool clearReadOnly(const std::string& path) = 0;
+    /// Whether a path is itself a link, wherever that leads.
+    virtual bool isLink(const std::string& path);
 
  protected:
     bool copyThroughMemory(FileHandle from, std::uint64_t fromOffset, FileHandle to,

@@ -44,7 +44,7 @@ bool TemporaryFile::create(const std::string& path) {
 
 bool TemporaryFile::removeLeftover(const std::string& path) {
     File found(calls_);
-    if (!found.open(path, Access::ReadWrite)) return false;
+    if (calls_.isLink(path) || !found.open(path, Access::ReadWrite)) return false;
     if (!found.isTemporary() || !isLeftover_(found)) return false;
     return calls_.remove(found.release(), path);
 }

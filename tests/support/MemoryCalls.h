@@ -29,6 +29,7 @@ class MemoryCalls final : public FileCalls {
         bool isReadOnly = false;
         bool isFlushed = true;
         bool isTemporary = false;
+        bool isLink = false;
     };
 
     /// Counts anew; `fault` strikes the `at`th call.
@@ -127,6 +128,10 @@ class MemoryCalls final : public FileCalls {
         if (!happens() || !files_.contains(path)) return false;
         files_[path]->isReadOnly = false;
         return true;
+    }
+
+    bool isLink(const std::string& path) override {
+        return files_.contains(path) && files_[path]->isLink;
     }
 
  private:
