@@ -86,6 +86,9 @@ int makePlaylists(Services& services) {
         for (const std::string& unread : list->unread) {
             services.errors.report(Text::FolderNotRead, unread);
         }
+        for (const std::string& unread : list->unreadFiles) {
+            services.errors.report(Text::FileNotRead, unread);
+        }
         if (!services.output.write(makeList(services, *list))) {
             services.errors.report(Text::OutputNotWritten);
         }

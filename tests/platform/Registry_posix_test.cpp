@@ -24,6 +24,7 @@ TEST(RegistryPosix, NobodyElsesLinkChoosesWhatIsWritten) {
     EXPECT_TRUE(stores(folder.path("own")));
     EXPECT_TRUE(fs::is_symlink(folder.path("own")));
     for (const char* beside : {"settings.tmp", "settings.lock"}) {
+        fs::remove(folder.path(beside));
         fs::create_symlink("victim", folder.path(beside));
         stores(folder.path("settings"));
         EXPECT_EQ(folder.read("victim"), "mine") << beside;
