@@ -231,10 +231,13 @@ bool BatchBack::addOwnList(const JournalList& list, const CodePage& ansi,
                            std::vector<ListChange>& changes) const {
     auto now = readFile(list.path, largestPlaylist);
     if (!now) return true;
-    std::string wanted = followed(list.before, list.path, namesKept(), ansi);
-    if (*now == wanted) return true;
     if (!hasOnlyFollowed(*now, list.before, list.path, forward(true), ansi)) return false;
-    changes.push_back({list.path, std::move(*now), std::move(wanted)});
+    // Beside the old bytes there is room for one more copy only: those of now or of then.
+    const std::pair nowIs(now->size(), std::hash<std::string>()(*now));
+    now.reset();
+    std::string wanted = followed(list.before, list.path, namesKept(), ansi);
+    if (nowIs == std::pair(wanted.size(), std::hash<std::string>()(wanted))) return true;
+    changes.push_back({list.path, {}, std::move(wanted)});
     return true;
 }
 

@@ -144,7 +144,8 @@ HeldRows rowsThatListsHold(std::vector<std::string> lists, const RenamePlan& pla
 std::string followed(std::string_view before, std::string_view path, const RenamePlan& done,
                      const CodePage& ansi) {
     RowsByPath rows(done, isMoved);
-    return applied(before, path, done, rows, ansi).value_or(std::string(before));
+    auto after = applied(before, path, done, rows, ansi);
+    return after ? std::move(*after) : std::string(before);
 }
 
 bool hasOnlyFollowed(std::string_view now, std::string_view before, std::string_view path,
