@@ -1,8 +1,7 @@
-#include "convert/WorkFolder.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "convert/WorkFolder.h"
 #include "platform/FileSystem.h"
 #include "support/TempFolder.h"
 
