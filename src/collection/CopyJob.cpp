@@ -77,7 +77,9 @@ void copyOne(CopyStep& step) {
     }
     const Transfer result = copyFile(step.from, step.to);
     step.isCopied = result == Transfer::Done;
-    if (result == Transfer::NotRead) return step.fail(Text::FileNotRead, step.from);
+    if (result == Transfer::NotRead) {
+        return step.fail(isInUse(step.from) ? Text::FileInUse : Text::FileNotRead, step.from);
+    }
     if (!step.isCopied) step.fail(Text::FileNotCreated, step.to);
 }
 
@@ -140,16 +142,13 @@ bool gatherEntries(Services& services, const std::string& list, cFilesCollection
         services.errors.report(Text::NotAPlaylist, list);
         return false;
     }
-    const auto entries = readPlaylistEntries(list, ansi);
-    if (!entries) {
+    const auto tellOther = [&](const std::string& path) {
+        services.errors.report(Text::NoAudioFile, path);
+    };
+    if (!files.FillFromPlaylist(list, FileType::Audio, ansi, tellOther)) {
         services.errors.report(Text::FileNotRead, list);
         return false;
     }
-    for (const PlaylistEntry& entry : *entries) {
-        const bool isAudio = (GetFileType(entry.path) & FileType::Audio) != 0;
-        if (!isAudio) services.errors.report(Text::NoAudioFile, entry.path);
-    }
-    files.AddEntries(*entries, FileType::Audio);
     files.BaseFolder = folderOf(list, nativePathStyle());
     return true;
 }

@@ -3,6 +3,7 @@
 #include "collection/Playlist.h"
 #include "collection/cFilesCollection.h"
 #include "core/WildcardMask.h"
+#include "platform/File.h"
 #include "platform/FileTransfer.h"
 #include "tags/AudioFile.h"
 
@@ -17,6 +18,12 @@ std::string onOneLine(std::string text) {
         if (c == '\r' || c == '\n') c = ' ';
     }
     return text;
+}
+
+// A type that is not read gives an empty record without being opened.
+bool isReadable(const ID3tag& record, const std::string& path) {
+    File file;
+    return !record.Path.empty() || file.open(path, Access::Read);
 }
 
 // "#EXTINF:245,Artist - Title"; nothing for a file that cannot be read.
@@ -70,7 +77,12 @@ std::optional<FolderPlaylist> folderPlaylist(const PlaylistWish& wish, const Cod
     lines.add("#EXTM3U");
     for (std::size_t i = 1; i <= files.FilesCount() && !cancel.load(); ++i) {
         const std::string path = files.GetFile(i);
-        const auto info = infoLine(ReadAudioFile(path, {ansi}), files.GetFileBaseName(i));
+        const ID3tag record = ReadAudioFile(path, {ansi});
+        if (!isReadable(record, path)) {
+            list.unreadFiles.push_back(path);
+            continue;
+        }
+        const auto info = infoLine(record, files.GetFileBaseName(i));
         if (info) lines.add(*info);
         const std::string entry =
             plainEntry(wish.absolutePaths ? path : files.GetFileSubPath(i), nativePathStyle());

@@ -23,9 +23,10 @@ struct PlaylistWish {
 /// An extended M3U list of a folder's audio files, hidden ones included, in their order.
 struct FolderPlaylist {
     std::string path;
-    std::string bytes;                ///< in the code page
-    std::string utf8;                 ///< the same in UTF-8
-    std::vector<std::string> unread;  ///< folders that could not be read
+    std::string bytes;                     ///< in the code page
+    std::string utf8;                      ///< the same in UTF-8
+    std::vector<std::string> unread;       ///< folders that could not be read
+    std::vector<std::string> unreadFiles;  ///< left out: no file, or one that cannot be opened
     std::size_t files = 0;
     std::size_t notHeld = 0;  ///< entries that the list in the code page cannot hold
 };

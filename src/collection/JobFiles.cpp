@@ -24,7 +24,10 @@ bool gatherPath(Services& services, const JobFiles& wanted, const std::string& p
         return files.FillFromFolder(path, wanted.types, services.options.subfolders, false, false);
     }
     if (isPlaylist(path)) {
-        return files.FillFromPlaylist(path, wanted.types, CodePage(services.ansiCodePage));
+        const CodePage ansi(services.ansiCodePage);
+        if (files.FillFromPlaylist(path, wanted.types, ansi)) return true;
+        services.errors.report(Text::FileNotRead, path);
+        return false;
     }
     if ((GetFileType(path) & wanted.types) != 0) {
         files.AddFile(path);

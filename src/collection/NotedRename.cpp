@@ -5,6 +5,7 @@
 #include <set>
 #include <unordered_set>
 
+#include "collection/JournalBelief.h"
 #include "collection/Playlist.h"
 #include "core/Numbers.h"
 #include "platform/File.h"
@@ -47,7 +48,11 @@ std::vector<std::string> newFolders(const RenamePlan& plan) {
 
 bool isFileOf(const JournalRow& row, const std::string& path) {
     const auto info = fileInfo(path);
-    return info && info->size == row.size && info->modified == row.modified;
+    if (!info || info->size != row.size || info->modified != row.modified) return false;
+    if (isLink(path)) return false;
+    // A copy on another disk has a number of its own, and a disk may be known by another one later.
+    const auto id = row.id ? lastingFileId(path) : std::nullopt;
+    return !id || id->volume != row.id->volume || id == row.id;
 }
 
 template <typename Counts>
@@ -57,6 +62,10 @@ std::vector<JournalRow> rowsOf(const RenamePlan& plan, Counts counts) {
         if (counts(step)) rows.push_back({step.size, step.modified, step.from, step.to});
     }
     return rows;
+}
+
+void noteIds(std::vector<JournalRow>& rows, std::string JournalRow::*place) {
+    for (JournalRow& row : rows) row.id = lastingFileId(row.*place);
 }
 
 // What cannot be brought to its end is taken back at once.
@@ -82,15 +91,20 @@ void performNoted(cFilesRename& renamer, RenameJournal& journal, RenamePlan& pla
     if (batch.rows.empty()) return;
     batch.newFolders = newFolders(plan);
     batch.roots = roots;
+    batch.within = BatchBounds(batch).widenTo(batch.rows);
+    noteIds(batch.rows, &JournalRow::from);
     if (!journal.begin(timeText(), batch)) {
         context.errors.report(Text::JournalNotWritten, journal.folder());
         return;
     }
-    const std::vector<ListChange> changes = renamer.moveAndFollow(plan, std::move(lists));
+    std::vector<ListChange> changes = renamer.moveAndFollow(plan, std::move(lists));
     std::vector<JournalRow> moved = rowsOf(plan, [](const RenameStep& s) { return s.isMoved; });
+    noteIds(moved, &JournalRow::to);
     const bool same = moved == batch.rows;
     batch.rows = std::move(moved);
-    for (const ListChange& change : changes) batch.lists.push_back({change.path, change.before});
+    for (ListChange& change : changes) {
+        batch.lists.push_back({change.path, std::move(change.before)});
+    }
     batch.isMoved = true;
     if (journal.endMoves(timeText(), batch, same) &&
         writeLists(changes, context.errors, context.calls)) {
@@ -217,10 +231,13 @@ bool BatchBack::addOwnList(const JournalList& list, const CodePage& ansi,
                            std::vector<ListChange>& changes) const {
     auto now = readFile(list.path, largestPlaylist);
     if (!now) return true;
-    std::string wanted = followed(list.before, list.path, namesKept(), ansi);
-    if (*now == wanted) return true;
     if (!hasOnlyFollowed(*now, list.before, list.path, forward(true), ansi)) return false;
-    changes.push_back({list.path, std::move(*now), std::move(wanted)});
+    // Beside the old bytes there is room for one more copy only: those of now or of then.
+    const std::pair nowIs(now->size(), std::hash<std::string>()(*now));
+    now.reset();
+    std::string wanted = followed(list.before, list.path, namesKept(), ansi);
+    if (nowIs == std::pair(wanted.size(), std::hash<std::string>()(wanted))) return true;
+    changes.push_back({list.path, {}, std::move(wanted)});
     return true;
 }
 

@@ -56,7 +56,7 @@ std::string withoutSteps(const std::string& path, PathStyle style) {
 
 bool isEntry(std::string_view line) {
     const bool isAddress = line.find("://") != std::string_view::npos;
-    return !trimBlanks(line).empty() && line[0] != '#' && !isAddress;
+    return !trimBlanks(line).empty() && line[0] != '#' && !isAddress && line.size() <= longestEntry;
 }
 
 bool isAbsoluteEntry(std::string_view entry, PathStyle style) {
@@ -127,76 +127,95 @@ std::string resolveEntry(std::string_view entry, std::string_view folder, PathSt
     return withoutSteps(joinPath(folder, native, style), style);
 }
 
-namespace {
-// `take` gets each line in UTF-8, and whether it is an entry.
-template <typename Take>
-void eachLine(std::string_view bytes, const PlaylistPlace& place, const CodePage& ansi, Take take) {
-    bool isUtf8 = place.isUtf8;
-    bytes = withoutMark(bytes, isUtf8);
-    while (!bytes.empty()) {
-        const std::string_view line = takeLine(bytes);
-        take(isUtf8 ? std::string(line) : ansi.toUtf8(line), isEntry(line));
-    }
+PlaylistLines::PlaylistLines(std::string_view bytes, const PlaylistPlace& place,
+                             const CodePage& ansi)
+    : place_(place), ansi_(ansi), isUtf8_(place.isUtf8), rest_(withoutMark(bytes, isUtf8_)) {
+    mark_ = bytes.substr(0, bytes.size() - rest_.size());
 }
-}  // namespace
+
+bool PlaylistLines::next() {
+    if (rest_.empty()) return false;
+    const std::string_view before = rest_;
+    bytes = takeLine(rest_);
+    end = before.substr(bytes.size(), before.size() - rest_.size() - bytes.size());
+    text = isUtf8_ ? std::string(bytes) : ansi_.toUtf8(bytes);
+    isEntry = tavlo::isEntry(bytes);
+    isAbsolute = isEntry && isAbsoluteEntry(text, place_.style);
+    return true;
+}
+
+std::string PlaylistLines::path() const {
+    return resolveEntry(text, place_.folder, place_.style);
+}
 
 PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& place,
                                 const CodePage& ansi) {
     PlaylistEntries entries;
-    eachLine(bytes, place, ansi, [&](const std::string& line, bool isEntry) {
-        if (!isEntry) return;
-        entries.push_back(
-            {resolveEntry(line, place.folder, place.style), isAbsoluteEntry(line, place.style)});
-    });
+    for (PlaylistLines lines(bytes, place, ansi); lines.next();) {
+        if (lines.isEntry) entries.push_back({lines.path(), lines.isAbsolute});
+    }
     return entries;
 }
 
-std::vector<std::string> playlistLines(std::string_view bytes, const PlaylistPlace& place,
-                                       const CodePage& ansi) {
-    std::vector<std::string> lines;
-    eachLine(bytes, place, ansi, [&](std::string line, bool isEntry) {
-        lines.push_back(isEntry ? resolveEntry(line, place.folder, place.style) : std::move(line));
-    });
-    return lines;
+bool eachEntryOf(const std::string& path, const CodePage& ansi, const TakeEntry& take,
+                 const std::atomic<bool>* cancel) {
+    const auto bytes = readFile(path, largestPlaylist, cancel);
+    if (!bytes) return false;
+    for (PlaylistLines lines(*bytes, playlistPlace(path), ansi); lines.next();) {
+        if (cancel != nullptr && cancel->load(std::memory_order_relaxed)) break;
+        if (lines.isEntry && !take({lines.path(), lines.isAbsolute})) break;
+    }
+    return true;
 }
 
-std::optional<PlaylistEntries> readPlaylistEntries(const std::string& path, const CodePage& ansi) {
-    const auto bytes = readFile(path, largestPlaylist);
-    if (!bytes) return std::nullopt;
-    return playlistEntries(*bytes, playlistPlace(path), ansi);
+namespace {
+bool namesAny(std::string_view bytes, const PlaylistPlace& place, const CodePage& ansi,
+              const NewPathOf& newPath) {
+    for (PlaylistLines lines(bytes, place, ansi); lines.next();) {
+        if (lines.isEntry && !newPath(lines.path()).empty()) return true;
+    }
+    return false;
 }
 
+// In the list's own encoding, or in UTF-8; nothing where that cannot hold a name.
+std::optional<std::string> rewritten(std::string_view bytes, const PlaylistPlace& place,
+                                     const CodePage& ansi, const NewPathOf& newPath, bool inUtf8) {
+    PlaylistLines lines(bytes, place, ansi);
+    const bool isSame = lines.isUtf8() || !inUtf8;
+    std::string out(lines.isUtf8() ? lines.mark() : std::string_view());
+    out.reserve(bytes.size() + bytes.size() / 16);
+    while (lines.next()) {
+        const std::string path = lines.isEntry ? newPath(lines.path()) : std::string();
+        if (path.empty()) {
+            out.append(isSame ? lines.bytes : lines.text).append(lines.end);
+            continue;
+        }
+        std::string entry = newEntry(lines.text, path, place.folder, place.style);
+        if (!inUtf8) {
+            CodePage::Encoded encoded = ansi.fromUtf8(entry);
+            if (encoded.lossy) return std::nullopt;
+            entry = std::move(encoded.bytes);
+        }
+        out.append(entry).append(lines.end);
+    }
+    return out;
+}
+}  // namespace
+
+// Most lists name nothing that changes: they are gone through without a copy. Only one copy is held
+// at a time.
 std::optional<std::string> rewrittenPlaylist(std::string_view bytes, const PlaylistPlace& place,
                                              const CodePage& ansi, const NewPathOf& newPath) {
-    bool isUtf8 = place.isUtf8;
-    const std::string_view text = withoutMark(bytes, isUtf8);
-    const std::string_view mark = bytes.substr(0, bytes.size() - text.size());
-    std::string own;   // the list in its own encoding
-    std::string wide;  // and in UTF-8
-    bool changes = false;
-    bool fits = true;
-    for (std::string_view rest = text; !rest.empty();) {
-        const std::string_view before = rest;
-        const std::string_view line = takeLine(rest);
-        const std::string_view end =
-            before.substr(line.size(), before.size() - rest.size() - line.size());
-        std::string shown = isUtf8 ? std::string(line) : ansi.toUtf8(line);
-        const std::string path =
-            isEntry(line) ? newPath(resolveEntry(shown, place.folder, place.style)) : std::string();
-        if (path.empty()) {
-            own.append(line).append(end);
-        } else {
-            shown = newEntry(shown, path, place.folder, place.style);
-            const CodePage::Encoded encoded = ansi.fromUtf8(shown);
-            fits = fits && !encoded.lossy;
-            own.append(isUtf8 ? shown : encoded.bytes).append(end);
-            changes = true;
-        }
-        wide.append(shown).append(end);
+    if (!namesAny(bytes, place, ansi, newPath)) return std::nullopt;
+    if (PlaylistLines(bytes, place, ansi).isUtf8()) {
+        return rewritten(bytes, place, ansi, newPath, true);
     }
-    if (!changes) return std::nullopt;
-    if (isUtf8 || (fits && !looksLikeUtf8(own))) return std::string(mark) + own;
-    return withMark(wide);
+    auto own = rewritten(bytes, place, ansi, newPath, false);
+    if (own && !looksLikeUtf8(*own)) return own;
+    own.reset();
+    auto wide = rewritten(bytes, place, ansi, newPath, true);
+    wide->insert(0, utf8Mark);
+    return wide;
 }
 
 }  // namespace tavlo

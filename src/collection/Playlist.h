@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -13,6 +14,7 @@
 namespace tavlo {
 
 inline constexpr std::uint64_t largestPlaylist = 64U << 20U;  ///< bytes; a larger one is not read
+inline constexpr std::size_t longestEntry = 128U << 10U;      ///< bytes; no system has longer paths
 
 /// What the entries of a list mean beyond their bytes.
 struct PlaylistPlace {
@@ -39,11 +41,37 @@ std::string plainEntry(const std::string& entry, PathStyle style);
 /// one are none of it.
 PlaylistEntries playlistEntries(std::string_view bytes, const PlaylistPlace& place,
                                 const CodePage& ansi);
-/// All its lines in UTF-8 without their ends, with the full paths of entries.
-std::vector<std::string> playlistLines(std::string_view bytes, const PlaylistPlace& place,
-                                       const CodePage& ansi);
-/// Of a list on the disk; nothing when it cannot be read.
-std::optional<PlaylistEntries> readPlaylistEntries(const std::string& path, const CodePage& ansi);
+/// Gives each entry of a list on the disk to `take`, until that answers false. False when the list
+/// cannot be read. Nothing but the list's own bytes is held meanwhile.
+using TakeEntry = std::function<bool(PlaylistEntry entry)>;
+bool eachEntryOf(const std::string& path, const CodePage& ansi, const TakeEntry& take,
+                 const std::atomic<bool>* cancel = nullptr);
+
+/// The lines of a list, one after the other.
+class PlaylistLines {
+ public:
+    PlaylistLines(std::string_view bytes, const PlaylistPlace& place, const CodePage& ansi);
+
+    /// Goes to the next line, the first to begin with; false behind the last one.
+    bool next();
+    /// The line as it stands in the list, and its end.
+    std::string_view bytes, end;
+    std::string text;         ///< in UTF-8
+    bool isEntry = false;     ///< it names a file
+    bool isAbsolute = false;  ///< by its full path
+    /// The full path of an entry.
+    [[nodiscard]] std::string path() const;
+
+    /// Whether the list is UTF-8, and the mark in front of it that says so.
+    [[nodiscard]] bool isUtf8() const { return isUtf8_; }
+    [[nodiscard]] std::string_view mark() const { return mark_; }
+
+ private:
+    const PlaylistPlace place_;
+    const CodePage& ansi_;
+    bool isUtf8_;
+    std::string_view mark_, rest_;
+};
 
 /// Whether text of a code page would be taken for UTF-8.
 bool looksLikeUtf8(std::string_view bytes);

@@ -107,16 +107,19 @@ void eraseLists(std::vector<std::string>& lists, std::span<const std::string> ot
     std::erase_if(lists, [&](const std::string& list) { return out.contains(keys.of(list)); });
 }
 
-std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi) {
+std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi,
+                                         const CancelFlag* cancel) {
     std::vector<std::string> paths;
     PathKeys keys;
     std::set<std::string> seen;
     for (const std::string& list : lists) {
-        for (PlaylistEntry& entry : readPlaylistEntries(list, ansi).value_or(PlaylistEntries())) {
+        const auto take = [&](PlaylistEntry entry) {
             const bool isAudio = (GetFileType(entry.path) & FileType::Audio) != 0;
-            if (entry.isAbsolute || !isAudio || !fileInfo(entry.path)) continue;
+            if (entry.isAbsolute || !isAudio || !fileInfo(entry.path)) return true;
             if (seen.insert(keys.of(entry.path)).second) paths.push_back(std::move(entry.path));
-        }
+            return true;
+        };
+        eachEntryOf(list, ansi, take, cancel);
     }
     return paths;
 }
@@ -129,11 +132,11 @@ HeldRows rowsThatListsHold(std::vector<std::string> lists, const RenamePlan& pla
     if (lists.empty()) return held;
     RowsByPath rows(plan, [](const RenameStep& step) { return step.moves(); });
     for (const std::string& list : lists) {
-        const auto entries = readPlaylistEntries(list, ansi);
-        if (!entries) held.unread.push_back(list);
-        for (const PlaylistEntry& entry : entries.value_or(PlaylistEntries())) {
+        const auto take = [&](const PlaylistEntry& entry) {
             if (const auto row = rows.find(entry.path)) held.rows.push_back(*row);
-        }
+            return true;
+        };
+        if (!eachEntryOf(list, ansi, take)) held.unread.push_back(list);
     }
     return held;
 }
@@ -141,20 +144,25 @@ HeldRows rowsThatListsHold(std::vector<std::string> lists, const RenamePlan& pla
 std::string followed(std::string_view before, std::string_view path, const RenamePlan& done,
                      const CodePage& ansi) {
     RowsByPath rows(done, isMoved);
-    return applied(before, path, done, rows, ansi).value_or(std::string(before));
+    auto after = applied(before, path, done, rows, ansi);
+    return after ? std::move(*after) : std::string(before);
 }
 
 bool hasOnlyFollowed(std::string_view now, std::string_view before, std::string_view path,
                      const RenamePlan& done, const CodePage& ansi) {
     const PlaylistPlace place = playlistPlace(path);
-    const std::vector<std::string> lines = playlistLines(now, place, ansi);
-    const std::vector<std::string> old = playlistLines(before, place, ansi);
+    PlaylistLines lines(now, place, ansi);
+    PlaylistLines old(before, place, ansi);
     RowsByPath rows(done, isMoved);
-    return std::ranges::equal(lines, old, [&](const std::string& a, const std::string& b) {
-        if (a == b) return true;
+    while (lines.next()) {
+        if (!old.next()) return false;
+        const std::string a = lines.isEntry ? lines.path() : lines.text;
+        const std::string b = old.isEntry ? old.path() : old.text;
+        if (a == b) continue;
         const auto row = rows.find(b);
-        return row && done[*row].to == a;
-    });
+        if (!row || done[*row].to != a) return false;
+    }
+    return !old.next();
 }
 
 std::vector<ListChange> listChanges(std::vector<std::string> lists, const RenamePlan& done,

@@ -8,6 +8,7 @@
 
 #include "collection/RenamePlan.h"
 #include "core/ErrorReport.h"
+#include "core/Progress.h"
 #include "platform/CodePage.h"
 #include "platform/FileCalls.h"
 
@@ -23,8 +24,9 @@ std::vector<std::string> playlistsAround(const RenamePlan& plan);
 /// Takes out what names the same file as any of the `others`.
 void eraseLists(std::vector<std::string>& lists, std::span<const std::string> others);
 
-/// The files that playlists name by relative entries, each once.
-std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi);
+/// The files that playlists name by relative entries, each once; those so far when it is cancelled.
+std::vector<std::string> relativeEntries(std::span<const std::string> lists, const CodePage& ansi,
+                                         const CancelFlag* cancel = nullptr);
 
 /// The bytes that a plan which was carried out turns those of a list into.
 std::string followed(std::string_view before, std::string_view path, const RenamePlan& done,

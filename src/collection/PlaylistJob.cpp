@@ -30,17 +30,27 @@ std::string textOf(const FolderPlaylist& list, bool isPlanned, const Texts& text
     return withoutControls(line) + '\n';
 }
 
+// Why a list cannot be written; nothing where it was, or may be.
+std::optional<Text> failureOf(const FolderPlaylist& list, const JobOptions& options) {
+    if (isLink(list.path) || (options.utf8List && isLink(list.path + "8"))) {
+        return Text::LinkNotWritten;
+    }
+    if (options.dryRun || writePlaylist(list, options.utf8List)) return std::nullopt;
+    return isInUse(list.path) ? Text::FileInUse : Text::FileNotCreated;
+}
+
 // What is told of a list that was made, or would be.
 std::string makeList(Services& services, const FolderPlaylist& list) {
     const JobOptions& options = services.options;
-    const bool done = options.dryRun || writePlaylist(list, options.utf8List);
-    if (!done) services.errors.report(Text::FileNotCreated, list.path);
+    const auto failure = failureOf(list, options);
+    const bool done = !failure;
+    if (failure) services.errors.report(*failure, list.path);
     if (!options.json) return done ? textOf(list, options.dryRun, services.texts) : std::string();
     return jsonOf(list,
                   !done            ? "failed"
                   : options.dryRun ? "planned"
                                    : "written",
-                  done ? std::string() : services.texts.get(Text::FileNotCreated, list.path));
+                  done ? std::string() : services.texts.get(*failure, list.path));
 }
 // The job's folders; nothing when any of what was named is none.
 std::optional<std::vector<std::string>> wantedFolders(Services& services) {
@@ -75,6 +85,9 @@ int makePlaylists(Services& services) {
         if (!list) break;
         for (const std::string& unread : list->unread) {
             services.errors.report(Text::FolderNotRead, unread);
+        }
+        for (const std::string& unread : list->unreadFiles) {
+            services.errors.report(Text::FileNotRead, unread);
         }
         if (!services.output.write(makeList(services, *list))) {
             services.errors.report(Text::OutputNotWritten);

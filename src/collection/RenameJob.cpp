@@ -31,7 +31,23 @@ struct RenameBatch {
     std::vector<std::string> paths;
     std::vector<std::string> roots;  // the folders among what was named
     std::vector<std::string> lists;  // playlists that have to follow, besides those around
+    std::vector<std::string> named;  // the folders that were named, or hold what was
 };
+
+// Lists may name files anywhere; those that do not lie in any folder that was named stay unless
+// they are asked for.
+void leaveOutside(Services& services, RenameBatch& batch) {
+    const auto isInside = [&](const std::string& path) {
+        return std::ranges::any_of(batch.named, [&](const std::string& folder) {
+            return liesIn(path, folder, nativePathStyle());
+        });
+    };
+    std::erase_if(batch.paths, [&](const std::string& path) {
+        if (services.options.outside || isInside(path)) return false;
+        services.errors.report(Text::OutsideOfList, path);
+        return true;
+    });
+}
 
 // What the job was asked to rename. False when it cannot be told.
 bool gatherBatch(Services& services, const cFilesRename& renamer, RenameBatch& batch) {
@@ -41,7 +57,9 @@ bool gatherBatch(Services& services, const cFilesRename& renamer, RenameBatch& b
     std::vector<std::string> chosen;
     for (const std::string& wanted : wantedPaths(services)) {
         const std::string path = absolutePath(wanted);
-        if (folderExists(path)) {
+        const bool isFolder = folderExists(path);
+        batch.named.emplace_back(isFolder ? path : folderOf(path, nativePathStyle()));
+        if (isFolder) {
             batch.roots.push_back(path);
             std::ranges::move(playlistsIn(path, true), std::back_inserter(batch.lists));
             if (byLists) std::ranges::move(renamer.playlistsOf(path), std::back_inserter(chosen));
@@ -51,10 +69,11 @@ bool gatherBatch(Services& services, const cFilesRename& renamer, RenameBatch& b
         }
     }
     if (byLists) {
-        batch.paths = relativeEntries(chosen, CodePage(services.ansiCodePage));
+        batch.paths = relativeEntries(chosen, CodePage(services.ansiCodePage), &services.cancel);
     } else {
         for (std::size_t i = 1; i <= files.count(); ++i) batch.paths.push_back(files.GetFile(i));
     }
+    leaveOutside(services, batch);
     return true;
 }
 

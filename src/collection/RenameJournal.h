@@ -7,14 +7,16 @@
 #include <vector>
 
 #include "platform/File.h"
+#include "platform/FileSystem.h"
 
 namespace tavlo {
 
 /// One file of a batch that was renamed, as it was at that moment.
 struct JournalRow {
-    std::uint64_t size = 0;     ///< bytes
-    std::int64_t modified = 0;  ///< in the system's ticks
-    std::string from, to;       ///< full paths
+    std::uint64_t size = 0;         ///< bytes
+    std::int64_t modified = 0;      ///< in the system's ticks
+    std::string from, to;           ///< full paths
+    std::optional<FileId> id = {};  ///< where the disk keeps one
 
     bool operator==(const JournalRow&) const = default;
 };
@@ -30,12 +32,14 @@ struct JournalBatch {
     std::vector<std::string> newFolders;  ///< that were not there before; inner ones first
     std::vector<std::string> roots;       ///< below which playlists were looked for
     std::vector<JournalList> lists;
+    std::vector<std::string> within = {};  ///< further folders that its files stay in
     bool isMoved = false;  ///< the moves came to their end: rows and lists are those that changed
     bool isDone = false;   ///< and the lists were written
 };
 
 /// The renamed batches, each in a text file of its own, so that the last one can be taken back. A
-/// batch is noted before its files are moved, and again before its playlists are written.
+/// batch is noted before its files are moved, and again before its playlists are written. Only what
+/// belongs to the user, and nobody else can have written, is read.
 class RenameJournal {
  public:
     /// Batches that are kept; older ones go.
@@ -56,12 +60,16 @@ class RenameJournal {
     /// The playlists were written.
     bool finish();
 
-    /// The last batch that can be read, empty where there is none; nothing when one cannot be read.
-    std::optional<JournalBatch> last();
+    /// The last batch that can be believed, empty where there is none.
+    JournalBatch last();
+    /// What `last` passed over before it found one.
+    [[nodiscard]] const std::vector<std::string>& passedOver() const { return passedOver_; }
+    /// Rows of the batch that `last` gave that cannot be believed; they are none of it.
+    [[nodiscard]] const std::vector<JournalRow>& strangeRows() const { return strangeRows_; }
     /// Takes the batch out that `last` gave.
     bool drop();
     /// Whether the last batch was not brought to its end.
-    bool isBrokenOff() const;
+    bool isBrokenOff();
 
     [[nodiscard]] const std::string& folder() const { return folder_; }
     /// Of the batch that was begun or given; empty before that.
@@ -69,11 +77,15 @@ class RenameJournal {
 
  private:
     [[nodiscard]] std::vector<std::string> names() const;
-    [[nodiscard]] bool append(std::string_view text, bool flushed) const;
+    [[nodiscard]] std::optional<JournalBatch> read(const std::string& path) const;
+    [[nodiscard]] bool append(std::string_view text) const;
+    [[nodiscard]] bool appendMoved(const std::vector<JournalList>& lists) const;
 
     std::string folder_;
     FileCalls& calls_;
     std::string path_;
+    std::vector<std::string> passedOver_;
+    std::vector<JournalRow> strangeRows_;
     File lock_;
 };
 

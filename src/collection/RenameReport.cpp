@@ -19,6 +19,7 @@ void RenameReport::tellStep(const RenameStep& step) {
     const std::string_view result = resultOf(step);
     const bool isUnread = step.reason == Text::FileNotRead;
     if (result == "skipped") ++(isUnread ? unread_ : skipped_);
+    if (result == "skipped" && isUnread) services_.errors.report(Text::FileNotRead, step.from);
     if (result == "unchanged") ++unchanged_;
     if (result == "planned" || result == "renamed") ++renamed_;
     if (const auto failure = messageOf(step)) {

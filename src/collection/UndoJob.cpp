@@ -15,15 +15,21 @@ int undoRename(Services& services) {
     }
     RenameJournal journal(journalFolder());
     if (!mayRename(services, journal)) return services.errors.exitCode();
-    const auto batch = journal.last();
-    if (!batch || batch->rows.empty()) {
-        services.errors.report(batch ? Text::NothingToUndo : Text::FileNotRead, journal.path());
+    const JournalBatch batch = journal.last();
+    for (const std::string& path : journal.passedOver()) {
+        services.errors.report(Text::JournalNotBelieved, path);
+    }
+    if (batch.rows.empty()) {
+        services.errors.report(Text::NothingToUndo);
         return services.errors.exitCode();
     }
     const CodePage ansi(services.ansiCodePage);
     cFilesRename renamer(renameContext(services, ansi));
     RenameReport report(services);
-    BatchBack back(*batch);
+    for (const JournalRow& row : journal.strangeRows()) {
+        services.errors.report(Text::JournalRowNotBelieved, row.to);
+    }
+    BatchBack back(batch);
     for (const JournalRow& row : back.changedRows()) report.tellChangedSince(row);
     for (const std::string& copy : back.leftCopies()) services.errors.report(Text::CopyLeft, copy);
     const bool isDone = services.options.dryRun || (back.perform(renamer) && journal.drop());

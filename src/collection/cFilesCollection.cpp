@@ -135,15 +135,21 @@ void cFilesCollection::DeleteEmptyFolders() {
 
 bool cFilesCollection::FillFromPlaylist(const std::string& path, FileTypes mask,
                                         const CodePage& ansi) {
-    const auto entries = readPlaylistEntries(path, ansi);
-    if (entries) AddEntries(*entries, mask);
-    return entries.has_value();
+    return FillFromPlaylist(path, mask, ansi, [](const std::string&) {});
 }
 
-void cFilesCollection::AddEntries(const PlaylistEntries& entries, FileTypes mask) {
-    for (const PlaylistEntry& entry : entries) {
-        if ((tavlo::GetFileType(entry.path) & mask) != 0) files_.add(entry.path, foundMatch());
-    }
+bool cFilesCollection::FillFromPlaylist(const std::string& path, FileTypes mask,
+                                        const CodePage& ansi,
+                                        const std::function<void(const std::string&)>& other) {
+    const auto take = [&](const PlaylistEntry& entry) {
+        if ((tavlo::GetFileType(entry.path) & mask) != 0) {
+            files_.add(entry.path, foundMatch());
+        } else {
+            other(entry.path);
+        }
+        return true;
+    };
+    return eachEntryOf(path, ansi, take, &cancel_) || isCancelled();
 }
 
 void cFilesCollection::Sort() {

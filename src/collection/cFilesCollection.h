@@ -66,9 +66,11 @@ class cFilesCollection {
     /// Deletes the listed folders that are empty and takes them off the list.
     void DeleteEmptyFolders();
     /// Adds the entries of an M3U playlist whose type is in the mask; relative entries start from
-    /// the playlist's folder. False when it cannot be read.
+    /// the playlist's folder. False when it cannot be read; the cancel flag leaves what was read.
     bool FillFromPlaylist(const std::string& path, FileTypes mask, const CodePage& ansi);
-    void AddEntries(const PlaylistEntries& entries, FileTypes mask);
+    /// The same; each entry of another type goes to `other`.
+    bool FillFromPlaylist(const std::string& path, FileTypes mask, const CodePage& ansi,
+                          const std::function<void(const std::string& path)>& other);
     /// By path, ascending, without case, digits as numbers.
     void Sort();
     /// Adds the files of a folder whose type is in the mask: with subfolders depth first, a

@@ -182,6 +182,7 @@ bool cFilesRename::move(RenameStep& step, const std::string& from) {
     const Transfer moved = moveFile(from, step.to, context_.calls);
     step.isMoved = moved == Transfer::Done || moved == Transfer::Copied;
     if (!step.isMoved) step.result = RenameResult::NotCreated;
+    if (!step.isMoved && isInUse(from)) step.reason = Text::FileInUse;
     const auto copy = moved == Transfer::Copied ? fileInfo(step.to) : std::nullopt;
     if (copy) step.modified = copy->modified;
     return step.isMoved;
@@ -284,13 +285,13 @@ std::vector<std::string> cFilesRename::playlistsOf(const std::string& folder) co
 
 void cFilesRename::RenamePlaylists(const std::string& folder) {
     const std::vector<std::string> lists = playlistsOf(folder);
-    rename(relativeEntries(lists, context_.ansi), lists);
+    rename(relativeEntries(lists, context_.ansi, &context_.cancel), lists);
 }
 
 void cFilesRename::RenameFilesEx(cFilesCollection& playlists) {
     std::vector<std::string> lists = pathsOf(playlists);
     std::erase_if(lists, [](const std::string& path) { return !isPlaylist(path); });
-    RenamePlan all = plan(relativeEntries(lists, context_.ansi));
+    RenamePlan all = plan(relativeEntries(lists, context_.ansi, &context_.cancel));
     std::vector<ListChange> changes = moveAndFollow(all);
     std::erase_if(changes, [&](const ListChange& change) {
         return std::ranges::find(lists, change.path) != lists.end();

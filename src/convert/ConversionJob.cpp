@@ -311,7 +311,9 @@ bool isPossible(Services& services) {
     constexpr FileTypes kept = FileType::Audio | FileType::M3u | FileType::Cue;
     const bool isSafe = (GetFileType(log) & kept) == 0;
     if (!isSafe) services.errors.report(Text::LogIsSound, log);
-    return !processes && isCount && isSafe;
+    const bool isLinked = !log.empty() && isLink(absolutePath(log));
+    if (isLinked) services.errors.report(Text::LinkNotWritten, log);
+    return !processes && isCount && isSafe && !isLinked;
 }
 
 void saveLog(Services& services, const MonitorLog& log) {

@@ -71,9 +71,10 @@ WavDecoder::Attempt WavDecoder::tryDecoder(const Conversion& row, const std::str
     // is made for them; beside the source it could take another file's place.
     constexpr FileTypes selfNaming = FileType::Mp3 | FileType::Ogg | FileType::Wv;
     const bool namesItself = (row.type & selfNaming) != 0;
+    const bool isCopied = namesItself || !isPlainForPrograms(row.source);
     const std::string extension(outputExtension(row.type));
-    const PassingFile copy(namesItself ? context_.work.newPath(extension) : "");
-    if (namesItself && !linkOrCopy(row.source, copy.path())) {
+    const PassingFile copy(isCopied ? context_.work.newPath(extension) : "");
+    if (isCopied && !linkOrCopy(row.source, copy.path())) {
         context_.error(Text::FileNotRead, row.source);
         return attempt;
     }
@@ -82,7 +83,7 @@ WavDecoder::Attempt WavDecoder::tryDecoder(const Conversion& row, const std::str
     if (!ownCorrection.empty() && fileInfo(ownCorrection)) {
         linkOrCopy(ownCorrection, correction.path());
     }
-    const auto command = decodeCommand(row.type, namesItself ? copy.path() : row.source, wav,
+    const auto command = decodeCommand(row.type, isCopied ? copy.path() : row.source, wav,
                                        context_.settings.encoders, alternative);
     attempt.executable = command->executable;
     attempt.wasStarted = context_.run(command->line, std::string(folderOf(wav, nativePathStyle())));

@@ -4,22 +4,30 @@
 #include <random>
 #include <thread>
 
-#include "core/Numbers.h"
 #include "core/PathText.h"
 #include "platform/FileSystem.h"
 #include "platform/FileTransfer.h"
 
 namespace tavlo {
 
+namespace {
+// Too many are possible to be guessed: 60 bits.
+std::string anyName(std::random_device& random) {
+    constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz234567";
+    constexpr std::size_t length = 12;
+    std::string name;
+    while (name.size() < length) name += letters[random() % letters.size()];
+    return name;
+}
+}  // namespace
+
 WorkFolder::WorkFolder(const std::string& parent) {
-    constexpr int numbers = 100000;
     constexpr int tries = 100;
     std::random_device random;
-    std::uniform_int_distribution<int> anyNumber(0, numbers - 1);
     for (int i = 0; i < tries; ++i) {
-        name_ = "tavlo" + paddedNumber(anyNumber(random), 5);
+        name_ = "tavlo-" + anyName(random);
         const std::string path = joinPath(parent, name_, nativePathStyle());
-        const Created created = createFolder(path);
+        const Created created = createOwnFolder(path);
         if (created == Created::Done) path_ = path;
         if (created != Created::Exists) return;
     }

@@ -5,8 +5,8 @@
 
 namespace tavlo {
 
-/// A folder of this run alone for files that come and go, and names for them. It goes with all it
-/// holds.
+/// A folder of this run and this user alone, under a name that nobody can guess, for files that
+/// come and go, and names for them. It goes with all it holds.
 class WorkFolder {
  public:
     /// Made below `parent`; `path()` is empty where that fails.
@@ -16,7 +16,7 @@ class WorkFolder {
     ~WorkFolder();
 
     [[nodiscard]] const std::string& path() const { return path_; }
-    /// "tavlo01234-1", another one at each call, for files anywhere; from any thread.
+    /// "tavlo-ABC-1", another one at each call, for files anywhere; from any thread.
     std::string newName();
     /// A new name with an extension, in this folder.
     std::string newPath(const std::string& extension);

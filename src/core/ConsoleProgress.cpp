@@ -7,14 +7,14 @@ namespace {
 
 constexpr auto pause = std::chrono::milliseconds(100);
 
-/// The beginning of a text, at most so many characters; control characters become "?".
+/// The beginning of a text, at most so many characters.
 std::string beginning(std::string_view text, std::size_t characters) {
     std::string result;
     for (const char c : text) {
         if (!isUtf8Continuation(c) && characters-- == 0) break;
-        result += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
+        result += c;
     }
-    return result;
+    return withoutControls(std::move(result));
 }
 
 }  // namespace

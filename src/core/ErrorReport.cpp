@@ -5,11 +5,11 @@
 namespace tavlo {
 
 void ErrorReport::report(Text text, std::string_view argument) {
-    reportLine(texts_.get(text, withoutControls(std::string(argument))));
+    reportLine(texts_.get(text, argument));
 }
 
 void ErrorReport::note(Text text, std::string_view argument) {
-    noteLine(texts_.get(text, withoutControls(std::string(argument))));
+    noteLine(texts_.get(text, argument));
 }
 
 void ErrorReport::reportLine(std::string_view line) {
@@ -18,7 +18,7 @@ void ErrorReport::reportLine(std::string_view line) {
 }
 
 void ErrorReport::noteLine(std::string_view line) {
-    sink_.write(std::string(line) + '\n');
+    sink_.write(withoutControls(std::string(line)) + '\n');
 }
 
 }  // namespace tavlo

@@ -83,6 +83,7 @@ inline constexpr auto optionTable = std::to_array<OptionRow>({
     {{"/trim"}, SetSwitch{&JobOptions::trim, true}, Text::GroupWave, Text::HelpTrim},
     {{"/notrim", "/trim-"}, SetSwitch{&JobOptions::trim, false}, Text::GroupWave, Text::HelpNoTrim},
     {{"/paths"}, SetMark{&JobOptions::keepPaths}, Text::GroupFiles, Text::HelpPaths},
+    {{"/outside"}, SetMark{&JobOptions::outside}, Text::GroupFiles, Text::HelpOutside},
     {{"/compilation", "/cmpl"},
      SetMark{&JobOptions::compilation},
      Text::GroupTags,

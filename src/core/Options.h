@@ -66,6 +66,7 @@ struct JobOptions {
     std::optional<std::string> nameTemplate;
     std::optional<std::string> playlist;
     bool keepPaths = false;
+    bool outside = false;
     bool noFormat = false;
     bool noBackup = false;
 

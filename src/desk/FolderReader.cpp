@@ -87,12 +87,13 @@ void FolderReader::look(const std::shared_ptr<Shared>& shared) {
                      [&](std::string_view paths) { shared->add(listedOf(paths)); });
             for (const std::string& folder : scan.unreadFolders()) shared->miss(folder);
         } else if (isPlaylist(path)) {
-            const auto entries = readPlaylistEntries(path, CodePage(shared->wish.ansiCodePage));
-            if (!entries) shared->miss(path);
             std::vector<std::string> files;
-            for (const PlaylistEntry& entry : entries.value_or(PlaylistEntries{})) {
-                if (isListed(entry.path)) files.push_back(entry.path);
-            }
+            const auto take = [&](PlaylistEntry entry) {
+                if (isListed(entry.path)) files.push_back(std::move(entry.path));
+                return true;
+            };
+            const CodePage ansi(shared->wish.ansiCodePage);
+            if (!eachEntryOf(path, ansi, take, &shared->cancel)) shared->miss(path);
             shared->add(std::move(files));
         } else if (isListed(path)) {
             shared->add({path});

@@ -24,7 +24,9 @@ constexpr std::uint32_t largestPacked = 16U << 20U;  // bytes of a compressed fr
 
 std::string oneLine(std::string text) {
     while (text.ends_with('\0')) text.pop_back();
-    text = withoutControls(joinValues(std::move(text)));
+    text = joinValues(std::move(text));
+    for (const char space : {'\r', '\n', '\t'}) std::replace(text.begin(), text.end(), space, ' ');
+    text = withoutControls(std::move(text));
     if (text.size() <= longestShown) return text;
     return std::string(utf8Head(text, longestShown)) + "…";
 }

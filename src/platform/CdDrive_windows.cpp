@@ -353,7 +353,7 @@ DriveSort driveSort(const std::string& path) {
     const std::string drive = isDevice ? path.substr(devices.size()) : path;
     const bool hasEnd = drive.size() == 3 && (drive[2] == '\\' || drive[2] == '/');
     if ((drive.size() != 2 && !hasEnd) || drive[1] != ':') return other;
-    const UINT kind = ::GetDriveTypeW(widePath(drive.substr(0, 2) + "\\").c_str());
+    const UINT kind = ::GetDriveTypeW(plainWidePath(drive.substr(0, 2) + "\\").c_str());
     return kind == DRIVE_CDROM || kind == DRIVE_NO_ROOT_DIR ? DriveSort::CdDrive : other;
 }
 

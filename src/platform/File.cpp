@@ -82,12 +82,19 @@ bool File::truncate(std::uint64_t size) {
     return true;
 }
 
-std::optional<std::string> readFile(const std::string& path, std::uint64_t most) {
+std::optional<std::string> readFile(const std::string& path, std::uint64_t most,
+                                    const std::atomic<bool>* cancel) {
+    constexpr std::size_t block = std::size_t{1} << 20U;
     File file;
     if (!file.open(path, Access::Read) || file.size() > most) return std::nullopt;
-    const Bytes bytes = file.view(0, static_cast<std::size_t>(file.size()));
-    if (bytes.size() < file.size()) return std::nullopt;
-    return std::string(bytes.begin(), bytes.end());
+    std::string bytes(static_cast<std::size_t>(file.size()), '\0');
+    for (std::size_t at = 0; at < bytes.size(); at += block) {
+        if (cancel != nullptr && cancel->load()) return std::nullopt;
+        const std::size_t count = std::min(block, bytes.size() - at);
+        auto* to = reinterpret_cast<std::uint8_t*>(bytes.data()) + at;
+        if (file.calls().read(file.handle(), at, to, count) < count) return std::nullopt;
+    }
+    return bytes;
 }
 
 }  // namespace tavlo

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -85,7 +86,9 @@ class File {
     std::array<std::uint8_t, headSize> headBuffer_;
 };
 
-/// A whole file; nothing when it cannot be read or is larger than `most` bytes.
-std::optional<std::string> readFile(const std::string& path, std::uint64_t most);
+/// A whole file; nothing when it cannot be read, is larger than `most` bytes, or `cancel` is set
+/// meanwhile.
+std::optional<std::string> readFile(const std::string& path, std::uint64_t most,
+                                    const std::atomic<bool>* cancel = nullptr);
 
 }  // namespace tavlo

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "platform/FileSystem.h"
+
 namespace tavlo {
 
 bool FileCalls::copyThroughMemory(FileHandle from, std::uint64_t fromOffset, FileHandle to,
@@ -18,6 +20,10 @@ bool FileCalls::copyThroughMemory(FileHandle from, std::uint64_t fromOffset, Fil
         count -= step;
     }
     return true;
+}
+
+bool FileCalls::isLink(const std::string& path) {
+    return tavlo::isLink(path);
 }
 
 }  // namespace tavlo

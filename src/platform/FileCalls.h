@@ -117,6 +117,8 @@ class FileCalls {
     virtual Moved move(const std::string& from, const std::string& to) = 0;
     /// Makes a file writable for its owner; other attributes stay. False when it could not be done.
     virtual bool clearReadOnly(const std::string& path) = 0;
+    /// Whether a path is itself a link, wherever that leads.
+    virtual bool isLink(const std::string& path);
 
     /// The names of a folder's files, in no order.
     virtual std::vector<std::string> names(const std::string& folder) = 0;

@@ -54,8 +54,23 @@ struct FolderId {
 };
 std::optional<FolderId> folderId(const std::string& path);
 
+/// The same of a file, under every name that it gets on its disk; nothing where the disk keeps no
+/// such number for good.
+using FileId = FolderId;
+std::optional<FileId> lastingFileId(const std::string& path);
+
+/// Whether a file or folder is the user's own, no link, and nobody else may write to it. Windows
+/// guards the user's folders by their access lists: there only links are looked for.
+bool isOwn(const std::string& path);
+
+/// Takes the right to write away from all others; false where it is not the user's.
+bool makeOwn(const std::string& path);
+
 /// The path with every link resolved; empty when there is none.
 std::string canonicalPath(const std::string& path);
+
+/// Whether a path is itself a link or junction, wherever that leads.
+bool isLink(const std::string& path);
 
 /// Where a link leads to; any other path as it is.
 std::string withoutLinks(const std::string& path);
@@ -71,6 +86,9 @@ Created writeNewFile(const std::string& path, std::string_view bytes);
 /// Makes one folder; one that is there already is `Exists`.
 Created createFolder(const std::string& path);
 
+/// The same for the user alone, never one that is there already.
+Created createOwnFolder(const std::string& path);
+
 /// Makes a folder and every one above it that is missing.
 bool createFolders(const std::string& path);
 
@@ -82,6 +100,14 @@ bool linkOrCopy(const std::string& from, const std::string& to);
 
 /// Removes a folder that is empty; false, and no change, when it is not.
 bool removeEmptyFolder(const std::string& path);
+
+/// Whether other programs that are given the path find this file there. On Windows a name that ends
+/// in a dot or blank, or that means a device, leads them elsewhere.
+bool isPlainForPrograms(const std::string& path);
+
+/// Whether another program (elsewhere: another run of this one) has a file open in a way that bars
+/// it. To be asked when a call on it was refused, for the reason.
+bool isInUse(const std::string& path);
 
 /// The character between a folder and a name: "\" or "/".
 char nativeSeparator();

@@ -1,9 +1,12 @@
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -98,15 +101,54 @@ std::optional<FolderId> folderId(const std::string& path) {
     return FolderId{status.st_dev, status.st_ino};
 }
 
+namespace {
+// Of FAT, network and user-space disks a number may be another's when the disk is seen again.
+bool keepsNumbers(const struct statfs& disk) {
+    constexpr std::array<std::uint64_t, 8> kinds{
+        0xEF53 /* ext2 to ext4 */, 0x58465342 /* XFS */,   0x9123683E /* Btrfs */,
+        0xF2F52010 /* F2FS */,     0x2FC12FC1 /* ZFS */,   0x3153464A /* JFS */,
+        0xCA451A4E /* bcachefs */, 0x01021994 /* tmpfs */,
+    };
+    return std::ranges::find(kinds, static_cast<std::uint64_t>(disk.f_type)) != kinds.end();
+}
+}  // namespace
+
+std::optional<FileId> lastingFileId(const std::string& path) {
+    struct statfs disk {};
+    if (::statfs(path.c_str(), &disk) != 0 || !keepsNumbers(disk)) return std::nullopt;
+    return folderId(path);
+}
+
+bool isOwn(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && status.st_uid == ::geteuid() &&
+           (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) &&
+           (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+bool makeOwn(const std::string& path) {
+    const int opened = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
+    if (opened < 0) return false;
+    constexpr mode_t permissions = 07777;
+    struct stat status {};
+    const bool done = ::fstat(opened, &status) == 0 && status.st_uid == ::geteuid() &&
+                      ::fchmod(opened, status.st_mode & permissions & ~(S_IWGRP | S_IWOTH)) == 0;
+    ::close(opened);
+    return done && isOwn(path);
+}
+
 std::string canonicalPath(const std::string& path) {
     const std::unique_ptr<char, Freer> resolved(::realpath(path.c_str(), nullptr));
     return resolved ? std::string(resolved.get()) : std::string();
 }
 
-std::string withoutLinks(const std::string& path) {
+bool isLink(const std::string& path) {
     struct stat status {};
-    const bool isLink = ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
-    return isLink ? canonicalPath(path) : path;
+    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+std::string withoutLinks(const std::string& path) {
+    return isLink(path) ? canonicalPath(path) : path;
 }
 
 std::string absolutePath(const std::string& path) {
@@ -147,6 +189,11 @@ Created createFolder(const std::string& path) {
     return errno == EEXIST && folderExists(path) ? Created::Exists : Created::Failed;
 }
 
+Created createOwnFolder(const std::string& path) {
+    if (::mkdir(path.c_str(), S_IRWXU) == 0) return Created::Done;
+    return errno == EEXIST ? Created::Exists : Created::Failed;
+}
+
 bool isTaken(const std::string& path) {
     struct stat status {};
     return ::lstat(path.c_str(), &status) == 0;
@@ -168,6 +215,18 @@ bool linkOrCopy(const std::string& from, const std::string& to) {
 
 bool removeEmptyFolder(const std::string& path) {
     return ::rmdir(path.c_str()) == 0;
+}
+
+bool isPlainForPrograms(const std::string&) {
+    return true;
+}
+
+bool isInUse(const std::string& path) {
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0) return errno == ETXTBSY || errno == EBUSY;
+    const bool isLocked = ::flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    ::close(file);
+    return isLocked;
 }
 
 char nativeSeparator() {

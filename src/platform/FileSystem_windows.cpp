@@ -1,9 +1,11 @@
 #include <windows.h>
 
+#include "platform/Environment.h"
 #include "platform/FileSystem.h"
 #include "platform/FileTicks.h"
 #include "platform/Utf16.h"
 #include "platform/WidePath.h"
+#include "platform/WindowsPath.h"
 
 namespace tavlo {
 
@@ -37,17 +39,32 @@ HANDLE openForQuery(const std::string& path) {
                          OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
 }
 
+// The system keeps a current folder for each drive.
+std::string folderOfDrive(std::string_view drive) {
+    if (drive.empty()) return absolutePath(currentFolder());
+    const std::wstring wide = wideText(drive);
+    std::wstring text(::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
+    const DWORD length =
+        ::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(text.size()), text.data(), nullptr);
+    if (length == 0 || length >= text.size()) return std::string(drive) + '\\';
+    text.resize(length);
+    return narrow(text);
+}
+
 // A cloud placeholder is a reparse point as well, yet no link.
-bool isLink(const WIN32_FIND_DATAW& found) {
-    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-           (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
-            found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+bool isLinkTag(DWORD attributes, DWORD tag) {
+    return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           (tag == IO_REPARSE_TAG_SYMLINK || tag == IO_REPARSE_TAG_MOUNT_POINT);
+}
+
+std::wstring everythingIn(const std::string& folder) {
+    return widePath(folder + "\\*");
 }
 }  // namespace
 
 std::vector<FolderEntry> listFolder(const std::string& folder) {
     std::vector<FolderEntry> entries;
-    Search search(widePath(folder + "\\*"));
+    Search search(everythingIn(folder));
     if (!search.isOpen()) return entries;
     do {
         const WIN32_FIND_DATAW& found = search.found();
@@ -57,7 +74,7 @@ std::vector<FolderEntry> listFolder(const std::string& folder) {
         entry.name = narrow(name);
         entry.isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         entry.isHidden = (found.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0;
-        entry.isLink = isLink(found);
+        entry.isLink = isLinkTag(found.dwFileAttributes, found.dwReserved0);
     } while (search.next());
     return entries;
 }
@@ -91,7 +108,7 @@ bool folderExists(const std::string& path) {
 }
 
 bool isReadableFolder(const std::string& path) {
-    return Search(widePath(path + "\\*")).isOpen();
+    return Search(everythingIn(path)).isOpen();
 }
 
 // Access lists are told by the attempt only; the read-only mark of a folder means nothing.
@@ -110,6 +127,26 @@ std::optional<FolderId> folderId(const std::string& path) {
                     static_cast<std::uint64_t>(info.nFileIndexHigh) << 32U | info.nFileIndexLow};
 }
 
+// FAT makes a file's number from the place of its name.
+std::optional<FileId> lastingFileId(const std::string& path) {
+    HANDLE opened = openForQuery(path);
+    if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
+    DWORD flags = 0;
+    const bool isTold =
+        ::GetVolumeInformationByHandleW(opened, nullptr, 0, nullptr, nullptr, &flags, nullptr, 0);
+    ::CloseHandle(opened);
+    const bool keepsNumbers = isTold && (flags & FILE_SUPPORTS_OPEN_BY_FILE_ID) != 0;
+    return keepsNumbers ? folderId(path) : std::nullopt;
+}
+
+bool isOwn(const std::string& path) {
+    return isTaken(path) && !isLink(path);
+}
+
+bool makeOwn(const std::string& path) {
+    return isOwn(path);
+}
+
 std::string canonicalPath(const std::string& path) {
     HANDLE opened = openForQuery(path);
     if (opened == INVALID_HANDLE_VALUE) return {};
@@ -118,24 +155,28 @@ std::string canonicalPath(const std::string& path) {
         opened, text.data(), static_cast<DWORD>(text.size()), FILE_NAME_NORMALIZED);
     ::CloseHandle(opened);
     text.resize(length < text.size() ? length : 0);
-    return narrow(text);
+    return absolutePath(narrow(text));
+}
+
+bool isLink(const std::string& path) {
+    HANDLE opened = ::CreateFileW(
+        widePath(path).c_str(), FILE_READ_ATTRIBUTES,
+        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+        FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return false;
+    FILE_ATTRIBUTE_TAG_INFO info{};
+    const bool isTold =
+        ::GetFileInformationByHandleEx(opened, FileAttributeTagInfo, &info, sizeof info) != 0;
+    ::CloseHandle(opened);
+    return isTold && isLinkTag(info.FileAttributes, info.ReparseTag);
 }
 
 std::string withoutLinks(const std::string& path) {
-    const Search search(widePath(path));
-    return search.isOpen() && isLink(search.found()) ? canonicalPath(path) : path;
+    return isLink(path) ? canonicalPath(path) : path;
 }
 
 std::string absolutePath(const std::string& path) {
-    const std::wstring wide = widePath(path);
-    std::wstring text(::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
-    const DWORD length =
-        ::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(text.size()), text.data(), nullptr);
-    if (length == 0 || length >= text.size()) return path;
-    text.resize(length);
-    // A folder is named without a separator behind it; only a drive needs its own.
-    if (text.size() > 3 && text.back() == L'\\') text.pop_back();
-    return narrow(text);
+    return plainPath(path, folderOfDrive);
 }
 
 Created writeNewFile(const std::string& path, std::string_view bytes) {
@@ -161,6 +202,12 @@ Created createFolder(const std::string& path) {
     return isThere ? Created::Exists : Created::Failed;
 }
 
+// A folder of the user's lets nobody else in, and those below it take that over.
+Created createOwnFolder(const std::string& path) {
+    if (::CreateDirectoryW(widePath(path).c_str(), nullptr)) return Created::Done;
+    return ::GetLastError() == ERROR_ALREADY_EXISTS ? Created::Exists : Created::Failed;
+}
+
 bool isTaken(const std::string& path) {
     return ::GetFileAttributesW(widePath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
@@ -183,6 +230,25 @@ bool linkOrCopy(const std::string& from, const std::string& to) {
 
 bool removeEmptyFolder(const std::string& path) {
     return ::RemoveDirectoryW(widePath(path).c_str()) != 0;
+}
+
+bool isPlainForPrograms(const std::string& path) {
+    const std::wstring plain = plainWidePath(path);
+    std::wstring seen(plain.size() + 1, L'\0');
+    seen.resize(
+        ::GetFullPathNameW(plain.c_str(), static_cast<DWORD>(seen.size()), seen.data(), nullptr));
+    return seen == plain && !plain.starts_with(L"\\\\?\\");
+}
+
+bool isInUse(const std::string& path) {
+    HANDLE alone = ::CreateFileW(widePath(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                 FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (alone != INVALID_HANDLE_VALUE) {
+        ::CloseHandle(alone);
+        return false;
+    }
+    const DWORD error = ::GetLastError();
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
 }
 
 char nativeSeparator() {

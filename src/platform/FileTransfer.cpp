@@ -26,8 +26,8 @@ bool openToMove(File& file, const std::string& path) {
 
 // Replaces a file, or makes it, by one that `fill` gives its bytes.
 template <typename Fill>
-bool replaceBy(const std::string& linkedPath, FileCalls& calls, const Fill& fill) {
-    const std::string path = withoutLinks(linkedPath);
+bool replaceBy(const std::string& path, FileCalls& calls, const Fill& fill) {
+    if (calls.isLink(path)) return false;
     File old(calls);
     const bool isThere = openToMove(old, path);
     // What is there and no file that can be read (a device, a pipe) is never replaced.
@@ -80,8 +80,8 @@ bool flushFile(const std::string& path, FileCalls& calls) {
     return file.open(path, Access::ReadWrite) && calls.flush(file.handle());
 }
 
-bool canBeReplaced(const std::string& linkedPath, FileCalls& calls) {
-    const std::string path = withoutLinks(linkedPath);
+bool canBeReplaced(const std::string& path, FileCalls& calls) {
+    if (calls.isLink(path)) return false;
     File file(calls);
     const bool isOpen =
         file.open(path, Access::ReadWrite) || (file.open(path, Access::Read) && file.isReadOnly());

@@ -24,7 +24,8 @@ Transfer copyFile(const std::string& from, const std::string& to, FileCalls& cal
 Transfer moveFile(const std::string& from, const std::string& to, FileCalls& calls = systemCalls());
 
 /// Writes a whole file beside its place, flushed, and puts it there in one step, whether or not
-/// there is one of that name, which then gives it its attributes. False, and no change, on failure.
+/// there is one of that name, which then gives it its attributes. False, and no change, on failure
+/// and where the path is a link: somebody else may have put it there.
 bool replaceFile(const std::string& path, std::string_view bytes, FileCalls& calls = systemCalls());
 
 /// Gives a file the bytes of another in the same way.

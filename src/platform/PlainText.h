@@ -31,13 +31,22 @@ constexpr std::string_view trimBlanks(std::string_view text) {
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-/// Blanks in place of control characters: a line that a terminal shows as one.
-inline std::string withoutControls(std::string text) {
-    for (char& c : text) {
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
-    }
-    return text;
+/// Whether a code point does something to a terminal or to the order of the text around it instead
+/// of being seen: control characters, marks of direction, separators of lines.
+constexpr bool isUnseen(char32_t point) {
+    return point < 0x20 || (point >= 0x7F && point < 0xA0) || point == 0x61C || point == 0x200E ||
+           point == 0x200F || (point >= 0x2028 && point <= 0x202E) ||
+           (point >= 0x2066 && point <= 0x2069);
 }
+
+/// Whether a text has any such character but those in `kept`.
+bool hasUnseen(std::string_view text, std::string_view kept = {});
+
+/// U+FFFD in place of each: a line that a terminal shows as one.
+std::string withoutControls(std::string text);
+
+/// The same of finished output, in which those in `kept` lay it out.
+std::string printable(std::string_view text, std::string_view kept);
 
 /// Every occurrence, from the front on, once.
 inline void replaceAll(std::string& text, std::string_view from, std::string_view to) {

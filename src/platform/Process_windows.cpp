@@ -6,7 +6,6 @@
 #include <chrono>
 
 #include "platform/Process.h"
-#include "platform/Utf16.h"
 #include "platform/WidePath.h"
 
 namespace tavlo {
@@ -187,13 +186,12 @@ std::unique_ptr<Process> startProcess(const ProcessStart& start) {
     info.StartupInfo.hStdOutput = pipe.writeEnd.get();
     info.StartupInfo.hStdError = pipe.writeEnd.get();
     info.lpAttributeList = handles.get();
-    const std::u16string text = utf16FromUtf8(start.commandLine);
-    std::wstring line(text.begin(), text.end());
-    const std::wstring folder = widePath(start.folder);
+    std::wstring line = wideText(start.commandLine);
+    const std::wstring folder = plainWidePath(start.folder);
     // A console of its own can be shown and hidden, and gets no Ctrl+C that is meant for this one.
     constexpr DWORD flags = CREATE_NEW_CONSOLE | EXTENDED_STARTUPINFO_PRESENT;
     PROCESS_INFORMATION child{};
-    if (!::CreateProcessW(widePath(start.program).c_str(), line.data(), nullptr, nullptr, TRUE,
+    if (!::CreateProcessW(plainWidePath(start.program).c_str(), line.data(), nullptr, nullptr, TRUE,
                           flags, nullptr, folder.empty() ? nullptr : folder.c_str(),
                           &info.StartupInfo, &child)) {
         return nullptr;

@@ -14,7 +14,7 @@ namespace {
 // The shell deletes for good, without a word, on drives that have no bin.
 bool hasBin(const std::string& path) {
     if (path.size() < 3 || path[1] != ':') return false;
-    const std::wstring root = widePath(path.substr(0, 3));
+    const std::wstring root = plainWidePath(path.substr(0, 3));
     SHQUERYRBINFO info{};
     info.cbSize = sizeof info;
     return ::GetDriveTypeW(root.c_str()) == DRIVE_FIXED &&
@@ -24,9 +24,9 @@ bool hasBin(const std::string& path) {
 
 bool moveToRecycleBin(const std::string& path) {
     const std::string full = absolutePath(path);
-    if (!hasBin(full)) return false;
-    std::wstring names = widePath(full);
-    const std::wstring file = names;
+    // The shell would take another file where it does not see the name as it is.
+    if (!hasBin(full) || !isPlainForPrograms(full)) return false;
+    std::wstring names = plainWidePath(full);
     names += L'\0';
     SHFILEOPSTRUCTW operation{};
     operation.wFunc = FO_DELETE;
@@ -35,7 +35,7 @@ bool moveToRecycleBin(const std::string& path) {
     operation.fFlags =
         FOF_ALLOWUNDO | FOF_NOCONFIRMATION | FOF_SILENT | FOF_NOERRORUI | FOF_WANTNUKEWARNING;
     return ::SHFileOperationW(&operation) == 0 && !operation.fAnyOperationsAborted &&
-           ::GetFileAttributesW(file.c_str()) == INVALID_FILE_ATTRIBUTES;
+           !isTaken(full);
 }
 
 }  // namespace tavlo

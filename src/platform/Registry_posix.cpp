@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -44,16 +45,21 @@ std::string defaultFile() {
     return folder.empty() ? std::string() : folder + "/settings.txt";
 }
 
-/// A link to the file must stay a link when the file is replaced, even where it leads to none yet.
+/// The user's own links, and the system's, are followed: people keep their settings elsewhere and
+/// link to them. Such a link stays one when the file is replaced, even where it leads to none yet.
+/// Empty where somebody else's link is on the way, for it would choose what is overwritten.
 std::string behindLinks(std::string path) {
     constexpr int mostLinks = 16;
-    std::error_code error;
     for (int i = 0; i < mostLinks; ++i) {
+        struct stat status {};
+        if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
+        std::error_code error;
         const auto target = std::filesystem::read_symlink(path, error);
-        if (error) break;
+        const bool isTrusted = status.st_uid == geteuid() || status.st_uid == 0;
+        if (error || !isTrusted) break;
         path = (std::filesystem::path(path).parent_path() / target).string();
     }
-    return path;
+    return {};
 }
 
 std::string parentOf(const std::string& path) {
@@ -76,12 +82,13 @@ bool writeAll(int file, std::string_view text) {
 }
 
 bool writeTemporary(const std::string& path, std::string_view text) {
-    const Descriptor file(path, O_WRONLY | O_CREAT | O_TRUNC);
+    // The lock is held: what lies there was left by a killed writer, or is a link.
+    unlink(path.c_str());
+    const Descriptor file(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
     return file && writeAll(file.get(), text);
 }
 
 bool replaceFile(const std::string& path, std::string_view text) {
-    // Always the same name: the lock is held, and what a killed writer left is overwritten.
     const std::string temporary = path + ".tmp";
     if (!writeTemporary(temporary, text) || std::rename(temporary.c_str(), path.c_str()) != 0) {
         unlink(temporary.c_str());
@@ -141,7 +148,7 @@ class Registry::Store {
         if (path_.empty()) return false;
         std::error_code error;
         std::filesystem::create_directories(parentOf(path_), error);
-        const Descriptor guard(path_ + ".lock", O_RDWR | O_CREAT);
+        const Descriptor guard(path_ + ".lock", O_RDWR | O_CREAT | O_NOFOLLOW);
         if (!guard || !lock(guard.get())) return false;
         const auto current = readStored(path_);
         if (!current) return false;

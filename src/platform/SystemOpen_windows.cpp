@@ -8,18 +8,11 @@
 
 #include "platform/FileSystem.h"
 #include "platform/SystemOpen.h"
-#include "platform/Utf16.h"
 #include "platform/WidePath.h"
 
 namespace tavlo {
 
 namespace {
-// The shell takes no long-path prefix, and command lines keep their slashes.
-std::wstring wideText(const std::string& text) {
-    const std::u16string units = utf16FromUtf8(text);
-    return {units.begin(), units.end()};
-}
-
 // What the shell opens may be served by objects that need this.
 class ComUse {
  public:
@@ -36,21 +29,22 @@ class ComUse {
 }  // namespace
 
 bool openWithSystem(const std::string& path) {
+    if (!isPlainForPrograms(path)) return false;
     const ComUse com;
     SHELLEXECUTEINFOW what{};
     what.cbSize = sizeof what;
     what.fMask = SEE_MASK_FLAG_NO_UI | SEE_MASK_NOASYNC;
-    const std::wstring file = wideText(absolutePath(path));
+    const std::wstring file = plainWidePath(path);
     what.lpFile = file.c_str();
     what.nShow = SW_SHOWNORMAL;
     return ::ShellExecuteExW(&what) != 0;
 }
 
 bool showInFolder(const std::string& path) {
+    if (!isPlainForPrograms(path)) return false;
     const ComUse com;
     PIDLIST_ABSOLUTE item = nullptr;
-    if (FAILED(
-            ::SHParseDisplayName(wideText(absolutePath(path)).c_str(), nullptr, &item, 0, nullptr)))
+    if (FAILED(::SHParseDisplayName(plainWidePath(path).c_str(), nullptr, &item, 0, nullptr)))
         return false;
     const HRESULT result = ::SHOpenFolderAndSelectItems(item, 0, nullptr, 0);
     ::CoTaskMemFree(item);
@@ -62,7 +56,7 @@ bool startAndForget(const std::string& program, const std::string& commandLine) 
     info.cb = sizeof info;
     PROCESS_INFORMATION process{};
     std::wstring line = wideText(commandLine);
-    if (!::CreateProcessW(widePath(program).c_str(), line.data(), nullptr, nullptr, FALSE, 0,
+    if (!::CreateProcessW(plainWidePath(program).c_str(), line.data(), nullptr, nullptr, FALSE, 0,
                           nullptr, nullptr, &info, &process))
         return false;
     ::CloseHandle(process.hThread);

@@ -44,11 +44,10 @@ struct Desk : RenameDesk {
         performNoted(renamer, journal, plan, {folder.path()}, {});
     }
     void undo() {
-        const auto batch = RenameJournal(journalFolder.path()).last();
-        ASSERT_TRUE(batch);
-        if (batch->rows.empty()) return;
+        const JournalBatch batch = RenameJournal(journalFolder.path()).last();
+        if (batch.rows.empty()) return;
         journal.last();
-        BatchBack back(*batch);
+        BatchBack back(batch);
         EXPECT_TRUE(back.changedRows().empty());
         if (back.perform(renamer)) journal.drop();
     }
@@ -70,7 +69,7 @@ TEST(NotedRename, ListsFollowAndAllComesBack) {
     desk.undo();
     EXPECT_EQ(desk.files(), start);
     EXPECT_FALSE(folderExists(desk.folder.path("D")));
-    EXPECT_TRUE(desk.journal.last()->rows.empty());
+    EXPECT_TRUE(desk.journal.last().rows.empty());
     EXPECT_EQ(desk.errors.count(), 0U) << desk.messages.text;
 }
 
@@ -102,7 +101,7 @@ TEST(NotedRename, TakingBackMayBeKilledAtAnyCall) {
         desk.strike(0);
         desk.undo();
         EXPECT_EQ(desk.files(), start);
-        EXPECT_TRUE(desk.journal.last()->rows.empty());
+        EXPECT_TRUE(desk.journal.last().rows.empty());
     }
 }
 
@@ -131,7 +130,7 @@ TEST(NotedRename, WithoutItsListsItDoesNotHappen) {
         desk.rename();
         EXPECT_EQ(desk.files(), start);
         EXPECT_EQ(desk.errors.count(), 1U) << desk.messages.text;
-        EXPECT_TRUE(desk.journal.last()->rows.empty());
+        EXPECT_TRUE(desk.journal.last().rows.empty());
     }
 }
 
@@ -142,7 +141,7 @@ TEST(NotedRename, WhatChangedSinceIsLeft) {
     desk.folder.write("3.mp3", song("another"));
     desk.folder.write("k.m3u8", "4.mp3\n6.mp3\n");
     const auto batch = desk.journal.last();
-    BatchBack back(*batch);
+    BatchBack back(batch);
     EXPECT_EQ(back.changedRows().size(), 1U);
     EXPECT_TRUE(back.perform(desk.renamer));
     Files expected = start;

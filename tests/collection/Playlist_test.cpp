@@ -88,11 +88,39 @@ TEST(Playlist, NamesAreInTheCodePageUnlessTheListIsUtf8) {
     const std::pair<std::string, std::string> lists[] = {
         {"ansi.m3u", cyrillic}, {"marked.m3u", "\xEF\xBB\xBFПёс.mp3"}, {"named.M3U8", "Пёс.mp3"}};
     for (const auto& [name, bytes] : lists) {
-        const auto entries = readPlaylistEntries(folder.write(name, bytes), ansi);
-        ASSERT_TRUE(entries) << name;
-        EXPECT_EQ(pathsOf(*entries), Names{folder.path("Пёс.mp3")}) << name;
+        PlaylistEntries entries;
+        const auto take = [&](PlaylistEntry entry) {
+            entries.push_back(std::move(entry));
+            return true;
+        };
+        EXPECT_TRUE(eachEntryOf(folder.write(name, bytes), ansi, take));
+        EXPECT_EQ(pathsOf(entries), Names{folder.path("Пёс.mp3")}) << name;
     }
-    EXPECT_FALSE(readPlaylistEntries(folder.path("none.m3u"), ansi));
+    EXPECT_FALSE(eachEntryOf(folder.path("none.m3u"), ansi, [](const auto&) { return true; }));
+}
+
+TEST(Playlist, ACancelIsHeardWhileAListIsRead) {
+    const TempFolder folder;
+    const CodePage ansi(1252);
+    std::string bytes;
+    for (int i = 0; i < 1000; ++i) bytes += "a" + std::to_string(i) + ".mp3\r\n";
+    const std::string list = folder.write("l.m3u", bytes);
+    TestProgress progress;
+    std::size_t taken = 0;
+    const auto take = [&](const PlaylistEntry&) {
+        progress.cancel = ++taken == 10;
+        return true;
+    };
+    EXPECT_TRUE(eachEntryOf(list, ansi, take, &progress.cancel));
+    EXPECT_EQ(taken, 10U);
+    EXPECT_FALSE(eachEntryOf(list, ansi, take, &progress.cancel));
+}
+
+TEST(Playlist, ALineLongerThanAnyPathNamesNothing) {
+    const CodePage ansi(1252);
+    const std::string longest(longestEntry - 4, 'a');
+    EXPECT_EQ(playlistEntries(longest + ".mp3\n", {"/m"}, ansi).size(), 1U);
+    EXPECT_EQ(playlistEntries("a" + longest + ".mp3\n", {"/m"}, ansi).size(), 0U);
 }
 
 TEST(Playlist, CollectionTakesTheEntriesOfItsTypes) {

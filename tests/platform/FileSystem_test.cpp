@@ -4,6 +4,8 @@
 
 #include <map>
 
+#include "platform/File.h"
+#include "platform/FileTransfer.h"
 #include "support/TempFolder.h"
 
 namespace tavlo::test {
@@ -78,6 +80,51 @@ TEST(FileSystem, PathsAreMadeAbsolute) {
     EXPECT_FALSE(canonical.empty());
     EXPECT_EQ(canonicalPath(folder.path("sub/../sub/a.mp3")), canonical);
     EXPECT_EQ(canonicalPath(folder.path("none")), "");
+}
+
+// Another system may have made names that this one would tidy up.
+TEST(FileSystem, NamesAreTakenToTheLetter) {
+    const TempFolder folder;
+    const std::string separator(1, nativeSeparator());
+    const std::vector<std::string> folders{"Album", "Album.", "Album ", "Album. .", "aux"};
+    const std::vector<std::string> names{"a", "a.", "a ", "con.mp3", "nul"};
+    for (const std::string& below : folders) {
+        const std::string path = folder.path() + separator + below;
+        ASSERT_EQ(createFolder(path), Created::Done) << below;
+        for (const std::string& name : names) {
+            ASSERT_EQ(writeNewFile(path + separator + name, below + name), Created::Done) << name;
+        }
+    }
+    EXPECT_EQ(listFolder(folder.path()).size(), folders.size());
+    for (const std::string& below : folders) {
+        const std::string path = folder.path() + separator + below;
+        EXPECT_EQ(listFolder(path).size(), names.size()) << below;
+        for (const std::string& name : names) {
+            const std::string file = path + separator + name;
+            EXPECT_EQ(readFile(file, 100), below + name) << file;
+            EXPECT_TRUE(replaceFile(file, "new")) << file;
+            EXPECT_EQ(readFile(absolutePath(file), 100), "new") << file;
+            EXPECT_EQ(fileInfo(file)->size, 3U) << file;
+        }
+        for (const std::string& name : names) {
+            EXPECT_EQ(moveFile(path + separator + name, path + separator + "other" + name),
+                      Transfer::Done);
+            EXPECT_TRUE(removeEntry(path + separator + "other" + name)) << name;
+        }
+        EXPECT_TRUE(removeEmptyFolder(path)) << below;
+    }
+}
+
+TEST(FileSystem, AFileThatAnotherHoldsIsInUse) {
+    const TempFolder folder;
+    const std::string path = folder.write("a.mp3", "x");
+    EXPECT_FALSE(isInUse(path));
+    EXPECT_FALSE(isInUse(folder.path("none")));
+    File held;
+    ASSERT_TRUE(held.open(path, Access::ReadWrite));
+    EXPECT_TRUE(isInUse(path));
+    held.close();
+    EXPECT_FALSE(isInUse(path));
 }
 
 }  // namespace

@@ -102,5 +102,22 @@ TEST(FileTransfer, NoFaultLosesOrHalvesAFile) {
     }
 }
 
+// Somebody else may have put the link there, on any system.
+TEST(FileTransfer, NothingIsWrittenInALinksPlace) {
+    MemoryCalls calls;
+    calls.put("list", other).isLink = true;
+    calls.put("source", text);
+    auto& planted = calls.put("new.tmp", other);
+    planted.isLink = planted.isTemporary = true;
+    EXPECT_FALSE(canBeReplaced("list", calls));
+    EXPECT_FALSE(replaceFile("list", text, calls));
+    EXPECT_FALSE(replaceByCopy("list", "source", calls));
+    EXPECT_EQ(writeFile("list", text, calls), Transfer::Exists);
+    EXPECT_EQ(calls.at("list").bytes, other);
+    EXPECT_TRUE(replaceFile("new", text, calls));
+    EXPECT_EQ(calls.at("new.tmp").bytes, other);
+    EXPECT_EQ(calls.temporaryFiles(), 1U);
+}
+
 }  // namespace
 }  // namespace tavlo::test

@@ -35,6 +35,7 @@ class MemoryCalls final : public FileCalls {
         bool isFlushed = true;
         bool isTemporary = false;
         std::uint64_t index = 0;
+        bool isLink = false;
     };
     static constexpr std::size_t pageSize = 4096;
 
@@ -176,6 +177,10 @@ class MemoryCalls final : public FileCalls {
         return names;
     }
     bool makeOwnFolder(const std::string&) override { return happens(); }
+
+    bool isLink(const std::string& path) override {
+        return files_.contains(path) && files_[path]->isLink;
+    }
 
  private:
     using File = std::shared_ptr<Stored>;
