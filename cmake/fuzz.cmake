@@ -1,19 +1,31 @@
 set(TAVLO_FUZZ_SECONDS 5 CACHE STRING "Longest time that a test run gives one fuzz target")
+find_program(PYTHON3 python3 REQUIRED)
+
+# Inputs that are made, not kept; those of real files only where that folder is there.
+set(seeds ${CMAKE_BINARY_DIR}/seeds)
+add_custom_command(OUTPUT ${seeds}/made
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${seeds}
+    COMMAND ${PYTHON3} ${CMAKE_SOURCE_DIR}/fuzz/make_corpus.py --seeds ${seeds}
+        ${CMAKE_SOURCE_DIR}/../shared/corpus
+    COMMAND ${CMAKE_COMMAND} -E touch ${seeds}/made
+    DEPENDS ${CMAKE_SOURCE_DIR}/fuzz/make_corpus.py ${CMAKE_SOURCE_DIR}/fuzz/tag_bytes.py)
+add_custom_target(fuzz_seeds ALL DEPENDS ${seeds}/made)
 
 # Each fuzz/<name>.cpp is a program; its kept inputs lie in fuzz/corpus/<name>, new ones go to
-# build/fuzz/found/<name>.
+# build/fuzz/found/<name>. An input has up to 1 MB and 5 seconds, or it counts as a hang.
 file(GLOB targets CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/fuzz/*.cpp)
 foreach(source IN LISTS targets)
     get_filename_component(name ${source} NAME_WE)
     set(found ${CMAKE_BINARY_DIR}/found/${name})
     set(kept ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name})
-    file(MAKE_DIRECTORY ${found} ${kept})
+    file(MAKE_DIRECTORY ${found} ${kept} ${seeds}/${name})
     add_executable(fuzz_${name} ${source})
     target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
     target_include_directories(fuzz_${name} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(fuzz_${name} PRIVATE tavlo_options ${TAVLO_ROOMS})
     add_test(NAME fuzz.${name} COMMAND fuzz_${name}
-        -max_total_time=${TAVLO_FUZZ_SECONDS} -timeout=10 -rss_limit_mb=2048 -verbosity=0
-        -seed=1 -artifact_prefix=${CMAKE_BINARY_DIR}/${name}- ${found} ${kept}
+        -max_total_time=${TAVLO_FUZZ_SECONDS} -max_len=1048576 -timeout=5 -rss_limit_mb=2048
+        -verbosity=0 -seed=1 -artifact_prefix=${CMAKE_BINARY_DIR}/${name}-
+        ${found} ${kept} ${seeds}/${name}
         WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
 endforeach()
