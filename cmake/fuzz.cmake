@@ -1,4 +1,5 @@
 set(TAVLO_FUZZ_SECONDS 5 CACHE STRING "Longest time that a test run gives one fuzz target")
+set(TAVLO_LONG_FUZZ_SECONDS 180 CACHE STRING "The same for ./test --long")
 find_program(PYTHON3 python3 REQUIRED)
 
 # Inputs that are made, not kept; those of real files only where that folder is there.
@@ -23,9 +24,11 @@ foreach(source IN LISTS targets)
     target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
     target_include_directories(fuzz_${name} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(fuzz_${name} PRIVATE tavlo_options ${TAVLO_ROOMS})
-    add_test(NAME fuzz.${name} COMMAND fuzz_${name}
-        -max_total_time=${TAVLO_FUZZ_SECONDS} -max_len=1048576 -timeout=5 -rss_limit_mb=2048
-        -verbosity=0 -seed=1 -artifact_prefix=${CMAKE_BINARY_DIR}/${name}-
-        ${found} ${kept} ${seeds}/${name}
-        WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
+    set(arguments -max_len=1048576 -timeout=5 -rss_limit_mb=2048 -verbosity=0
+        -artifact_prefix=${CMAKE_BINARY_DIR}/${name}- ${found} ${kept} ${seeds}/${name})
+    add_test(NAME fuzz.${name} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
+        COMMAND fuzz_${name} -max_total_time=${TAVLO_FUZZ_SECONDS} -seed=1 ${arguments})
+    # Of these the seed differs each time: they are to find what no run has found yet.
+    add_test(NAME long.fuzz.${name} CONFIGURATIONS Long WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
+        COMMAND fuzz_${name} -max_total_time=${TAVLO_LONG_FUZZ_SECONDS} ${arguments})
 endforeach()

@@ -3,8 +3,8 @@
 
 all_settings.py --program PATH [--sample] FOLDER...
 
-What ffmpeg decodes before it decodes after, to the same sound; of the others what lies between the
-tags is there byte for byte. What was not edited stays as kept.py says. `--sample` takes one choice.
+What lies between the tags is there byte for byte; where mutagen does not see where that is, ffmpeg
+decodes it to the same sound. What was not edited stays as kept.py says. `--sample` takes one choice.
 """
 
 import argparse
@@ -58,27 +58,34 @@ class Found:
     def __init__(self, path, number, settings):
         self.data, self.what, self.number = path.read_bytes(), path.name, number
         self.kind, self.ending = ENDINGS[path.suffix], path.suffix[1:]
-        self.settings = settings
+        self.name, self.settings = f"{number}{path.suffix}", settings
         self.field = list(EDITS)[settings % len(EDITS)]
         self.option, values = EDITS[self.field]
         self.value = values[settings // 2 % 2]
         self.tail = self.data[-20000:]
 
     def has_sound(self, data):
+        between = self.between()
+        if between and between in data:
+            return True
         before = sound(self.data, "." + self.ending)
-        if before is not None:
-            return sound(data, "." + self.ending) == before
-        return self.between() in data
+        return sound(data, "." + self.ending) == before if before else not between
 
     def between(self):
         """What lies between the tags, as far as mutagen knows them."""
-        tag, items, block = (outside.id3v2(self.data), outside.apev2_items(self.data),
-                             outside.id3v1(self.data))
-        end = len(self.data) - (128 if block else 0)
-        begin = tag.size if tag else 0
+        items, end = outside.apev2_items(self.data), len(self.data)
+        if outside.id3v1(self.data):
+            end -= 128
         if items and items.begin:
             end = min(end, items.begin)
-        return self.data[begin:end]
+        return self.data[self.tag_end():end]
+
+    def tag_end(self):
+        tag = outside.id3v2(self.data)
+        if tag or self.data[:3] != b"ID3":
+            return tag.size if tag else 0
+        return 10 + sum((byte & 127) << shift
+                        for byte, shift in zip(self.data[6:10], (21, 14, 7, 0)))
 
 
 def choices():

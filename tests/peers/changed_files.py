@@ -41,6 +41,7 @@ class Made:
         self.head, self.tail = head, tail
         self.data = head + SOUND + tail
         self.ending = "mp3" if kind not in OTHER_TYPES else ("mpc", "wv", "ape")[self.seed % 3]
+        self.name = f"{kind}.{number}.{self.ending}"
         pick = self.seed // len(SEED_TABLES[kind]) if plain else self.random.randrange(10**6)
         self.field = list(EDITS)[pick % len(EDITS)]
         self.settings = pick // len(EDITS) % len(SETTINGS)

@@ -67,7 +67,7 @@ def check_batch(program, files, place, verdicts):
     """Files that have settings, option and value in common."""
     place.mkdir(parents=True)
     for file in files:
-        (place / f"{file.number}.{file.ending}").write_bytes(file.data)
+        (place / file.name).write_bytes(file.data)
     first = files[0]
     words = (first.option, first.value)
     rows = program.change(place, first.settings, *words)
@@ -80,38 +80,40 @@ def check_batch(program, files, place, verdicts):
         return
     after = {}
     for file in files:
-        name = f"{file.number}.{file.ending}"
+        name = file.name
         after[name] = (place / name).read_bytes()
         check_file(file, rows.get(name), after[name], verdicts)
     again = program.change(place, first.settings, *words)
     for file in files:
-        name = f"{file.number}.{file.ending}"
+        name = file.name
         same = (place / name).read_bytes() == after[name]
         if again is None or not same or results(again.get(name)) & {"changed"}:
             verdicts.fail(file, "second run changes it", results(again and again.get(name)), same)
 
 
-def check_numbers(kind, numbers, asked):
+def check_files(named, asked):
+    """Files by kind and number, those with the same settings and words in one run."""
     verdicts, batches = Verdicts(asked.show), {}
-    for number in numbers:
+    for kind, number in named:
         file = Made(kind, number)
         batches.setdefault((file.settings, file.option, file.value), []).append(file)
     with tempfile.TemporaryDirectory(dir=MEMORY) as place:
         program = Program(os.path.abspath(asked.program), place)
         for step, files in enumerate(batches.values()):
-            folder = Path(place) / f"{kind}-{step}"
+            folder = Path(place) / f"batch{step}"
             check_batch(program, files, folder, verdicts)
             shutil.rmtree(folder)
     return verdicts
 
 
 def parts(asked):
-    """Kind and numbers, in pieces of a size that keeps every processor busy."""
-    count, piece = asked.count // 100 if asked.sample else asked.count, 1000
-    for kind in asked.kind or KINDS:
-        numbers = [*plain_numbers(kind, asked.sample), *range(asked.first, asked.first + count)]
-        for begin in range(0, len(numbers), piece):
-            yield kind, numbers[begin:begin + piece], asked
+    """The files, in pieces of a size that keeps every processor busy."""
+    count, piece = asked.count // 100 if asked.sample else asked.count, 2000
+    named = [(kind, number) for kind in asked.kind or KINDS
+             for number in (*plain_numbers(kind, asked.sample),
+                            *range(asked.first, asked.first + count))]
+    for begin in range(0, len(named), piece):
+        yield named[begin:begin + piece], asked
 
 
 def show_one(program, name, place, keep, verdicts):
@@ -151,7 +153,7 @@ def main():
             show_one(program, asked.one, Path(place), asked.keep, verdicts)
     else:
         with Pool() as pool:
-            for found in pool.starmap(check_numbers, parts(asked), chunksize=1):
+            for found in pool.starmap(check_files, parts(asked), chunksize=1):
                 verdicts.add(found)
     return 0 if verdicts.tell() else 1
 
