@@ -13,7 +13,7 @@ add_custom_command(OUTPUT ${seeds}/made
 add_custom_target(fuzz_seeds ALL DEPENDS ${seeds}/made)
 
 # Each fuzz/<name>.cpp is a program; its kept inputs lie in fuzz/corpus/<name>, new ones go to
-# build/fuzz/found/<name>. An input has up to 1 MB and 5 seconds, or it counts as a hang.
+# build/fuzz/found/<name>. An input has up to 1 MB and 10 seconds, or it counts as a hang.
 file(GLOB targets CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/fuzz/*.cpp)
 foreach(source IN LISTS targets)
     get_filename_component(name ${source} NAME_WE)
@@ -24,7 +24,7 @@ foreach(source IN LISTS targets)
     target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
     target_include_directories(fuzz_${name} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(fuzz_${name} PRIVATE tavlo_options ${TAVLO_ROOMS})
-    set(arguments -max_len=1048576 -timeout=5 -rss_limit_mb=2048 -verbosity=0
+    set(arguments -max_len=1048576 -timeout=10 -rss_limit_mb=2048 -verbosity=0
         -artifact_prefix=${CMAKE_BINARY_DIR}/${name}- ${found} ${kept} ${seeds}/${name})
     add_test(NAME fuzz.${name} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
         COMMAND fuzz_${name} -max_total_time=${TAVLO_FUZZ_SECONDS} -seed=1 ${arguments})

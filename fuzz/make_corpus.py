@@ -152,7 +152,8 @@ SEEDS = {
     "journal": [BATCH, BATCH + b"moved\ndone\n", BATCH[:-9], b"file\t\t\t\t\nfile\t-1\t9\n\n"],
     "id3v1": [V1, id3v1(b"\xc8\xec\xff", 0), b"x" * 40 + V1 + b"behind it", V1[:127]],
     "id3v2": [TAG2, TAG3, TAG4, FLAGGED, FLAGGED4, UNSYNC, EXTENDED],
-    "apev2": [APE, APE + V1, ape([(b"Title", b"\xc8\xec\xff", 0)], 1000, False)],
+    "apev2": [APE, APE + V1, ape([(b"Title", b"\xc8\xec\xff", 0)], 1000, False),
+              ape([(b"Own", b"\x88\xb9\xff" * 50, 0)], 1000, False)],
     "lyrics3": [LYRICS + V1, LYRICS, b"\0" * 200 + LYRICS + V1],
     "mpeg": [FRAME * 4, XING + FRAME * 2, VBRI.ljust(96, b"\0") + FRAME * 2, FRAME * 3 + V1,
              TAG3 + FRAME * 3 + LYRICS + V1, TAG4 + b"\xff\xfb" + FRAME * 3 + APE + V1],
@@ -229,6 +230,10 @@ def large_files():
     yield around(*[frame(4, b"APIC", b"\0image/\0\4\0")] * (room // 20))
     yield id3v2(2, [frame(2, b"TT2", b"\0")] * (room // 7), padding=0) + FRAME
     yield id3v2(4, [], padding=0) * (room // 10) + FRAME
+    for name, content in ((b"APIC", b"\0image/png\0\4\0"), (b"TXXX", b"\3k\0")):
+        packed = zlib.compress(content + b"a" * ((16 << 20) - len(content)))
+        one = frame(4, name, syncsafe(16 << 20) + packed, b"\0\x09")
+        yield around(*[one] * (room // len(one)))
     yield FRAME + ape([(b"Artist", bytes(room), 0)])
     yield FRAME + ape([(b"ab", b"", 0)] * (room // 11))
     yield FRAME + b"LYRICSBEGIN" * (room // 30) + b"LYRICS200" * (room // 30) + V1
@@ -257,7 +262,7 @@ def seeds(folder):
             yield "stream", bytes([STREAM_KINDS[ending]]) + data
         if ending == ".wav":
             yield "wave", data
-    yield "playlist", b"a\n" * (LARGEST // 2 - 1)
+    yield "playlist", b"a\n" * 50000
     yield "journal", b"file\t1\t2\ta\tb\n" * 20000
 
 
