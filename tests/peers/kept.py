@@ -23,7 +23,7 @@ from pathlib import Path
 
 import outside_view as outside
 from changed_files import KINDS, SETTINGS, Made, plain_numbers
-from kept_checks import Verdicts, check_file, clipped, results
+from kept_checks import Verdicts, check_file, check_plan, clipped, results
 
 MEMORY = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
 
@@ -70,25 +70,26 @@ def check_batch(program, files, place, verdicts):
         (place / file.name).write_bytes(file.data)
     first = files[0]
     words = (first.option, first.value)
+    planned = program.change(place, first.settings, *words, "/dryrun")
+    untouched = {file.name: (place / file.name).read_bytes() for file in files}
     rows = program.change(place, first.settings, *words)
-    if rows is None:
+    if planned is None or rows is None:
         if len(files) > 1:
             for number, file in enumerate(files):
                 check_batch(program, [file], place.parent / f"{place.name}-{number}", verdicts)
         else:
             verdicts.fail(first, "crash or hang")
         return
-    after = {}
+    after = {file.name: (place / file.name).read_bytes() for file in files}
     for file in files:
-        name = file.name
-        after[name] = (place / name).read_bytes()
-        check_file(file, rows.get(name), after[name], verdicts)
+        check_plan(file, planned.get(file.name), rows.get(file.name), untouched[file.name], verdicts)
+        check_file(file, rows.get(file.name), after[file.name], verdicts)
     again = program.change(place, first.settings, *words)
     for file in files:
-        name = file.name
-        same = (place / name).read_bytes() == after[name]
-        if again is None or not same or results(again.get(name)) & {"changed"}:
-            verdicts.fail(file, "second run changes it", results(again and again.get(name)), same)
+        same = (place / file.name).read_bytes() == after[file.name]
+        said = results(again.get(file.name)) if again else {"crash or hang"}
+        if not same or said & {"changed", "crash or hang"}:
+            verdicts.fail(file, "second run changes it", said, same)
 
 
 def check_files(named, asked):
