@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 #include "collection/RenameJournal.h"
@@ -9,11 +10,12 @@
 using namespace tavlo;
 
 namespace {
-std::string newFolder() {
-    std::string folder = "/tmp/tavlo-fuzz-XXXXXX";
-    promise(::mkdtemp(folder.data()) != nullptr);
-    return folder;
-}
+struct Folder {
+    Folder() { promise(::mkdtemp(path.data()) != nullptr); }
+    ~Folder() { std::filesystem::remove_all(path); }
+
+    std::string path = "/tmp/tavlo-fuzz-XXXXXX";
+};
 
 bool sameBatch(const JournalBatch& one, const JournalBatch& other) {
     const auto sameList = [](const JournalList& a, const JournalList& b) {
@@ -28,13 +30,13 @@ bool sameBatch(const JournalBatch& one, const JournalBatch& other) {
 
 // The input is the file of a batch. What is read of it comes back when it is noted again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::string found = newFolder(), noted = newFolder();
-    std::ofstream(found + "/000001.txt", std::ios::binary) << textOf({data, size});
-    RenameJournal journal(found);
+    static const Folder found, noted;
+    std::ofstream(found.path + "/000001.txt", std::ios::binary) << textOf({data, size});
+    RenameJournal journal(found.path);
     const auto batch = journal.last();
     promise(batch.has_value());
     if (batch->rows.empty()) return 0;
-    RenameJournal again(noted);
+    RenameJournal again(noted.path);
     promise(again.begin("now", *batch));
     const auto read = again.last();
     promise(read && sameBatch(*read, *batch) && !read->isMoved && !read->isDone);

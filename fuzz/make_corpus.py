@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Makes the kept inputs of the fuzz targets again: fuzz/make_corpus.py
 
-make_corpus.py --seeds OUT [FOLDER]: further inputs that are not kept, into OUT/<target>: tags of every
-kind, large inputs, and the files of FOLDER where it is there.
+make_corpus.py --seeds OUT [FOLDER]: further inputs that are not kept, into OUT/small/<target> and
+OUT/large/<target>: tags of every kind, large inputs, and the files of FOLDER where it is there.
 """
 
 import sys
@@ -198,7 +198,7 @@ FILE_TARGETS = {"id3v1": b"", "id3v2": b"", "apev2": b"", "lyrics3": b"", "mpeg"
                 "update": b"\x0b", "fileview": b"\0\0"}
 STREAM_KINDS = {".ogg": 0, ".oga": 0, ".flac": 1, ".mpc": 2, ".wv": 3, ".ape": 4, ".m4a": 5,
                 ".mp4": 5, ".m4v": 5, ".aac": 6, ".wma": 7}
-LARGEST = 1 << 20
+LARGE, LARGEST = 1 << 16, 1 << 20  # bytes; the large ones are for long runs
 SETTINGS = range(32)  # of the target `update`; one more bit makes the file a Musepack one
 
 
@@ -268,7 +268,7 @@ def seeds(folder):
 
 def write_seeds(out, folder):
     for number, (target, data) in enumerate(seeds(folder)):
-        place = out / target
+        place = out / ("large" if len(data) > LARGE else "small") / target
         place.mkdir(parents=True, exist_ok=True)
         (place / f"{number:05d}").write_bytes(data)
 

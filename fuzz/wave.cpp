@@ -1,8 +1,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <limits>
-
 #include "fuzz/Promise.h"
 #include "tags/WaveFile.h"
 
@@ -19,8 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool isRead = readWave(file, record);
     promise(isRead == record.StreamFound);
     promise(record.Seconds >= 0 && record.Channels >= 0 && record.SampleRate >= 0);
-    promise(record.Bitrate >= 0 &&
-            record.Bitrate <= std::numeric_limits<std::int32_t>::max() / 100);
+    promise(record.Bitrate >= 0);
     const WaveContents contents = waveContents("/proc/self/fd/" + std::to_string(handle));
     promise(isRead || (!contents.isWhole && !contents.hasOnlySound));
     return 0;
