@@ -1,51 +1,18 @@
 #!/usr/bin/env python3
-"""Makes the kept inputs of the fuzz targets again: fuzz/make_corpus.py"""
+"""Makes the kept inputs of the fuzz targets again: fuzz/make_corpus.py
 
+make_corpus.py --seeds OUT [FOLDER]: further inputs that are not kept, into OUT/small/<target> and
+OUT/large/<target>: tags of every kind, large inputs, and the files of FOLDER where it is there.
+"""
+
+import sys
 import zlib
 from pathlib import Path
 
+import tag_bytes
+from tag_bytes import ape, frame, id3v1, id3v2, lyrics, syncsafe, utf16
+
 HERE = Path(__file__).resolve().parent / "corpus"
-
-
-def syncsafe(size):
-    return bytes(size >> shift & 0x7F for shift in (21, 14, 7, 0))
-
-
-def frame(version, name, body, flags=b"\0\0"):
-    if version == 2:
-        return name + len(body).to_bytes(3, "big") + body
-    size = syncsafe(len(body)) if version == 4 else len(body).to_bytes(4, "big")
-    return name + size + flags + body
-
-
-def id3v2(version, frames, flags=0, padding=16):
-    body = b"".join(frames) + bytes(padding)
-    return b"ID3" + bytes([version, 0, flags]) + syncsafe(len(body)) + body
-
-
-def id3v1(title, track):
-    return (b"TAG" + title.ljust(30, b"\0") + b"artist".ljust(30) + b"album".ljust(30, b"\0")
-            + b"2001" + b"comment".ljust(28, b"\0") + bytes([0, track, 17]))
-
-
-def ape(items, version=2000, header=True):
-    body = b"".join(len(value).to_bytes(4, "little") + flags.to_bytes(4, "little") + key + b"\0"
-                    + value for key, value, flags in items)
-
-    def block(flags):
-        numbers = (version, len(body) + 32, len(items), flags)
-        return b"APETAGEX" + b"".join(n.to_bytes(4, "little") for n in numbers) + bytes(8)
-
-    return block(0xA0000000) + body + block(0x80000000) if header else body + block(0)
-
-
-def lyrics(fields):
-    body = b"LYRICSBEGIN" + b"".join(name + b"%05d" % len(data) + data for name, data in fields)
-    return body + b"%06d" % len(body) + b"LYRICS200"
-
-
-def utf16(text):
-    return b"\1" + text.encode("utf-16")
 
 
 # 32 kbit/s, MPEG-2 at 24 kHz, mono: frames of 96 bytes; the first may hold a VBR header.
@@ -163,10 +130,30 @@ CD_TEXT = packs(0x80, (0, 0, b"Album\0One\0\t\0"), (3, 0, b"A long title")) + pa
     0x81, (0, 0, b"Band\0\0\0\0\0\0\0\0"), (1, 0x80, b"\x83\x65\0\0\t\t\0\0\0\0\0\0")) + packs(
     0x8F, (0, 0, b"\x80\1\2" + bytes(9)))
 
+def chunk(name, data):
+    return name + little((len(data), 4)) + data + bytes(len(data) % 2)
+
+
+def wave(*chunks):
+    body = b"WAVE" + b"".join(chunks)
+    return b"RIFF" + little((len(body), 4)) + body
+
+
+FORMAT = chunk(b"fmt ", little((1, 2), (2, 2), (8000, 4), (32000, 4), (4, 2), (16, 2)))
+BATCH = (b"batch\tnow\nfile\t12\t34\t/a/b\\t.mp3\t/a/c.mp3\nfolder\t/a\nroot\t/a\n"
+         b"list\t/a/x.m3u\tb\\t.mp3\\n\n")
+
 SEEDS = {
+    "wave": [wave(FORMAT, chunk(b"data", bytes(64))),
+             wave(chunk(b"LIST", b"INFO" + chunk(b"ISFT", b"Maker\0")), FORMAT,
+                  chunk(b"fact", bytes(4)), chunk(b"data", bytes(33)), chunk(b"id3 ", TAG3)),
+             wave(FORMAT, b"data" + little((0, 4)) + bytes(20)),
+             wave(FORMAT, b"data" + little((2**32 - 1, 4)) + bytes(20))],
+    "journal": [BATCH, BATCH + b"moved\ndone\n", BATCH[:-9], b"file\t\t\t\t\nfile\t-1\t9\n\n"],
     "id3v1": [V1, id3v1(b"\xc8\xec\xff", 0), b"x" * 40 + V1 + b"behind it", V1[:127]],
     "id3v2": [TAG2, TAG3, TAG4, FLAGGED, FLAGGED4, UNSYNC, EXTENDED],
-    "apev2": [APE, APE + V1, ape([(b"Title", b"\xc8\xec\xff", 0)], 1000, False)],
+    "apev2": [APE, APE + V1, ape([(b"Title", b"\xc8\xec\xff", 0)], 1000, False),
+              ape([(b"Own", b"\x88\xb9\xff" * 50, 0)], 1000, False)],
     "lyrics3": [LYRICS + V1, LYRICS, b"\0" * 200 + LYRICS + V1],
     "mpeg": [FRAME * 4, XING + FRAME * 2, VBRI.ljust(96, b"\0") + FRAME * 2, FRAME * 3 + V1,
              TAG3 + FRAME * 3 + LYRICS + V1, TAG4 + b"\xff\xfb" + FRAME * 3 + APE + V1],
@@ -206,7 +193,90 @@ SEEDS = {
 }
 
 
+# What a target has in front of the file: its choice of settings, of a format, of a gap.
+FILE_TARGETS = {"id3v1": b"", "id3v2": b"", "apev2": b"", "lyrics3": b"", "mpeg": b"", "layers": b"",
+                "update": b"\x0b", "fileview": b"\0\0"}
+STREAM_KINDS = {".ogg": 0, ".oga": 0, ".flac": 1, ".mpc": 2, ".wv": 3, ".ape": 4, ".m4a": 5,
+                ".mp4": 5, ".m4v": 5, ".aac": 6, ".wma": 7}
+LARGE, LARGEST = 1 << 16, 1 << 20  # bytes; the large ones are for long runs
+SETTINGS = range(32)  # of the target `update`; one more bit makes the file a Musepack one
+
+
+def made_files():
+    """Every tag of tests/peers/kept.py, around a little sound."""
+    ends = (b"", V1, tag_bytes.LYRICS + V1, APE + V1)
+    number = 0
+    for version in (2, 3, 4):
+        for _, tag in tag_bytes.made_tags(version):
+            number += 1
+            yield tag + FRAME * 2 + ends[number % len(ends)]
+    for _, tag in tag_bytes.made_apes():
+        yield FRAME * 2 + tag + V1
+    for _, block in tag_bytes.ODD_V1:
+        yield FRAME * 2 + tag_bytes.LYRICS + block
+
+
+def large_files():
+    """As many as possible of what a reader goes through one by one."""
+    def around(*frames):
+        return id3v2(4, frames, padding=0) + FRAME
+    room = LARGEST - 4096
+    yield around(frame(4, b"TPE1", b"\3" + bytes(room)))
+    yield around(frame(4, b"TPE1", b"\3" + b"a\0" * (room // 2)))
+    yield around(frame(4, b"TIT2", b"\1\xff\xfe" + b"(\0[\0" * (room // 4)))
+    yield around(frame(4, b"TCON", b"\0" + b"(1)" * (room // 3)))
+    yield around(*[frame(4, b"TXXX", b"\3\0")] * (room // 12))
+    yield around(*[frame(4, b"COMM", b"\0eng\0")] * (room // 15))
+    yield around(*[frame(4, b"APIC", b"\0image/\0\4\0")] * (room // 20))
+    yield id3v2(2, [frame(2, b"TT2", b"\0")] * (room // 7), padding=0) + FRAME
+    yield id3v2(4, [], padding=0) * (room // 10) + FRAME
+    for name, content in ((b"APIC", b"\0image/png\0\4\0"), (b"TXXX", b"\3k\0")):
+        packed = zlib.compress(content + b"a" * ((16 << 20) - len(content)))
+        one = frame(4, name, syncsafe(16 << 20) + packed, b"\0\x09")
+        yield around(*[one] * (room // len(one)))
+    yield FRAME + ape([(b"Artist", bytes(room), 0)])
+    yield FRAME + ape([(b"ab", b"", 0)] * (room // 11))
+    yield FRAME + b"LYRICSBEGIN" * (room // 30) + b"LYRICS200" * (room // 30) + V1
+    yield FRAME + lyrics([(b"INF", b"")] * 100000) + V1
+    yield b"\xff\xfb\x90" * (room // 3)
+
+
+def corpus_files(folder):
+    for path in sorted(folder.rglob("*")) if folder.is_dir() else []:
+        if path.is_file() and path.stat().st_size < LARGEST:
+            yield path.suffix.lower(), path.read_bytes()
+
+
+def seeds(folder):
+    """(target, input)"""
+    for number, data in enumerate([*made_files(), *large_files()]):
+        for target, head in FILE_TARGETS.items():
+            if target == "update":
+                head = bytes([SETTINGS[number * 7 % 32] | (0x20 if number % 5 == 0 else 0)])
+            yield target, head + data
+    for ending, data in corpus_files(folder):
+        if ending in (".mp3", ".id3", ".ape", ".mpc", ".wv"):
+            for target, head in FILE_TARGETS.items():
+                yield target, head + data
+        if ending in STREAM_KINDS:
+            yield "stream", bytes([STREAM_KINDS[ending]]) + data
+        if ending == ".wav":
+            yield "wave", data
+    yield "playlist", b"a\n" * 50000
+    yield "journal", b"file\t1\t2\ta\tb\n" * 20000
+
+
+def write_seeds(out, folder):
+    for number, (target, data) in enumerate(seeds(folder)):
+        place = out / ("large" if len(data) > LARGE else "small") / target
+        place.mkdir(parents=True, exist_ok=True)
+        (place / f"{number:05d}").write_bytes(data)
+
+
 def main():
+    if sys.argv[1:2] == ["--seeds"]:
+        write_seeds(Path(sys.argv[2]), Path(sys.argv[3] if len(sys.argv) > 3 else "none"))
+        return
     for target, inputs in SEEDS.items():
         folder = HERE / target
         folder.mkdir(parents=True, exist_ok=True)
