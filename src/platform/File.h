@@ -41,6 +41,8 @@ class File {
     [[nodiscard]] std::int64_t modified() const { return status_.modified; }
     [[nodiscard]] bool isWritable() const { return access_ == Access::ReadWrite && isOpen(); }
     [[nodiscard]] bool isTemporary() const { return status_.isTemporary; }
+    /// Under how many names it can be found.
+    [[nodiscard]] std::uint64_t names() const { return status_.names; }
     [[nodiscard]] FileHandle handle() const { return handle_; }
     /// Gives the handle away without closing it.
     FileHandle release();

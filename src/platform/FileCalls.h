@@ -38,6 +38,7 @@ struct FileStatus {
     std::int64_t modified = 0;  ///< in the system's own ticks, to be compared or put back
     bool isReadOnly = false;    ///< attribute; elsewhere: the owner may not write
     bool isTemporary = false;   ///< made by `create` and not yet given another file's attributes
+    std::uint64_t names = 1;    ///< hard links, this one counted
 };
 
 /// The system's calls that opening, changing and replacing a file are made of. Whatever touches a

@@ -78,6 +78,7 @@ FileHandle told(int file, const struct stat& found, FileStatus& status) {
     status.modified = nanosecondTicks(found.st_mtim.tv_sec, found.st_mtim.tv_nsec);
     status.isReadOnly = (found.st_mode & S_IWUSR) == 0;
     status.isTemporary = (found.st_mode & permissions) == temporaryMode;
+    status.names = found.st_nlink;
     return file;
 }
 

@@ -84,6 +84,7 @@ class SystemCalls : public FileCalls {
             halvedTicks(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime);
         status.isReadOnly = (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
         status.isTemporary = (info.dwFileAttributes & FILE_ATTRIBUTE_TEMPORARY) != 0;
+        status.names = info.nNumberOfLinks;
         return reinterpret_cast<FileHandle>(opened);
     }
 
