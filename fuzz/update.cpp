@@ -9,7 +9,7 @@ using namespace tavlo;
 namespace {
 TagSettings settingsOf(std::uint8_t chosen) {
     const auto bit = [&](unsigned place) { return (chosen >> place & 1U) != 0; };
-    return {bit(0), bit(1), bit(2), bit(3), bit(4)};
+    return {bit(0), bit(1), bit(2), bit(3), bit(4), false, !bit(6)};  // mostly without any sound
 }
 
 // What lies between the tags, and whether nothing stands between or behind those at the end.

@@ -6,6 +6,7 @@
 #include "collection/CopyJob.h"
 #include "collection/ListJob.h"
 #include "collection/PlaylistJob.h"
+#include "collection/RemoveTagsJob.h"
 #include "collection/RenameJob.h"
 #include "collection/UndoJob.h"
 #include "convert/ConversionJob.h"
@@ -94,6 +95,7 @@ int main(int argc, char** argv) {
         {RunMode::Setup, [&](Services& services) { return setUp(services, messages.kept); }},
         {RunMode::Scan, printList},
         {RunMode::Change, changeTags},
+        {RunMode::RemoveTags, removeTags},
         {RunMode::Rename, renameFiles},
         {RunMode::Rename2, renameFiles},
         {RunMode::AutoRename, renameFiles},

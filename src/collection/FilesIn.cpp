@@ -13,7 +13,7 @@ using NameTest = std::function<bool(std::string_view name)>;
 
 // A folder that links lead to is taken once.
 void addFiles(const std::string& folder, bool subfolders, const NameTest& isWanted,
-              std::vector<FolderId>& seen, std::vector<std::string>& files) {
+              std::vector<FileId>& seen, std::vector<std::string>& files) {
     if (const auto id = subfolders ? folderId(folder) : std::nullopt) {
         if (std::ranges::find(seen, *id) != seen.end()) return;
         seen.push_back(*id);
@@ -39,7 +39,7 @@ void addFiles(const std::string& folder, bool subfolders, const NameTest& isWant
 
 std::vector<std::string> filesIn(const std::string& folder, bool subfolders,
                                  const NameTest& isWanted) {
-    std::vector<FolderId> seen;
+    std::vector<FileId> seen;
     std::vector<std::string> files;
     addFiles(folder, subfolders, isWanted, seen, files);
     return files;

@@ -11,7 +11,7 @@ std::string FolderScan::run(const std::string& folder, bool subfolders) {
     std::string at = folder;
     if (!at.empty() && !isSeparator(at.back(), style)) at += separatorOf(style);
     root_ = canonicalPath(folder);
-    ancestors_ = {folderId(folder).value_or(FolderId{})};
+    ancestors_ = {folderId(folder).value_or(FileId{})};
     collect(at, subfolders, false);
     return std::move(paths_);
 }
@@ -69,7 +69,7 @@ void FolderScan::collectSubfolder(std::string& folder, const FolderEntry& entry,
     folder.resize(length);
 }
 
-bool FolderScan::isAncestor(const FolderId& id) const {
+bool FolderScan::isAncestor(const FileId& id) const {
     return std::find(ancestors_.begin(), ancestors_.end(), id) != ancestors_.end();
 }
 

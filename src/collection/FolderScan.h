@@ -34,7 +34,7 @@ class FolderScan {
  private:
     void collect(std::string& folder, bool subfolders, bool insideLink);
     void collectSubfolder(std::string& folder, const FolderEntry& entry, bool insideLink);
-    bool isAncestor(const FolderId& id) const;
+    bool isAncestor(const FileId& id) const;
     bool enterLink(const std::string& folder);
     std::vector<FolderEntry> sortedEntries(const std::string& folder) const;
     [[nodiscard]] bool isCancelled() const { return cancel_.load(std::memory_order_relaxed); }
@@ -42,7 +42,7 @@ class FolderScan {
     Progress& progress_;
     const CancelFlag& cancel_;
     const bool hidden_;
-    std::vector<FolderId> ancestors_;           // from the scanned folder down to where the scan is
+    std::vector<FileId> ancestors_;           // from the scanned folder down to where the scan is
     std::string root_;                          // the scanned folder, links resolved, when needed
     std::unordered_set<std::string> followed_;  // folders met behind links, links resolved
     std::string paths_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/DecodedText.h"
 #include "core/TextCase.h"
 #include "platform/PlainText.h"
 #include "platform/Utf8.h"
@@ -120,6 +121,24 @@ void ReverseTemplate::CompileReverseTemplate(std::string_view nameTemplate) {
         tokens_.push_back(std::move(token));
         rest.remove_prefix(std::min(size, rest.size()));
     }
+}
+
+// Each level by itself: its folder may have been named on another system.
+std::optional<std::string> ReverseTemplate::decodedPath(std::string_view path, PathStyle style,
+                                                        const CodePage& ansi) const {
+    const auto isBorder = [](const Token& token) { return token.text == border; };
+    auto levels = 1 + std::count_if(tokens_.begin(), tokens_.end(), isBorder);
+    std::string decoded;
+    for (; levels > 0; --levels) {
+        const std::size_t above = lastSeparator(path, style);
+        const auto text = decodedText(path.substr(above + 1), ansi);  // npos + 1 is the whole path
+        if (!text) return std::nullopt;
+        const bool isLast = above == std::string_view::npos;
+        decoded.insert(0, (isLast ? "" : std::string(1, path[above])) + *text);
+        if (isLast) return decoded;
+        path = path.substr(0, above);
+    }
+    return std::string(path) + decoded;
 }
 
 bool ReverseTemplate::RetrieveTags(std::string_view path, PathStyle style, ID3tag& record) const {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/PathText.h"
+#include "platform/CodePage.h"
 #include "tags/ID3tag.h"
 
 namespace tavlo {
@@ -31,6 +33,11 @@ class ReverseTemplate {
     [[nodiscard]] const std::vector<Token>& tokens() const { return tokens_; }
     /// Whether it can set any field.
     [[nodiscard]] bool hasFields() const;
+
+    /// A path with the levels that the template reads as UTF-8 text. Nothing where one of them is
+    /// no text, neither as it is nor in the code page.
+    [[nodiscard]] std::optional<std::string> decodedPath(std::string_view path, PathStyle style,
+                                                         const CodePage& ansi) const;
 
     /// Reads a file's full path; levels above the template's first one are left alone. Fields that
     /// the path has no place for stay; false where it has none for any.

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "core/Options.h"
+#include "core/StartUp.h"
 #include "core/Texts.h"
 #include "tags/ID3tag.h"
 
@@ -24,5 +25,12 @@ struct TagColumn {
 
 /// Artist, Title, Mix, Album, Year, TrackNumber, Genre.
 std::span<const TagColumn> tagColumns();
+
+/// The job's options with the texts that go into tags, and the template of names, as UTF-8 text.
+/// Nothing where one of them is no text; that is reported.
+std::optional<JobOptions> decodedOptions(Services& services);
+
+/// Whether a field that was to be changed is found as it was: in a tag that was not written.
+bool staysOld(std::string_view before, std::string_view wanted, std::string_view shown);
 
 }  // namespace tavlo

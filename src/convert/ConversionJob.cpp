@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "collection/JobFiles.h"
+#include "collection/TagColumns.h"
 #include "convert/ConversionReport.h"
 #include "platform/Console.h"
 #include "platform/DriveKind.h"
@@ -352,7 +353,8 @@ bool perform(Services& services, ConversionSettings& settings, std::vector<Conve
 }  // namespace
 
 int convertFiles(Services& services) {
-    if (!isPossible(services)) return unusableCommandLine;
+    const auto options = decodedOptions(services);
+    if (!options || !isPossible(services)) return unusableCommandLine;
     JobFiles wanted;
     if (services.options.mode == RunMode::Decode) {
         wanted = {static_cast<FileTypes>(FileType::Audio & ~FileType::Wave), Text::NoDecoder};
@@ -361,7 +363,7 @@ int convertFiles(Services& services) {
     if (!gatherFilesToChange(services, wanted, files)) return unusableCommandLine;
     const CodePage ansi(services.ansiCodePage);
     ConversionSettings settings =
-        conversionSettings(services.settings, services.options, services.programName);
+        conversionSettings(services.settings, *options, services.programName);
     std::vector<Conversion> rows = planConversions(sourcesOf(services, files), settings, ansi);
     // A scan that was cancelled found a part of the files only: then nothing is converted.
     if (services.cancel.load()) {

@@ -226,8 +226,10 @@ bool Converter::writeTags(ID3tag& record) {
     KeptLines kept;
     ErrorReport errors(context_.texts, kept);
     NoProgress progress;
-    const TagUpdate done = UpdateTags(
-        record, {context_.ansi, context_.settings.tags, errors, progress, unflushedCalls()});
+    TagSettings settings = context_.settings.tags;
+    settings.force = true;  // the encoder's file was read back, and one for tags alone has no sound
+    const TagUpdate done =
+        UpdateTags(record, {context_.ansi, settings, errors, progress, unflushedCalls()});
     if (done != TagUpdate::Refused) return true;
     switch (record.Refused) {
         case Refusal::NotOpened:

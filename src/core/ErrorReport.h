@@ -24,6 +24,7 @@ class ErrorReport {
     void noteLine(std::string_view line);
 
     std::size_t count() const { return count_; }
+    const Texts& texts() const { return texts_; }
 
     /// The process's exit code: 1 when anything was reported, else 0.
     int exitCode() const { return count_ > 0 ? 1 : 0; }

@@ -30,7 +30,7 @@ struct TakeNumber {
     std::optional<int> JobOptions::*target;
 };
 /// The options that need more than one row can say.
-enum class TakeSpecial { Playlist, DiscMask, Encoder, Language, Limits };
+enum class TakeSpecial { Playlist, DiscMask, Encoder, Language, Limits, TagKinds };
 
 using OptionAction =
     std::variant<SetMode, SetMark, SetSwitch, SetPriority, TakeText, TakeNumber, TakeSpecial>;
@@ -55,6 +55,7 @@ inline constexpr auto optionTable = std::to_array<OptionRow>({
     {{"/rename2", "/r2"}, SetMode{RunMode::Rename2}, Text::GroupJobs, Text::HelpRename2},
     {{"/autorename", "/ar"}, SetMode{RunMode::AutoRename}, Text::GroupJobs, Text::HelpAutoRename},
     {{"/change", "/ch"}, SetMode{RunMode::Change}, Text::GroupJobs, Text::HelpChange},
+    {{"/removetags"}, TakeSpecial::TagKinds, Text::GroupJobs, Text::HelpRemoveTags},
     {{"/copy"}, TakeSpecial::Playlist, Text::GroupJobs, Text::HelpCopy},
     {{"/makemxc", "/mxc"}, TakeSpecial::DiscMask, Text::GroupJobs, Text::HelpMakeDiscFiles},
     {{"/encode", "/e"}, TakeSpecial::Encoder, Text::GroupJobs, Text::HelpEncode},
@@ -89,6 +90,7 @@ inline constexpr auto optionTable = std::to_array<OptionRow>({
      Text::GroupTags,
      Text::HelpCompilation},
     {{"/notags", "/disabletags"}, SetMark{&JobOptions::noTags}, Text::GroupTags, Text::HelpNoTags},
+    {{"/force"}, SetMark{&JobOptions::force}, Text::GroupTags, Text::HelpForce},
     {{"/wavetrim", "/wt"}, SetMark{&JobOptions::waveTrim}, Text::GroupWave, Text::HelpWaveTrim},
     {{"/nf", "/noformat"}, SetMark{&JobOptions::noFormat}, Text::GroupFiles, Text::HelpNoFormat},
     {{"/nb", "/nobackup"}, SetMark{&JobOptions::noBackup}, Text::GroupFiles, Text::HelpNoBackup},

@@ -74,6 +74,10 @@ class OptionReader {
                 options_.lowLimit = 255;
                 options_.highLimit = 65280;
                 break;
+            case TakeSpecial::TagKinds:
+                setMode(RunMode::RemoveTags);
+                (*this)(TakeText{&JobOptions::tagKinds});
+                break;
         }
     }
 

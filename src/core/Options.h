@@ -28,6 +28,7 @@ enum class RunMode : int {
     LanguageTemplate = 17,
     Scan = 18,
     Undo = 19,
+    RemoveTags = 20,
     Version = 100,
 };
 
@@ -61,6 +62,8 @@ struct JobOptions {
     std::optional<std::string> genre;
     bool compilation = false;
     bool noTags = false;
+    bool force = false;
+    std::optional<std::string> tagKinds;  ///< as they were given
 
     std::optional<std::string> targetFolder;
     std::optional<std::string> nameTemplate;

@@ -7,9 +7,9 @@
 #include "collection/NotedRename.h"
 #include "collection/Playlist.h"
 #include "collection/RenameBasics.h"
+#include "collection/TagColumns.h"
 #include "core/FileNameText.h"
 #include "core/QuietWork.h"
-#include "core/TextCase.h"
 #include "platform/FileSystem.h"
 #include "platform/Rescue.h"
 #include "tags/AudioFile.h"
@@ -25,17 +25,6 @@ constexpr std::size_t mostRowsAtOnce = 3000;
 bool isNameForFiles(const std::string& name) {
     return cleanFileName(name, nativePathStyle()) == name &&
            name.find("\uFFFD") == std::string::npos;
-}
-
-// Tags keep numbers without leading zeros, genres in the spelling of their list, and no blanks at
-// the ends.
-bool isSameValue(std::string_view shown, std::string_view wanted) {
-    const auto isLoose = [](char c) { return c == ' ' || c == '0'; };
-    std::string left(shown);
-    std::string right(wanted);
-    std::erase_if(left, isLoose);
-    std::erase_if(right, isLoose);
-    return equalsNoCase(left, right);
 }
 }  // namespace
 
@@ -111,12 +100,14 @@ void FileDesk::takeResults(DeskNews& news) {
     std::vector<RowId> removed;
     std::vector<FileResult> results = work_->take();
     news.rowsChanged = !results.empty();
-    for (FileResult& result : results) take(std::move(result), removed);
+    for (FileResult& result : results) {
+        isLayerWork_ ? takeLayer(std::move(result)) : take(std::move(result), removed);
+    }
     news.rowsRemoved = !removed.empty();
     if (news.rowsRemoved) forget(removed);
     if (!work_->isDone()) return;
     work_.reset();
-    news.workEnded = true;
+    news.workEnded = !std::exchange(isLayerWork_, false);
     news.list = std::exchange(list_, {});
 }
 
@@ -163,8 +154,7 @@ void FileDesk::tellStaying(const FileResult& saved) {
     for (const auto& [field, wanted] : saved.changes->texts) {
         const TagFieldRow& row = tagFieldRow(field);
         const std::string shown = row.get(after);
-        const bool isOld = isSameValue(wanted, "") || shown == row.get(before);
-        if (!isOld || isSameValue(shown, wanted)) continue;
+        if (!staysOld(row.get(before), wanted, shown)) continue;
         names += (names.empty() ? "" : ", ") + services_.texts.get(row.caption);
     }
     if (!names.empty()) {
@@ -296,9 +286,26 @@ void FileDesk::reload(std::span<const RowId> rows) {
           });
 }
 
-void FileDesk::readNow(RowId row) {
-    const std::string path = table_.row(row).path();
-    table_.replace(row, ReadAudioFile(path, {CodePage(services_.ansiCodePage)}), path);
+bool FileDesk::changeLayer(const ID3tag& read, TagKind kind, LayerWish wish) {
+    const auto row = table_.rowOfPath(read.Path);
+    if (isWorking() || !row) return false;
+    begin({{*row, read.Path, read.Length, read.Modified, nullptr}},
+          [kind, wish, context = context(), texts = services_.texts](const FileItem& item,
+                                                                     const CancelFlag&) {
+              return tavlo::changeLayer(item, kind, wish, context, texts);
+          });
+    isLayerWork_ = true;
+    return true;
+}
+
+void FileDesk::takeLayer(FileResult result) {
+    if (result.record.OK) table_.replace(result.row, result.record, result.path);
+    if (result.outcome == FileOutcome::Saved) ++workDone_;
+    layerResult_ = std::move(result);
+}
+
+std::optional<FileResult> FileDesk::takeLayerResult() {
+    return std::exchange(layerResult_, std::nullopt);
 }
 
 void FileDesk::deleteSelected() {

@@ -83,8 +83,11 @@ class FileDesk {
     /// Drops their edits and shows what they hold now.
     void reload(std::span<const RowId> rows);
 
-    /// Takes over what a file holds now that this process has just changed it.
-    void readNow(RowId row);
+    /// Does something with one tag of a file of the list, if that still is what it was when the
+    /// record was read. False while other work goes on, or where the list has no such file.
+    bool changeLayer(const ID3tag& read, TagKind kind, LayerWish wish);
+    /// What came of it; taken once. Its message is in no other place.
+    std::optional<FileResult> takeLayerResult();
 
     void deleteSelected();
     void copySelected(const std::string& folder);
@@ -112,6 +115,7 @@ class FileDesk {
     void takeRows(DeskNews& news);
     void takeResults(DeskNews& news);
     void take(FileResult result, std::vector<RowId>& removed);
+    void takeLayer(FileResult result);
     void tellStaying(const FileResult& saved);
     [[nodiscard]] bool willHaveCover(RowId row) const;
     [[nodiscard]] NewPicture coverOf(RowId row) const;
@@ -132,6 +136,8 @@ class FileDesk {
     std::vector<RowId> changed_;
     std::vector<std::string> failures_;
     std::optional<TagChanges> copied_;
+    bool isLayerWork_ = false;
+    std::optional<FileResult> layerResult_;
 };
 
 /// Puts a text at the front of a remembered list, once.

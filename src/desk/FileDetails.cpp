@@ -25,12 +25,15 @@ std::size_t conflictCount(const FileDetails& info) {
         info.rows.begin(), info.rows.end(), [](const LayerRow& row) { return row.conflicts; }));
 }
 
-std::optional<Text> whyNotWritten(const FileDetails& info, const TagSettings& settings) {
-    if (!info.record.OK) return Text::FileNotRead;
+std::optional<std::string> whyNotWritten(const FileDetails& info, const TagSettings& settings,
+                                         const Texts& texts) {
+    const std::string name(fileNameOf(info.path, nativePathStyle()));
+    if (!info.record.OK) return texts.get(Text::FileNotRead, name);
     const Refusal refusal = expectedRefusal(info.record, settings);
     // Others concern a part of the file's tags, or are known only when it is tried.
-    const bool isFinal = refusal == Refusal::NoWriter || refusal == Refusal::Damaged;
-    return isFinal ? refusalText(refusal) : std::nullopt;
+    const bool isFinal = refusal == Refusal::NoWriter || refusal == Refusal::Damaged ||
+                         refusal == Refusal::UnknownVersion;
+    return isFinal ? refusalLine(refusal, info.record, name, texts) : std::nullopt;
 }
 
 std::string pictureFileName(const std::string& path, const cAlbumArt& art) {

@@ -23,7 +23,8 @@ FileDetails readFileInfo(const std::string& path, const CodePage& ansi);
 std::size_t conflictCount(const FileDetails& info);
 
 /// Why the tags of this file cannot be written at all; nothing where they can, as far as is known.
-std::optional<Text> whyNotWritten(const FileDetails& info, const TagSettings& settings);
+std::optional<std::string> whyNotWritten(const FileDetails& info, const TagSettings& settings,
+                                         const Texts& texts);
 
 /// A file name for a picture beside its file: "Song.jpg". Without a folder.
 std::string pictureFileName(const std::string& path, const cAlbumArt& art);

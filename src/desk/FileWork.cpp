@@ -1,5 +1,7 @@
 #include "desk/FileWork.h"
 
+#include <algorithm>
+
 #include "collection/FolderPlaylist.h"
 #include "collection/RenamePlan.h"
 #include "core/QuietWork.h"
@@ -21,6 +23,11 @@ FileResult gone(const FileItem& item, const Texts& texts) {
     result.outcome = FileOutcome::Gone;
     result.message = texts.get(Text::FileGone, item.path);
     return result;
+}
+
+// Whether it still is what it was when it was read.
+bool isUnchanged(const FileItem& item, const FileInfo& there) {
+    return there.size == item.size && there.modified == item.modified;
 }
 
 bool isFolder(const FileItem& item) {
@@ -46,7 +53,7 @@ FileResult saveTags(const FileItem& item, bool evenIfChanged, const WorkContext&
     if (!there || there->isFolder) return gone(item, texts);
     FileResult result = resultOf(item);
     const CodePage ansi(context.ansiCodePage);
-    if (!evenIfChanged && (there->size != item.size || there->modified != item.modified)) {
+    if (!evenIfChanged && !isUnchanged(item, *there)) {
         result.outcome = FileOutcome::Changed;
         return result;
     }
@@ -59,6 +66,63 @@ FileResult saveTags(const FileItem& item, bool evenIfChanged, const WorkContext&
     result.message = kept.joined();
     if (result.outcome == FileOutcome::Failed && result.message.empty()) {
         result.message = texts.get(Text::FileNotWritten, item.path);
+    }
+    result.record = ReadAudioFile(item.path, {ansi});
+    return result;
+}
+
+namespace {
+// What the layers say now is what counts; it is what they said when they were shown.
+TagUpdate carryLayer(const FileItem& item, TagKind kind, const WriteContext& context) {
+    File file(context.calls);
+    std::vector<TagLayer> layers;
+    if (file.open(item.path, Access::Read)) {
+        layers = readLayers(file, GetFileType(item.path), context.ansi);
+    }
+    file.close();
+    const auto layer = std::ranges::find(layers, kind, &TagLayer::kind);
+    ID3tag record = ReadAudioFile(item.path, {context.ansi});
+    if (layer == layers.end() || !record.OK) {
+        context.errors.report(Text::FileNotRead, item.path);
+        return TagUpdate::Refused;
+    }
+    return carryOver(record, layers, static_cast<std::size_t>(layer - layers.begin()), context);
+}
+
+TagUpdate removeLayer(const FileItem& item, TagKind kind, const WriteContext& context) {
+    ID3tag record;
+    record.Path = item.path;
+    record.FileType = GetFileType(item.path);
+    record.OK = true;
+    std::vector<TagKind> removed;
+    return RemoveTags(record, std::span(&kind, 1), context, removed);
+}
+
+FileOutcome outcomeOf(TagUpdate done) {
+    if (done == TagUpdate::Refused) return FileOutcome::Failed;
+    return done == TagUpdate::Unchanged ? FileOutcome::Read : FileOutcome::Saved;
+}
+}  // namespace
+
+FileResult changeLayer(const FileItem& item, TagKind kind, LayerWish wish,
+                       const WorkContext& context, const Texts& texts) {
+    const auto there = fileInfo(item.path);
+    if (!there || there->isFolder) return gone(item, texts);
+    FileResult result = resultOf(item);
+    const CodePage ansi(context.ansiCodePage);
+    KeptLines kept;
+    ErrorReport errors(texts, kept);
+    NoProgress progress;
+    const WriteContext writing{ansi, context.tags, errors, progress, context.calls};
+    if (isUnchanged(item, *there)) {
+        const bool carries = wish == LayerWish::CarryOver;
+        result.outcome =
+            outcomeOf(carries ? carryLayer(item, kind, writing) : removeLayer(item, kind, writing));
+        if (errors.count() > 0) result.outcome = FileOutcome::Failed;
+        result.message = kept.joined();
+    } else {
+        result.outcome = FileOutcome::Changed;
+        result.message = texts.get(Text::ChangedMeanwhile, item.path);
     }
     result.record = ReadAudioFile(item.path, {ansi});
     return result;

@@ -5,6 +5,7 @@
 
 #include "desk/Batch.h"
 #include "desk/TagChanges.h"
+#include "desk/TagLayers.h"
 #include "tags/TagWriting.h"
 
 namespace tavlo {
@@ -52,6 +53,17 @@ struct WorkContext {
 /// edits is only read.
 FileResult saveTags(const FileItem& item, bool evenIfChanged, const WorkContext& context,
                     const Texts& texts);
+
+/// What may be done with one of a file's tags.
+enum class LayerWish {
+    CarryOver,  ///< its values go into all the others
+    Remove
+};
+
+/// Carries out a wish about one tag and reads back what the file holds then: `Saved`, or `Read`
+/// where nothing had to be changed. A file that another program changed is left alone.
+FileResult changeLayer(const FileItem& item, TagKind kind, LayerWish wish,
+                       const WorkContext& context, const Texts& texts);
 
 /// Reads one file again.
 FileResult readAgain(const FileItem& item, const WorkContext& context, const Texts& texts);

@@ -13,9 +13,6 @@
 
 namespace tavlo {
 
-/// The tags that a file may carry, from the weakest to the strongest.
-enum class TagKind { ID3v1, Lyrics3, APEv2, ID3v2 };
-
 /// One tag of a file, read for itself.
 struct TagLayer {
     TagKind kind = TagKind::ID3v1;

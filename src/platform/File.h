@@ -44,6 +44,8 @@ class File {
     [[nodiscard]] bool isTemporary() const { return status_.isTemporary; }
     /// As it was when the file was opened, but for the size, which follows what is written here.
     [[nodiscard]] const FileStatus& status() const { return status_; }
+    /// Under how many names it can be found.
+    [[nodiscard]] std::uint64_t names() const { return status_.names; }
     [[nodiscard]] FileHandle handle() const { return handle_; }
     /// Gives the handle away without closing it.
     FileHandle release();

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/FileId.h"
+
 namespace tavlo {
 
 /// Bytes of a file.
@@ -43,12 +45,6 @@ enum class Replaced {
     Done,
     OtherFile,  ///< the path leads to another file or to other bytes by now; it stays as it is
     Failed
-};
-
-/// What tells one file from every other, whatever path leads to it.
-struct FileId {
-    std::uint64_t volume = 0, index = 0;
-    bool operator==(const FileId&) const = default;
 };
 
 struct FileStatus {

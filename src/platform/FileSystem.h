@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/FileId.h"
+
 namespace tavlo {
 
 struct FolderEntry {
@@ -46,17 +48,10 @@ bool isReadableFolder(const std::string& path);
 /// Whether files can be made in a folder, as far as the rights tell.
 bool isWritableFolder(const std::string& path);
 
-/// What tells one folder from every other, whatever path leads to it.
-struct FolderId {
-    std::uint64_t volume = 0;
-    std::uint64_t index = 0;
-    bool operator==(const FolderId&) const = default;
-};
-std::optional<FolderId> folderId(const std::string& path);
+std::optional<FileId> folderId(const std::string& path);
 
 /// The same of a file, under every name that it gets on its disk; nothing where the disk keeps no
 /// such number for good.
-using FileId = FolderId;
 std::optional<FileId> lastingFileId(const std::string& path);
 
 /// Whether a file or folder is the user's own, no link, and nobody else may write to it. Windows

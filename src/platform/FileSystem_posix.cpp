@@ -95,10 +95,10 @@ bool isWritableFolder(const std::string& path) {
     return ::access(path.c_str(), W_OK | X_OK) == 0;
 }
 
-std::optional<FolderId> folderId(const std::string& path) {
+std::optional<FileId> folderId(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) return std::nullopt;
-    return FolderId{status.st_dev, status.st_ino};
+    return FileId{status.st_dev, status.st_ino};
 }
 
 namespace {

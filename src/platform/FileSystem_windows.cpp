@@ -116,15 +116,15 @@ bool isWritableFolder(const std::string& path) {
     return folderExists(path);
 }
 
-std::optional<FolderId> folderId(const std::string& path) {
+std::optional<FileId> folderId(const std::string& path) {
     HANDLE opened = openForQuery(path);
     if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
     BY_HANDLE_FILE_INFORMATION info{};
     const bool known = ::GetFileInformationByHandle(opened, &info) != 0;
     ::CloseHandle(opened);
     if (!known) return std::nullopt;
-    return FolderId{info.dwVolumeSerialNumber,
-                    static_cast<std::uint64_t>(info.nFileIndexHigh) << 32U | info.nFileIndexLow};
+    return FileId{info.dwVolumeSerialNumber,
+                  static_cast<std::uint64_t>(info.nFileIndexHigh) << 32U | info.nFileIndexLow};
 }
 
 // FAT makes a file's number from the place of its name.

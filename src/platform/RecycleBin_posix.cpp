@@ -37,7 +37,7 @@ std::string homeBin() {
 // The disk that a folder is on, or will be on once it is made.
 std::uint64_t diskOf(std::string folder) {
     while (folder != "/" && !folderExists(folder)) folder = parentOf(folder);
-    return folderId(folder).value_or(FolderId{}).volume;
+    return folderId(folder).value_or(FileId{}).volume;
 }
 
 // The topmost folder on the disk of this one.

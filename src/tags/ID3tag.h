@@ -71,17 +71,19 @@ struct BasicFields {
 /// Why a writer left a file, or a part of it, as it was.
 enum class Refusal : std::uint8_t {
     None,
-    NoWriter,    ///< tags of this format are not written
-    NotOpened,   ///< the file could not be opened for writing
-    NotRead,     ///< the disk did not give all of it
-    NoID3v2Tag,  ///< there is none, and the settings do not let one be made
-    NoID3v1Tag,  ///< the same of the ID3v1 block; the other tags were written
-    Damaged,     ///< the tag could not be taken apart, so it cannot be put together again
-    TooLarge,    ///< for an ID3v2 tag's 28-bit size
-    NotCreated,  ///< the temporary file beside it
-    NotWritten,  ///< the disk took no more; the file is as it was
-    Replaced,    ///< another program changed it meanwhile; that one's file stays
-    Torn         ///< the disk gave up half way; the next start puts the old bytes back
+    NoWriter,        ///< tags of this format are not written
+    NotOpened,       ///< the file could not be opened for writing
+    NotRead,         ///< the disk did not give all of it
+    NoID3v2Tag,      ///< there is none, and the settings do not let one be made
+    NoID3v1Tag,      ///< the same of the ID3v1 block; the other tags were written
+    Damaged,         ///< the tag could not be taken apart, so it cannot be put together again
+    UnknownVersion,  ///< of its ID3v2 tag
+    NoSound,         ///< the file holds no sound of its type, so that it may be anything
+    TooLarge,        ///< for an ID3v2 tag's 28-bit size
+    NotCreated,      ///< the temporary file beside it
+    NotWritten,      ///< the disk took no more; the file is as it was
+    Replaced,        ///< another program changed it meanwhile; that one's file stays
+    Torn             ///< the disk gave up half way; the next start puts the old bytes back
 };
 
 /// The fields that a person or a job can edit.

@@ -142,13 +142,18 @@ class Carrier {
 
     Carried run() {
         for (const FoundFrame& frame : frames_.frames) {
-            if (!carry(frame)) carried_.homeless.push_back(frame.header.id);
+            if (!carry(frame)) carried_.homeless.push_back(nameOf(frame.header.id));
         }
         if (frames_.restEnd > frames_.end) carried_.homeless.emplace_back("?");
         return std::move(carried_);
     }
 
  private:
+    [[nodiscard]] std::string nameOf(std::string_view id) const {
+        const std::string_view successor = version_ == 2 ? successorOf(id) : "";
+        return std::string(successor.empty() ? id : successor);
+    }
+
     // True where nothing of the frame is lost.
     bool carry(const FoundFrame& found) {
         const FieldFrame* row = findFieldFrame(found.header.id, version_);

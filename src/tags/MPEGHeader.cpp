@@ -68,6 +68,10 @@ int MPEGHeader::samplesPerFrame() const {
     return frameSamples[bitrateRow(Version)][Layer - 1];
 }
 
+int MPEGHeader::lowestBitrate() const {
+    return bitrates[bitrateRow(Version)][Layer - 1][1];
+}
+
 std::uint32_t MPEGHeader::frameSize() const {
     if (SampleRate == 0 || Bitrate == 0) return 0;
     const int slot = Layer == 1 ? 4 : 1;  // bytes that padding adds

@@ -23,6 +23,8 @@ class MPEGHeader {
 
     /// Samples that a frame of this kind plays for each channel.
     [[nodiscard]] int samplesPerFrame() const;
+    /// The lowest bit rate of such frames, kbit/s.
+    [[nodiscard]] int lowestBitrate() const;
     /// Length of this frame with its header in bytes; 0 where the bit rate does not tell it.
     [[nodiscard]] std::uint32_t frameSize() const;
 };

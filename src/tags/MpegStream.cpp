@@ -229,6 +229,16 @@ std::uint32_t estimateFrames(const MPEGHeader& header, std::uint64_t bytes) {
     return static_cast<std::uint32_t>(std::min(frames, 4294967295.0));
 }
 
+// Frames of the lowest bit rate are the smallest that a stream can have; of a free one nothing is
+// known.
+bool canHold(const MPEGHeader& header, std::uint64_t bytes, std::uint64_t frames) {
+    if (header.Bitrate == 0) return true;
+    MPEGHeader smallest = header;
+    smallest.Bitrate = header.lowestBitrate();
+    smallest.Padding = false;
+    return frames * smallest.frameSize() <= bytes + countSlack;
+}
+
 void fillLengths(ID3tag& record, const Frame& first, const StreamCounts& counts,
                  std::uint64_t audioBytes) {
     const MPEGHeader& header = first.header;
@@ -270,6 +280,7 @@ void readMpegStream(File& file, ID3tag& record, std::uint64_t audioEnd) {
     VbrHeader vbr = readVbrHeader(file, *first, usualSpan);
     if (vbr.encoder.empty()) vbr = readVbrHeader(file, *first, markerSpan);
     const std::uint64_t audioBytes = audioEnd - std::min(audioEnd, first->offset);
+    if (!canHold(first->header, audioBytes, vbr.counts.frames)) vbr.counts.frames = 0;
     fillLengths(record, *first, vbr.counts, audioBytes);
     record.TimeIsGuessed = vbr.counts.frames == 0;
     record.StreamFound = vbr.counts.bytes <= audioBytes + countSlack;

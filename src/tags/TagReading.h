@@ -19,6 +19,9 @@ struct ReadContext {
     ReadDepth depth = ReadDepth::List;
 };
 
+/// The tags that a file may carry, from the weakest to the strongest.
+enum class TagKind { ID3v1, Lyrics3, APEv2, ID3v2 };
+
 /// Where a tag lies in its file: the offset of its first byte and that behind its last.
 struct TagSpan {
     std::uint64_t begin = 0, end = 0;

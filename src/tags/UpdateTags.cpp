@@ -6,15 +6,18 @@
 
 #include "core/ByteCursor.h"
 #include "platform/FileSystem.h"
+#include "platform/PlainText.h"
 #include "tags/APEv2.h"
 #include "tags/AudioFile.h"
 #include "tags/FieldEdits.h"
 #include "tags/FileRewriter.h"
+#include "tags/ForeseenTags.h"
 #include "tags/ID3v1.h"
 #include "tags/ID3v2.h"
 #include "tags/ID3v2Frame.h"
 #include "tags/ID3v2ToAPE.h"
 #include "tags/ID3v2Writer.h"
+#include "tags/SongCheck.h"
 
 namespace tavlo {
 
@@ -39,7 +42,29 @@ bool openPatiently(File& file, const std::string& path, Progress& progress) {
     return openWritable(file, path);
 }
 
+bool openFor(File& file, const std::string& path, const WriteContext& context) {
+    return context.dryRun ? file.open(path, Access::Read)
+                          : openPatiently(file, path, context.progress);
+}
+
 // --- What is to be written -----------------------------------------------------------------------
+
+// A block that begins inside another tag is none.
+void dropFalseBlock(TagLayout& layout, ID3tag& record) {
+    for (const auto& other : {layout.ape, layout.lyrics}) {
+        if (!other || !layout.id3v1 || layout.id3v1->begin >= other->end) continue;
+        layout.id3v1.reset();
+        record.IsID3v1Present = false;
+    }
+}
+
+// The reason why a damaged tag is not written.
+Refusal damageOf(const ID3tag& record) {
+    constexpr int oldest = 2, newest = 4;
+    const int version = record.ID3v2Ext.MajorVersion;
+    const bool isUnknown = version != 0 && (version < oldest || version > newest);
+    return isUnknown ? Refusal::UnknownVersion : Refusal::Damaged;
+}
 
 // A file's tags as they are, and as they are to become.
 class TagPlan {
@@ -52,18 +77,13 @@ class TagPlan {
           change_{before, after, edited},
           layout_(layout),
           context_(context) {
-        // A block that begins inside another tag is none.
-        for (const auto& other : {layout.ape, layout.lyrics}) {
-            if (!other || !layout_.id3v1 || layout_.id3v1->begin >= other->end) continue;
-            layout_.id3v1.reset();
-            record_.IsID3v1Present = false;
-        }
+        dropFalseBlock(layout_, record_);
         ends_.tailBegin = file.size();
     }
 
     Refusal make() {
         refusal_ = expectedRefusal(record_, context_.settings);
-        if (refusal_ == Refusal::Damaged) return refusal_;
+        if (record_.ID3v2Ext.bDamaged) return refusal_;
         if (record_.FileType == FileType::Mp3) {
             if (refusal_ == Refusal::NoID3v2Tag && !context_.settings.ape2) return refusal_;
             if (refusal_ != Refusal::NoID3v2Tag && !planHead()) return Refusal::TooLarge;
@@ -82,6 +102,12 @@ class TagPlan {
     [[nodiscard]] const NewEnds& ends() const { return ends_; }
     // What a tag that is taken off holds and no other tag has a place for: names of frames.
     [[nodiscard]] const std::vector<std::string>& homeless() const { return carried_.homeless; }
+
+    // Whether a tag that is not written stays, and may tell what fields were before.
+    [[nodiscard]] bool mayHideEdits() const {
+        const bool isMp3 = record_.FileType == FileType::Mp3;
+        return isMp3 && (layout_.lyrics || (layout_.ape && !context_.settings.ape2));
+    }
 
     // What the file carries once the plan is carried out.
     void noteTags(ID3tag& record) const {
@@ -247,9 +273,9 @@ Refusal refusalOf(Rewrite result) {
     }
 }
 
-void report(Refusal refusal, const std::string& path, ErrorReport& errors) {
-    const auto text = refusalText(refusal);
-    if (text) errors.report(*text, path);
+void report(const std::string& line, const WriteContext& context) {
+    context.errors.reportLine(line);
+    if (context.notes != nullptr) context.notes->refusal = line;
 }
 
 // Whether something is written all the same.
@@ -258,30 +284,143 @@ bool isPartial(Refusal refusal, const TagSettings& settings) {
            (refusal == Refusal::NoID3v2Tag && settings.ape2);
 }
 
+// A new file in the old one's place is there under one name only.
+bool leavesOtherNames(File& file, const NewEnds& ends, const WriteContext& context) {
+    return file.names() > 1 && wayOf(file, ends, context.ways) == Way::NewFile;
+}
+
+void note(Text text, const std::string& path, const std::string& what,
+          const WriteContext& context) {
+    std::string line = context.errors.texts().get(text);
+    replaceAll(line, "%2", what);
+    replaceAll(line, "%1", withoutControls(path));
+    context.errors.noteLine(line);
+    if (context.notes != nullptr) context.notes->notes.push_back(line);
+}
+
+// What a change does beside what was asked for.
+void noteSideEffects(std::uint64_t otherNames, std::span<const std::string> homeless,
+                     const std::string& path, const WriteContext& context) {
+    if (otherNames > 0) note(Text::OtherNames, path, std::to_string(otherNames), context);
+    if (homeless.empty()) return;
+    std::string names;
+    for (const std::string& name : homeless) {
+        if (!names.empty()) names += ", ";
+        names += name;
+    }
+    note(Text::FramesLeftBehind, path, withoutControls(names), context);
+}
+
 void markRefused(ID3tag& record, Refusal refusal) {
     record.Refused = refusal;
     record.OK = false;
     record.Path.clear();
 }
 
-TagUpdate refuse(ID3tag& record, Refusal refusal, const WriteContext& context) {
-    report(refusal, record.Path, context.errors);
+// `current` is what the file holds, where that was read.
+TagUpdate refuse(ID3tag& record, Refusal refusal, const WriteContext& context,
+                 const ID3tag* current = nullptr) {
+    const auto line = refusalLine(refusal, current != nullptr ? *current : record,
+                                  withoutControls(record.Path), context.errors.texts());
+    if (line) report(*line, context);
     markRefused(record, refusal);
     return TagUpdate::Refused;
 }
 
-// Opens the record's file and changes its ends as `plan` says, which is given the open file.
-template <typename Plan>
-bool removeFrom(const ID3tag& record, const WriteContext& context, Plan plan) {
-    File file(context.calls);
-    if (!openWritable(file, record.Path)) return false;
-    NewEnds ends;
-    ends.tailBegin = file.size();
-    plan(file, ends);
-    const Rewrite result =
-        rewriteEnds(file, record.Path, ends, context.settings.keepTime, context.ways);
-    return refusalOf(result) == Refusal::None;
+TagUpdate refuseNoSound(ID3tag& record, const SongCandidate& song, const WriteContext& context) {
+    report(noSoundLine(song, context.errors.texts()), context);
+    markRefused(record, Refusal::NoSound);
+    return TagUpdate::Refused;
 }
+
+// --- Taking tags off -----------------------------------------------------------------------------
+
+constexpr std::uint64_t longestStackedTag = 16U << 20U;
+
+// Where a whole tag that begins at `at`, behind another one, ends; `at` where there is none. Sound
+// that it only claims to hold is no part of it.
+std::uint64_t stackedTagEnd(File& file, std::uint64_t at, const CodePage& ansi) {
+    const auto header = parseTagHeader(file.view(at, TagHeader::size));
+    const std::uint64_t claimed = ID3v2TagEnd(file, at);
+    if (!header || claimed - at > longestStackedTag) return at;
+    const std::string bytes = bytesBetween(file, at, claimed);
+    File tag;
+    tag.openMemory(bytesOfText(bytes));
+    ID3tag record;
+    const auto span = ReadID3v2Tag(tag, record, {ansi, ReadDepth::Places});
+    return span && !record.ID3v2Ext.bDamaged ? at + span->end : at;
+}
+
+std::uint64_t stackEnd(File& file, std::uint64_t end, const CodePage& ansi) {
+    for (std::uint64_t next = end;; end = next) {
+        next = stackedTagEnd(file, end, ansi);
+        if (next == end) return end;
+    }
+}
+
+// The ends of a file without some of its tags.
+class RemovalPlan {
+ public:
+    RemovalPlan(File& file, const ID3tag& current, const TagLayout& layout, const CodePage& ansi)
+        : file_(file), current_(current), layout_(layout), ansi_(ansi) {
+        ends_.tailBegin = file.size();
+    }
+
+    Refusal make(std::span<const TagKind> kinds, std::vector<TagKind>& removed) {
+        const auto isWanted = [&](TagKind kind) {
+            return std::ranges::find(kinds, kind) != kinds.end();
+        };
+        std::vector<TagSpan> gone;
+        for (const auto& [kind, span] :
+             {std::pair(TagKind::ID3v1, layout_.id3v1), std::pair(TagKind::Lyrics3, layout_.lyrics),
+              std::pair(TagKind::APEv2, layout_.ape)}) {
+            if (!span || !isWanted(kind)) continue;
+            gone.push_back(*span);
+            removed.push_back(kind);
+        }
+        cutTail(std::move(gone));
+        if (!isWanted(TagKind::ID3v2) || !layout_.id3v2) return overlap();
+        if (current_.ID3v2Ext.bDamaged) return damageOf(current_);
+        ends_.headEnd = stackEnd(file_, layout_.id3v2->end, ansi_);
+        removed.push_back(TagKind::ID3v2);
+        return overlap();
+    }
+
+    [[nodiscard]] const NewEnds& ends() const { return ends_; }
+
+ private:
+    void cutTail(std::vector<TagSpan> gone) {
+        if (gone.empty()) return;
+        std::ranges::sort(gone, {}, &TagSpan::begin);
+        ends_.tailBegin = gone.front().begin;
+        for (std::size_t i = 0; i < gone.size(); ++i) {
+            const bool isLast = i + 1 == gone.size();
+            ends_.tail.addOld(gone[i].end, isLast ? file_.size() : gone[i + 1].begin);
+        }
+    }
+
+    // Of tags that overlap one is not what it seems.
+    [[nodiscard]] Refusal overlap() const {
+        std::vector<TagSpan> spans;
+        for (const auto& span : {layout_.id3v2, layout_.ape, layout_.lyrics, layout_.id3v1}) {
+            if (span) spans.push_back(*span);
+        }
+        std::ranges::sort(spans, {}, &TagSpan::begin);
+        std::uint64_t end = ends_.headEnd;
+        for (const TagSpan& span : spans) {
+            const bool isHead = layout_.id3v2 && span == *layout_.id3v2;
+            if (!isHead && span.begin < end) return Refusal::Damaged;
+            end = std::max(end, span.end);
+        }
+        return Refusal::None;
+    }
+
+    File& file_;
+    const ID3tag& current_;
+    const TagLayout& layout_;
+    const CodePage& ansi_;
+    NewEnds ends_;
+};
 }  // namespace
 
 TagSettings tagSettings(const Settings& settings) {
@@ -294,16 +433,18 @@ bool hasWriter(FileTypes type) {
     return (type & (FileType::Mp3 | FileType::Ape2Only)) != 0;
 }
 
-std::optional<Text> refusalText(Refusal refusal) {
+std::optional<std::string> refusalLine(Refusal refusal, const ID3tag& record, std::string_view name,
+                                       const Texts& texts) {
     struct Row {
         Refusal refusal;
         Text text;
     };
-    constexpr std::array<Row, 10> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
+    constexpr std::array<Row, 11> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
                                         {Refusal::NotOpened, Text::FileNotOpenedForWriting},
                                         {Refusal::NotRead, Text::FileNotRead},
                                         {Refusal::NoID3v2Tag, Text::TagNotMade},
                                         {Refusal::Damaged, Text::TagDamaged},
+                                        {Refusal::UnknownVersion, Text::TagVersionUnknown},
                                         {Refusal::TooLarge, Text::TagTooLarge},
                                         {Refusal::NotCreated, Text::FolderNotWritable},
                                         {Refusal::NotWritten, Text::FileNotWritten},
@@ -311,13 +452,17 @@ std::optional<Text> refusalText(Refusal refusal) {
                                         {Refusal::Torn, Text::FileTorn}}};
     const auto* row =
         std::find_if(rows.begin(), rows.end(), [&](const Row& r) { return r.refusal == refusal; });
-    return row == rows.end() ? std::nullopt : std::optional(row->text);
+    if (row == rows.end()) return std::nullopt;
+    std::string line = texts.get(row->text);
+    replaceAll(line, "%2", std::to_string(record.ID3v2Ext.MajorVersion));
+    replaceAll(line, "%1", name);
+    return line;
 }
 
 Refusal expectedRefusal(const ID3tag& record, const TagSettings& settings) {
     if (!hasWriter(record.FileType)) return Refusal::NoWriter;
     const bool isMp3 = record.FileType == FileType::Mp3;
-    if (record.ID3v2Ext.bDamaged) return Refusal::Damaged;
+    if (record.ID3v2Ext.bDamaged) return damageOf(record);
     if (!isMp3) return Refusal::None;
     if (!record.IsID3v2Present && !settings.id3v2) return Refusal::NoID3v2Tag;
     if (!record.IsID3v1Present && !settings.id3v1) return Refusal::NoID3v1Tag;
@@ -329,9 +474,7 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     const std::string path = record.Path;
     if (!hasWriter(record.FileType)) return refuse(record, Refusal::NoWriter, context);
     File file(context.calls);
-    const bool opened = context.dryRun ? file.open(path, Access::Read)
-                                       : openPatiently(file, path, context.progress);
-    if (!opened) return refuse(record, Refusal::NotOpened, context);
+    if (!openFor(file, path, context)) return refuse(record, Refusal::NotOpened, context);
     // The file may have changed since the record was read: what it says now is what stays.
     ID3tag current;
     current.FileType = record.FileType;
@@ -346,14 +489,26 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     TagPlan plan(file, current, after, edited, layout, context);
     const Refusal planned = plan.make();
     if (file.hasFailed()) return refuse(record, Refusal::NotRead, context);
-    if (!isPartial(planned, context.settings)) return refuse(record, planned, context);
+    if (!isPartial(planned, context.settings)) return refuse(record, planned, context, &current);
+    const SongCandidate song(file, record.FileType, path, layout);
+    const bool mayChange = isSong(song, context.settings.force);
+    if (file.hasFailed()) return refuse(record, Refusal::NotRead, context);
+    if (!mayChange) return refuseNoSound(record, song, context);
+    if (context.notes != nullptr && plan.mayHideEdits()) {
+        context.notes->shown =
+            foreseenRecord(file, record.FileType, layout, plan.ends(), context.ansi);
+    }
+    const std::uint64_t otherNames =
+        leavesOtherNames(file, plan.ends(), context) ? file.names() : 0;
     if (context.dryRun) {
+        noteSideEffects(otherNames, plan.homeless(), path, context);
         return wouldChange(file, plan.ends()) ? TagUpdate::Written : TagUpdate::Unchanged;
     }
     const Rewrite result =
         rewriteEnds(file, path, plan.ends(), context.settings.keepTime, context.ways);
     const Refusal failed = refusalOf(result);
     if (failed != Refusal::None) return refuse(record, failed, context);
+    noteSideEffects(otherNames, plan.homeless(), path, context);
     plan.noteTags(record);
     record.ReadOnly = false;
     markAsRead(record);
@@ -361,48 +516,33 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     return result == Rewrite::Unchanged ? TagUpdate::Unchanged : TagUpdate::Written;
 }
 
-bool RemoveID3v1Tag(ID3tag& record, const WriteContext& context) {
-    constexpr std::uint64_t blockSize = 128, searchSpan = 256;
-    constexpr std::string_view mark = "TAG";
-    if (!record.IsID3v1Present) return true;
-    const bool done = removeFrom(record, context, [&](File& file, NewEnds& ends) {
-        const std::uint64_t size = file.size();
-        const std::uint64_t block = size - std::min(size, blockSize);
-        const std::uint64_t from = size - std::min(size, searchSpan);
-        const std::string end = bytesBetween(file, from, size);
-        const std::size_t at = end.find(mark);
-        if (std::string_view(end).substr(block - from).starts_with(mark)) {
-            ends.tailBegin = block;
-        } else if (at != std::string::npos) {
-            ends.tailBegin = from + at;
-        }
-    });
-    if (done) record.IsID3v1Present = false;
-    return done;
-}
-
-bool RemoveID3v2Tag(ID3tag& record, const WriteContext& context) {
-    bool damaged = false;
-    const bool done = removeFrom(record, context, [&](File& file, NewEnds& ends) {
-        ID3tag found;
-        const auto span = ReadID3v2Tag(file, found, {context.ansi});
-        damaged = found.ID3v2Ext.TagSize >= file.size();
-        if (span && !damaged) ends.headEnd = span->end;
-    });
-    if (done && !damaged) record.IsID3v2Present = false;
-    return done && !damaged;
-}
-
-bool RemoveAPETag(ID3tag& record, const WriteContext& context) {
-    const bool done = removeFrom(record, context, [&](File& file, NewEnds& ends) {
-        ID3tag found;
-        const TagLayout layout = readTags(file, found, {context.ansi});
-        if (!layout.ape) return;
-        ends.tailBegin = layout.ape->begin;
-        ends.tail.addOld(layout.ape->end, file.size());
-    });
-    if (done) record.IsAPE2Present = false;
-    return done;
+TagUpdate RemoveTags(ID3tag& record, std::span<const TagKind> kinds, const WriteContext& context,
+                     std::vector<TagKind>& removed) {
+    const std::string path = record.Path;
+    if (!hasWriter(record.FileType)) return refuse(record, Refusal::NoWriter, context);
+    File file(context.calls);
+    if (!openFor(file, path, context)) return refuse(record, Refusal::NotOpened, context);
+    ID3tag current;
+    current.FileType = record.FileType;
+    TagLayout layout = readTags(file, current, {context.ansi, ReadDepth::Places});
+    dropFalseBlock(layout, current);
+    RemovalPlan plan(file, current, layout, context.ansi);
+    const Refusal planned = plan.make(kinds, removed);
+    const SongCandidate song(file, record.FileType, path, layout);
+    const bool mayChange = isSong(song, true);
+    if (file.hasFailed()) return refuse(record, Refusal::NotRead, context);
+    if (!mayChange) return refuseNoSound(record, song, context);
+    if (planned != Refusal::None) return refuse(record, planned, context, &current);
+    if (removed.empty()) return TagUpdate::Unchanged;
+    const std::uint64_t otherNames =
+        leavesOtherNames(file, plan.ends(), context) ? file.names() : 0;
+    const Refusal failed = context.dryRun
+                               ? Refusal::None
+                               : refusalOf(rewriteEnds(file, path, plan.ends(),
+                                                       context.settings.keepTime, context.ways));
+    if (failed != Refusal::None) return refuse(record, failed, context);
+    noteSideEffects(otherNames, {}, path, context);
+    return TagUpdate::Written;
 }
 
 }  // namespace tavlo

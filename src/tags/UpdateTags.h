@@ -1,8 +1,13 @@
 #pragma once
 
 #include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "tags/ID3tag.h"
+#include "tags/TagReading.h"
 #include "tags/TagWriting.h"
 
 namespace tavlo {
@@ -27,15 +32,16 @@ bool hasWriter(FileTypes type);
 /// Whether and why `UpdateTags` would leave the file of a record that was just read alone.
 Refusal expectedRefusal(const ID3tag& record, const TagSettings& settings);
 
-/// What a person is told of a refusal; nothing where it is no failure.
-std::optional<Text> refusalText(Refusal refusal);
+/// What a person is told of a refusal to write the file of a record that was read from it; nothing
+/// where it is no failure. `name` stands for the file.
+std::optional<std::string> refusalLine(Refusal refusal, const ID3tag& record, std::string_view name,
+                                       const Texts& texts);
 
-/// Each takes one kind of tag off the record's file and clears the record's flag of it. False
-/// when the file could not be changed; it then is as it was. A record without an ID3v1 block is
-/// left alone; where it has one, everything from the first "TAG" in the file's last 256 bytes on
-/// goes.
-bool RemoveID3v1Tag(ID3tag& record, const WriteContext& context);
-bool RemoveID3v2Tag(ID3tag& record, const WriteContext& context);
-bool RemoveAPETag(ID3tag& record, const WriteContext& context);
+/// Takes tags of these kinds off the record's file, each as its reader finds it and no byte more:
+/// of ID3v2 all that stand behind one another. `removed` gets the kinds that were there. Whatever
+/// else the file holds stays. Failures are reported; a file is refused as by `UpdateTags`, but for
+/// one without sound, which is left alone only behind a link.
+TagUpdate RemoveTags(ID3tag& record, std::span<const TagKind> kinds, const WriteContext& context,
+                     std::vector<TagKind>& removed);
 
 }  // namespace tavlo

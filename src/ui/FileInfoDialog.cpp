@@ -9,7 +9,7 @@
 #include "core/PathText.h"
 #include "desk/StreamFacts.h"
 #include "platform/PlainText.h"
-#include "platform/Rescue.h"
+#include "ui/Messages.h"
 #include "ui/WindowScreens.h"
 #include "ui/WxText.h"
 
@@ -17,24 +17,6 @@ namespace tavlo {
 
 namespace {
 constexpr std::string_view conflictSign = "≠";
-
-class LineSink : public TextSink {
- public:
-    bool write(std::string_view written) override {
-        text += written;
-        return true;
-    }
-    std::string text;
-};
-
-// Events must not run while a file is written: they might show another one.
-class StillProgress : public Progress {
- public:
-    void setRange(std::size_t) override {}
-    void step() override {}
-    void report(std::string_view) override {}
-    void pumpMessages() override {}
-};
 
 void addLine(std::string& text, const std::string& line) {
     if (!text.empty()) text += '\n';
@@ -50,14 +32,16 @@ std::string numbered(const Texts& texts, Text text, std::size_t first, std::size
 
 // --- TagsPage ------------------------------------------------------------------------------------
 
-TagsPage::TagsPage(wxWindow* parent, const Texts& texts,
-                   std::function<void(std::size_t layer)> carry)
-    : ReportPage(parent, 1), texts_(texts), carry_(std::move(carry)) {
+TagsPage::TagsPage(wxWindow* parent, const Texts& texts, Change change)
+    : ReportPage(parent, 1), texts_(texts), change_(std::move(change)) {
     build();
-    cmdCarry_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
-        const int chosen = cmbLayers_->GetSelection();
-        if (chosen != wxNOT_FOUND) carry_(static_cast<std::size_t>(chosen));
-    });
+    cmdCarry_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { this->change(LayerWish::CarryOver); });
+    cmdRemove_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { this->change(LayerWish::Remove); });
+}
+
+void TagsPage::change(LayerWish wish) {
+    const int chosen = cmbLayers_->GetSelection();
+    if (chosen != wxNOT_FOUND) change_(info_->layers[static_cast<std::size_t>(chosen)], wish);
 }
 
 void TagsPage::build() {
@@ -73,11 +57,14 @@ void TagsPage::build() {
          {static_cast<wxWindow*>(cmbLayers_), static_cast<wxWindow*>(cmdCarry_)}) {
         control->SetToolTip(text(Text::InfoCarryTip));
     }
+    cmdRemove_ = new wxButton(this, wxID_ANY, text(Text::InfoRemove));
+    cmdRemove_->SetToolTip(text(Text::InfoRemoveTip));
     auto* row = new wxBoxSizer(wxHORIZONTAL);
     const auto centred = wxSizerFlags().Centre().Border(wxRIGHT, FromDIP(6));
     row->Add(lblFrom, centred);
     row->Add(cmbLayers_, centred);
     row->Add(cmdCarry_, centred);
+    row->Add(cmdRemove_, centred);
     row->Add(lblResult_, wxSizerFlags(1).Centre());
     sizer()->Add(lblSummary_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT, FromDIP(6)));
     sizer()->Add(row, wxSizerFlags().Expand().Border(wxALL, FromDIP(6)));
@@ -94,12 +81,19 @@ void TagsPage::fill(const FileDetails& info, const TagSettings& settings) {
     cmbLayers_->Clear();
     for (const TagLayer& layer : info.layers) cmbLayers_->Append(toWx(layer.name));
     if (!info.layers.empty()) cmbLayers_->SetSelection(static_cast<int>(info.layers.size()) - 1);
-    const bool canCarry = !info.layers.empty() && !whyNotWritten(info, settings);
-    cmbLayers_->Enable(canCarry);
-    cmdCarry_->Enable(canCarry);
+    info_ = &info;
+    canCarry_ = !info.layers.empty() && !whyNotWritten(info, settings, texts_);
+    canRemove_ = !info.layers.empty() && hasWriter(info.record.FileType);
+    setBusy(false);
     lblSummary_->SetLabelText(toWx(summaryOf(info, settings)));
     tell({});
     Layout();
+}
+
+void TagsPage::setBusy(bool isBusy) {
+    cmbLayers_->Enable(!isBusy && (canCarry_ || canRemove_));
+    cmdCarry_->Enable(!isBusy && canCarry_);
+    cmdRemove_->Enable(!isBusy && canRemove_);
 }
 
 ReportRow TagsPage::rowOf(const LayerRow& field, const std::vector<TagLayer>& layers) const {
@@ -126,7 +120,7 @@ ReportRow TagsPage::sizesOf(const std::vector<TagLayer>& layers) const {
 }
 
 std::string TagsPage::summaryOf(const FileDetails& info, const TagSettings& settings) const {
-    const auto why = whyNotWritten(info, settings);
+    const auto why = whyNotWritten(info, settings, texts_);
     std::string line;
     if (info.layers.size() > 1) {
         line = agreementOf(info);
@@ -137,7 +131,7 @@ std::string TagsPage::summaryOf(const FileDetails& info, const TagSettings& sett
     }
     if (!why) return line;
     if (!line.empty()) line += ' ';
-    return line + texts_.get(*why, fileNameOf(info.path, nativePathStyle()));
+    return line + *why;
 }
 
 std::string TagsPage::agreementOf(const FileDetails& info) const {
@@ -155,16 +149,15 @@ void TagsPage::tell(const std::string& line) {
 
 // --- FileInfoDialog ------------------------------------------------------------------------------
 
-FileInfoDialog::FileInfoDialog(wxWindow* parent, Services& services, std::vector<std::string> paths,
-                               std::size_t at,
-                               std::function<void(const std::string& path)> fileChanged)
+FileInfoDialog::FileInfoDialog(wxWindow* parent, Services& services, FileDesk& desk,
+                               std::vector<std::string> paths, std::size_t at)
     : wxDialog(parent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER | wxMAXIMIZE_BOX),
       services_(services),
+      desk_(desk),
       ansi_(services.ansiCodePage),
       paths_(std::move(paths)),
-      at_(at),
-      fileChanged_(std::move(fileChanged)) {
+      at_(at) {
     build();
     bindEvents();
     read();
@@ -186,7 +179,8 @@ void FileInfoDialog::build() {
                                 wxST_ELLIPSIZE_MIDDLE | wxST_NO_AUTORESIZE);
     lblName_->SetFont(GetFont().Bold());
     pages_ = new wxNotebook(this, wxID_ANY);
-    tags_ = new TagsPage(pages_, services_.texts, [this](std::size_t layer) { carry(layer); });
+    tags_ = new TagsPage(pages_, services_.texts,
+                         [this](const TagLayer& layer, LayerWish wish) { change(layer, wish); });
     parts_ = new ReportPage(pages_, 1);
     stream_ = new ReportPage(pages_, 1);
     picture_ = new PicturePage(pages_, services_.texts);
@@ -232,6 +226,12 @@ void FileInfoDialog::bindEvents() {
         event.Skip();
         if (event.GetEventObject() == pages_) seePicture();
     });
+    timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { onTimer(); });
+    // What is being written is told of here.
+    Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
+        if (isBusy_ && event.CanVeto()) return event.Veto();
+        event.Skip();
+    });
     Bind(wxEVT_MOVE, [this](wxMoveEvent& event) {
         event.Skip();
         keepPlace();
@@ -240,7 +240,7 @@ void FileInfoDialog::bindEvents() {
 
 void FileInfoDialog::go(int step) {
     const bool canGo = step < 0 ? at_ > 0 : at_ + 1 < paths_.size();
-    if (!canGo) return;
+    if (!canGo || isBusy_) return;
     at_ = step < 0 ? at_ - 1 : at_ + 1;
     read();
 }
@@ -312,31 +312,44 @@ void FileInfoDialog::seePicture() {
     if (pages_->GetCurrentPage() == picture_) picture_->see();
 }
 
-void FileInfoDialog::carry(std::size_t layer) {
-    if (info_.record.ReadOnly &&
-        wxMessageBox(text(Text::InfoClearReadOnly), text(Text::InfoTitle),
-                     wxYES_NO | wxNO_DEFAULT | wxICON_QUESTION, this) != wxYES) {
-        return;
+bool FileInfoDialog::isAgreed(const TagLayer& layer, LayerWish wish) {
+    const std::string question = services_.texts.get(Text::InfoAskRemove, layer.name);
+    if (wish == LayerWish::Remove &&
+        !confirm(this, services_.texts, question, Text::InfoRemoveYes)) {
+        return false;
     }
-    LineSink lines;
-    ErrorReport errors(services_.texts, lines);
-    StillProgress progress;
-    TagUpdate result;
-    {
-        const wxBusyCursor busy;
-        result = carryOver(info_.record, info_.layers, layer,
-                           {ansi_,
-                            tagSettings(services_.settings),
-                            errors,
-                            progress,
-                            systemCalls(),
-                            false,
-                            {rescueFolder()}});
+    return !info_.record.ReadOnly ||
+           wxMessageBox(text(Text::InfoClearReadOnly), text(Text::InfoTitle),
+                        wxYES_NO | wxNO_DEFAULT | wxICON_QUESTION, this) == wxYES;
+}
+
+// It is done beside the window, as the list's own saving is.
+void FileInfoDialog::change(const TagLayer& layer, LayerWish wish) {
+    constexpr int milliseconds = 40;
+    if (!isAgreed(layer, wish)) return;
+    wish_ = wish;
+    if (!desk_.changeLayer(info_.record, layer.kind, wish)) {
+        return tags_->tell(services_.texts.get(Text::InfoBusy));
     }
-    const Text good = result == TagUpdate::Unchanged ? Text::InfoNothingToCarry : Text::InfoCarried;
+    setBusy(true);
+    timer_.Start(milliseconds);
+}
+
+void FileInfoDialog::onTimer() {
+    const auto result = desk_.takeLayerResult();
+    if (!result) return;
+    timer_.Stop();
+    setBusy(false);
     read();
-    tags_->tell(lines.text.empty() ? services_.texts.get(good) : lines.text);
-    if (result == TagUpdate::Written && fileChanged_) fileChanged_(info_.path);
+    const Text done = wish_ == LayerWish::Remove ? Text::InfoRemoved : Text::InfoCarried;
+    const Text good = result->outcome == FileOutcome::Read ? Text::InfoNothingToCarry : done;
+    tags_->tell(result->message.empty() ? services_.texts.get(good) : result->message);
+}
+
+void FileInfoDialog::setBusy(bool isBusy) {
+    isBusy_ = isBusy;
+    tags_->setBusy(isBusy);
+    cmdClose_->Enable(!isBusy);
 }
 
 void FileInfoDialog::keepPlace() {

@@ -240,15 +240,8 @@ void MainFrame::showInfo() {
             paths.push_back(desk_.table().row(row).path());
         }
     }
-    FileInfoDialog(this, services_, std::move(paths), at, [this](const std::string& path) {
-        reloadFile(path);
-    }).ShowModal();
+    FileInfoDialog(this, services_, desk_, std::move(paths), at).ShowModal();
     editor_->showSelection();
-    list_->rowsRepainted();
-}
-
-void MainFrame::reloadFile(const std::string& path) {
-    if (const auto row = desk_.table().rowOfPath(path)) desk_.readNow(*row);
     list_->rowsRepainted();
 }
 

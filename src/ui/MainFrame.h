@@ -120,7 +120,6 @@ class MainFrame : public wxFrame {
     bool mayLeave();
     /// Saves and waits, with the window answering; false when something was left unsaved.
     bool saveAndWait();
-    void reloadFile(const std::string& path);
     [[nodiscard]] std::vector<std::string> selectedPaths() const;
 
     Services& services_;

@@ -17,19 +17,13 @@ struct Field {
 };
 
 const Field<std::optional<std::string>> textFields[] = {
-    {"folder", &JobOptions::folder},
-    {"artist", &JobOptions::artist},
-    {"title", &JobOptions::title},
-    {"album", &JobOptions::album},
-    {"year", &JobOptions::year},
-    {"mix", &JobOptions::mix},
-    {"track", &JobOptions::trackNumber},
-    {"genre", &JobOptions::genre},
-    {"target", &JobOptions::targetFolder},
-    {"template", &JobOptions::nameTemplate},
-    {"log", &JobOptions::logFile},
-    {"playlist", &JobOptions::playlist},
-    {"language", &JobOptions::languageFile},
+    {"folder", &JobOptions::folder},       {"artist", &JobOptions::artist},
+    {"title", &JobOptions::title},         {"album", &JobOptions::album},
+    {"year", &JobOptions::year},           {"mix", &JobOptions::mix},
+    {"track", &JobOptions::trackNumber},   {"genre", &JobOptions::genre},
+    {"target", &JobOptions::targetFolder}, {"template", &JobOptions::nameTemplate},
+    {"log", &JobOptions::logFile},         {"playlist", &JobOptions::playlist},
+    {"kinds", &JobOptions::tagKinds},      {"language", &JobOptions::languageFile},
 };
 const Field<bool> markFields[] = {
     {"subfolders", &JobOptions::subfolders},
@@ -40,6 +34,7 @@ const Field<bool> markFields[] = {
     {"nolanguage", &JobOptions::noLanguageFile},
     {"compilation", &JobOptions::compilation},
     {"notags", &JobOptions::noTags},
+    {"force", &JobOptions::force},
     {"paths", &JobOptions::keepPaths},
     {"outside", &JobOptions::outside},
     {"noformat", &JobOptions::noFormat},
@@ -125,7 +120,8 @@ const std::vector<Case> optionCases{
     {"/s", "subfolders=on"}, {"/lng my.lng", "language='my.lng'"}, {"/scan", "mode=18"},
     {"/json", "json=on"}, {"/dryrun", "dryrun=on"}, {"/version", "mode=100"},
     {"/undo", "mode=19"}, {"/u8", "u8=on"}, {"/jobs 3", "jobs=3"},
-    {"/log \" a log\"", "log=' a log'"},
+    {"/log \" a log\"", "log=' a log'"}, {"/force", "force=on"},
+    {"/removetags id3v1,ape", "mode=20 kinds='id3v1,ape'"},
 };
 // clang-format on
 

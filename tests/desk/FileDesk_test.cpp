@@ -7,6 +7,7 @@
 
 #include "platform/FileSystem.h"
 #include "support/DeskFixture.h"
+#include "support/SoundBytes.h"
 
 namespace tavlo::test {
 namespace {
@@ -277,6 +278,43 @@ TEST_F(ChangedMeanwhile, OrAreDropped) {
     EXPECT_EQ(onDisk("1.mp3").GetTitle(), "Newer");
 }
 
+TEST_F(FileDeskTest, OneTagIsCarriedOverOrTakenOffAndNothingStale) {
+    const std::string v2 = tag(3, textFrame(3, "TPE1", "Two") + std::string(99, '\0'));
+    folder.write("a.mp3", v2 + mpegFrames(3) + Id3v1{"Title", "One", "", "", ""}.block());
+    show();
+    select({"a.mp3"});
+    edit(TagField::Album, "Not saved yet");
+    const ID3tag first = onDisk("a.mp3");
+    const auto done = [&](const ID3tag& read, TagKind kind, LayerWish wish) {
+        EXPECT_TRUE(desk.changeLayer(read, kind, wish));
+        EXPECT_FALSE(desk.changeLayer(read, kind, wish)) << "it is at work";
+        settle();
+        const FileResult result = desk.takeLayerResult().value_or(FileResult{});
+        EXPECT_FALSE(desk.takeLayerResult());
+        EXPECT_TRUE(desk.takeFailures().empty());
+        return result;
+    };
+    EXPECT_EQ(done(first, TagKind::ID3v1, LayerWish::CarryOver).outcome, FileOutcome::Saved);
+    EXPECT_EQ(onDisk("a.mp3").GetArtist(), "One");
+    EXPECT_EQ(desk.table().row(row("a.mp3")).text(RowText::Artist), "One");
+
+    const std::string carried = folder.read("a.mp3");
+    for (const LayerWish wish : {LayerWish::CarryOver, LayerWish::Remove}) {
+        const FileResult stale = done(first, TagKind::ID3v2, wish);
+        EXPECT_EQ(stale.outcome, FileOutcome::Changed);
+        EXPECT_EQ(stale.message, told(Text::ChangedMeanwhile, "a.mp3"));
+        EXPECT_EQ(folder.read("a.mp3"), carried);
+    }
+    const ID3tag now = onDisk("a.mp3");
+    EXPECT_EQ(done(now, TagKind::ID3v1, LayerWish::CarryOver).outcome, FileOutcome::Read);
+    EXPECT_EQ(done(now, TagKind::ID3v1, LayerWish::Remove).outcome, FileOutcome::Saved);
+    EXPECT_FALSE(onDisk("a.mp3").IsID3v1Present);
+    EXPECT_EQ(done(onDisk("a.mp3"), TagKind::ID3v2, LayerWish::Remove).outcome, FileOutcome::Saved);
+    EXPECT_EQ(folder.read("a.mp3"), mpegFrames(3));
+    EXPECT_TRUE(desk.isEdited(TagField::Album)) << "an edit of another place went";
+    EXPECT_FALSE(desk.changeLayer(onDisk("none.mp3"), TagKind::ID3v2, LayerWish::Remove));
+}
+
 TEST_F(FileDeskTest, DeletedFilesLeaveTheSelectionAndTheEdits) {
     for (const char* name : {"1.mp3", "2.mp3", "3.mp3"}) song(name);
     show();
@@ -354,6 +392,9 @@ TEST_F(FileDeskTest, OnlyFilesWhoseTagsCanBeWrittenAreEdited) {
     for (const Lines& files : {editable, others}) {
         for (const std::string& name : files) song(name);
     }
+    folder.write("2.mpc", "MP+\x07");
+    folder.write("3.wv", wavPackBytes(1));
+    folder.write("4.ape", "MAC \x96\x0F");
     folder.write("l.m3u", "gone.mp3\n");
     show({folder.path(), folder.path("l.m3u")});
     select({"1.mp3", "2.mpc", "3.wv", "4.ape", "5.wav", "6.flac", "7.ogg", "gone.mp3"});

@@ -17,7 +17,9 @@ namespace tavlo::test {
 /// What the tag writers ask for.
 struct Writing {
     explicit Writing(const TagSettings& settings = {}, int codePage = 1252)
-        : ansi(codePage), context{ansi, settings, errors, progress} {}
+        : ansi(codePage), context{ansi, settings, errors, progress} {
+        context.settings.force = true;  // what stands for the sound may be any bytes
+    }
     Writing(const Writing&) = delete;
     Writing& operator=(const Writing&) = delete;
 

@@ -68,6 +68,8 @@ TEST(MpegStream, TagsAroundTheAudioAreNotCounted) {
     }
 }
 
+constexpr std::size_t smallestFrame = 104;  // 32 kbit/s at 44100 Hz
+
 TEST(MpegStream, FrameCountOfTheHeaderWins) {
     struct Case {
         std::string_view marker;
@@ -85,13 +87,29 @@ TEST(MpegStream, FrameCountOfTheHeaderWins) {
         XingFrame first{std::string(c.marker)};
         first.frames = c.frames;
         first.bytes = 417 * c.frames;
-        const ID3tag record = streamOf(first.frame() + cdFrames(9));
+        std::string audio = first.frame() + cdFrames(9);
+        audio.resize(smallestFrame * c.frames, '\0');
+        const ID3tag record = streamOf(audio);
         EXPECT_EQ(record.Frames, c.frames);
         EXPECT_EQ(record.Seconds, c.seconds);
         EXPECT_EQ(record.VBR, c.vbr) << c.marker;
     }
     XingFrame noCount{"Xing", 0x0E};
     EXPECT_EQ(streamOf(noCount.frame() + cdFrames(9) + std::string(10, '\0')).Frames, 10U);
+}
+
+TEST(MpegStream, FrameCountThatTheFileCannotHoldIsNotBelieved) {
+    for (const std::uint32_t frames : {1000U, 2000U, 0xFFFFFFFFU}) {
+        XingFrame first{"Xing", 1, frames};
+        std::string audio = first.frame() + cdFrames(9);
+        audio.resize(smallestFrame * 1000, '\0');
+        const bool isBelieved = frames == 1000;
+        const ID3tag record = streamOf(audio);
+        const auto estimated = static_cast<std::uint32_t>(smallestFrame * 1000 / 417.96 + 0.5);
+        EXPECT_EQ(record.Frames, isBelieved ? frames : estimated);
+        EXPECT_EQ(record.Seconds, isBelieved ? 26 : 6);
+        EXPECT_EQ(record.TimeIsGuessed, !isBelieved);
+    }
 }
 
 TEST(MpegStream, AverageRateOfVbrIsRoundedToNearest) {

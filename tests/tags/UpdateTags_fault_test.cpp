@@ -52,6 +52,7 @@ const std::string rescues = "state";
 
 std::vector<Start> starts() {
     constexpr TagSettings onlyV2{.id3v1 = false}, withApe{.ape2 = true}, keepTime{.keepTime = true};
+    constexpr TagSettings anySound{.force = true};
     const std::string footed = textFrame(4, "TPE1", "Old");
     return {
         {"no tag", sound},
@@ -66,8 +67,8 @@ std::vector<Start> starts() {
         {"APEv2 shrinks", roomy + sound + ape + block, editShort, withApe},
         {"Lyrics3", roomy + sound + lyrics + block, editLong, withApe},
         {"bytes behind the block go", roomy + sound + block + "trailing", editComposer},
-        {"Musepack", tight + sound + ape + lyrics + block, editLong, {}, "song.mpc"},
-        {"Musepack without tags", sound, editLong, {}, "song.mpc"},
+        {"Musepack", tight + sound + ape + lyrics + block, editLong, anySound, "song.mpc"},
+        {"Musepack without tags", sound, editLong, anySound, "song.mpc"},
         {"both ends of a long file", roomy + longSound + block, editShort, keepTime},
         {"a long file's tag of many pages", wide + longSound + block},
         {"a long file grows", wide + longSound + smallApe, editLong, withApe},

@@ -75,16 +75,22 @@ void expectUnknownKept(const ID3tag& found, const Combination& c) {
     EXPECT_EQ(found.UnknownItems, c.ape ? gain : "");
 }
 
+constexpr std::array allWritten{TagKind::ID3v1, TagKind::APEv2, TagKind::ID3v2};
+
+// Which tags went: "12A" for ID3v1, ID3v2 and APEv2, "L" for Lyrics3.
+std::string removeKinds(MemoryFile& file, std::span<const TagKind> kinds) {
+    constexpr std::string_view letters = "1LA2";
+    ID3tag record = file.read();
+    std::vector<TagKind> removed;
+    if (RemoveTags(record, kinds, file.context, removed) == TagUpdate::Refused) return "refused";
+    std::string names;
+    for (const TagKind kind : removed) names += letters[static_cast<std::size_t>(kind)];
+    return names;
+}
+
 // The file without the tags that can be written.
 void expectBareSound(MemoryFile& file, const Combination& c) {
-    file.record = file.read();
-    if (c.makesV2()) {
-        EXPECT_TRUE(RemoveID3v2Tag(file.record, file.context));
-    }
-    if (c.makesV1()) {
-        EXPECT_TRUE(RemoveID3v1Tag(file.record, file.context));
-    }
-    EXPECT_TRUE(RemoveAPETag(file.record, file.context));
+    EXPECT_NE(removeKinds(file, allWritten), "refused");
     EXPECT_TRUE(file.bytes() == sound + (c.lyrics ? lyrics : ""));
 }
 
@@ -195,13 +201,19 @@ TEST(UpdateTags, ModificationTimeIsKeptWhenAsked) {
 
 TEST(UpdateTags, DamagedTagIsRefused) {
     const std::string whole = oldTag(3);
-    for (const std::string& bytes :
-         {whole.substr(0, whole.size() - 1), "ID3\x05\0\0\0\0\0\0"s + sound,
-          "ID3\x02\0\x40\0\0\0\0"s + sound}) {
+    const std::pair<std::string, Refusal> cases[] = {
+        {whole.substr(0, whole.size() - 1), Refusal::Damaged},
+        {"ID3\x02\0\x40\0\0\0\0"s + sound, Refusal::Damaged},
+        {"ID3\x05\0\0\0\0\0\0"s + sound, Refusal::UnknownVersion},
+        {"ID3\x01\0\0\0\0\0\0"s + sound, Refusal::UnknownVersion},
+    };
+    for (const auto& [bytes, refusal] : cases) {
         for (const std::string path : {"song.mp3", "song.mpc"}) {
             MemoryFile file(bytes, {.ape2 = true}, path);
             EXPECT_EQ(file.change(setEveryField), TagUpdate::Refused);
-            EXPECT_EQ(file.record.Refused, Refusal::Damaged);
+            EXPECT_EQ(file.record.Refused, refusal);
+            const bool isNamed = file.sink.text.find("ID3v2.") != std::string::npos;
+            EXPECT_EQ(isNamed, refusal == Refusal::UnknownVersion) << file.sink.text;
             EXPECT_TRUE(file.bytes() == bytes);
             EXPECT_EQ(file.errors.count(), 1U);
         }
@@ -215,24 +227,129 @@ TEST(UpdateTags, BytesBehindTheLastFrameSurvive) {
     EXPECT_NE(file.bytes().find(rest), std::string::npos);
 }
 
-TEST(UpdateTags, RemovingATagThatIsNotThereChangesNothing) {
-    for (const std::string& bytes : {sound, sound + lyrics}) {
-        MemoryFile file(bytes);
-        ID3tag record = file.read();
-        EXPECT_TRUE(RemoveID3v1Tag(record, file.context));
-        EXPECT_TRUE(RemoveID3v2Tag(record, file.context));
-        EXPECT_TRUE(file.bytes() == bytes) << bytes.size() - file.bytes().size() << " bytes gone";
+TEST(UpdateTags, TagsAreTakenOffAndNoByteMore) {
+    const std::string v2 = oldTag(3), ape = ApeTag{{apeItem("Gain", "-1")}}.bytes();
+    const std::string newer = "ID3\x05\0\0\0\0\0\x04more"s, junk(20, 'j');
+    // A tag that claims sound as well, and one behind another that claims more than there is.
+    const std::string wide = "ID3\x03\0\0"s + syncsafe(20 + 384 * 2);
+    const std::string covering = wide + textFrame(3, "TIT2", "ninechars");
+    const std::string endless = "ID3\x03\0\0"s + syncsafe(1U << 27U);
+    using Kinds = std::vector<TagKind>;
+    const Kinds v1Only{TagKind::ID3v1}, v2Only{TagKind::ID3v2}, apeOnly{TagKind::APEv2};
+    const Kinds lyricsOnly{TagKind::Lyrics3}, both{TagKind::ID3v1, TagKind::APEv2};
+    struct Case {
+        std::string bytes;
+        Kinds kinds;
+        std::string removed, left;
+        std::string path = "song.mp3";
+    };
+    const Case cases[] = {
+        {v2 + sound + ape + lyrics + block, v1Only, "1", v2 + sound + ape + lyrics},
+        {v2 + sound + ape + lyrics + block, apeOnly, "A", v2 + sound + lyrics + block},
+        {v2 + sound + ape + lyrics + block, lyricsOnly, "L", v2 + sound + ape + block},
+        {v2 + sound + ape + lyrics + block, v2Only, "2", sound + ape + lyrics + block},
+        {v2 + sound + ape + lyrics + block, both, "1A", v2 + sound + lyrics},
+        {v2 + sound + block + junk, both, "1", v2 + sound + junk},
+        {sound + "TAG", v1Only, "", sound + "TAG"},
+        {sound + ape, v1Only, "", sound + ape},
+        {sound + lyrics, v2Only, "", sound + lyrics},
+        {v2 + oldTag(4) + oldTag(2) + sound, v2Only, "2", sound},
+        {v2 + newer + sound, v2Only, "2", newer + sound},
+        {v2 + endless + sound, v2Only, "2", endless + sound},
+        {covering + sound, v2Only, "2", sound},
+        {v2 + covering + sound, v2Only, "2", sound},
+        {newer + sound + block, v2Only, "refused", newer + sound + block},
+        {newer + sound + block, v1Only, "1", newer + sound},
+        {endless + sound + block, v2Only, "refused", endless + sound + block},
+        {"some text" + ape, apeOnly, "A", "some text"},
+        {sound + ape, apeOnly, "A", sound, "song.wv"},
+        {v2 + sound, v2Only, "refused", v2 + sound, "song.flac"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        MemoryFile file(c.bytes, {}, c.path);
+        EXPECT_EQ(removeKinds(file, c.kinds), c.removed);
+        EXPECT_TRUE(file.bytes() == c.left);
+        EXPECT_EQ(file.errors.count(), c.removed == "refused" ? 1U : 0U);
     }
 }
 
-TEST(UpdateTags, RemovingAnID3v1BlockThatIsNotThereChangesNothing) {
-    const std::string ape = ApeTag{{apeItem("Gain", "-1")}}.bytes();
-    const std::string lyrics = lyrics3(lyricsField("EAR", "Lyrics"));
-    for (const std::string& bytes : {sound + "TAG", sound + ape, sound + ape + lyrics}) {
-        MemoryFile file(bytes);
+TEST(UpdateTags, TakingManyTagsOffIsOneChange) {
+    MemoryFile file(oldTag(3) + sound + ApeTag{{gain}}.bytes() + lyrics + block);
+    for (const bool isDry : {true, false}) {
+        WriteContext context{file.context.ansi,     file.context.settings, file.context.errors,
+                             file.context.progress, file.context.calls,    isDry};
         ID3tag record = file.read();
-        EXPECT_TRUE(RemoveID3v1Tag(record, file.context));
-        EXPECT_TRUE(file.bytes() == bytes) << bytes.size() - file.bytes().size() << " bytes gone";
+        std::vector<TagKind> removed;
+        const std::string before = file.bytes();
+        EXPECT_EQ(RemoveTags(record, allWritten, context, removed), TagUpdate::Written);
+        EXPECT_EQ(removed.size(), 3U);
+        EXPECT_EQ(file.bytes() == before, isDry);
+    }
+    EXPECT_TRUE(file.bytes() == sound + lyrics);
+}
+
+TEST(UpdateTags, FileWithoutSoundOfItsTypeIsLeftAlone) {
+    const std::string flac = "fLaC" + std::string(500, 'x');
+    struct Case {
+        std::string path, bytes, told;
+    };
+    const Case cases[] = {
+        {"song.mp3", flac, "holds no MPEG audio (it looks like FLAC)"},
+        {"song.mp3", tag(3, textFrame(3, "TIT2", "t")) + flac, "(it looks like FLAC)"},
+        {"song.mp3", "", "holds no MPEG audio (it looks like an empty file)"},
+        {"not.wmp3", "just text", "holds no MPEG audio (it looks like text)"},
+        {"file.wv", "#!/bin/sh\n", "holds no WavPack audio (it looks like a script)"},
+        {"crop.ape", sound, "holds no Monkey's audio (it looks like MP3)"},
+        {"song.mpc", sound, "holds no Musepack audio"},
+    };
+    for (const Case& c : cases) {
+        for (const bool force : {false, true}) {
+            SCOPED_TRACE(c.path);
+            MemoryFile file(c.bytes, {.ape2 = true, .force = force}, c.path);
+            EXPECT_EQ(file.change(setTitle), force ? TagUpdate::Written : TagUpdate::Refused);
+            EXPECT_EQ(file.bytes() == c.bytes, !force);
+            if (force) continue;
+            EXPECT_EQ(file.record.Refused, Refusal::NoSound);
+            EXPECT_EQ(file.sink.text.find("\"" + c.path + "\" holds no"), 0U) << file.sink.text;
+            EXPECT_NE(file.sink.text.find(c.told), std::string::npos) << file.sink.text;
+        }
+    }
+}
+
+TEST(UpdateTags, WhatATagThatStaysWillShowIsForeseen) {
+    const std::string ape = ApeTag{{apeItem("Artist", "Ape"), gain}}.bytes();
+    struct Case {
+        std::string bytes;
+        TagSettings settings;
+        std::string shown;  // "-" where no tag can hide an edit
+    };
+    const Case cases[] = {
+        {oldTag(3) + sound + ape, {}, "Ape"},
+        {oldTag(3) + sound + lyrics + block, {}, "Lyrics"},
+        {oldTag(3) + sound + ape + lyrics, {.ape2 = true}, "Lyrics"},
+        {oldTag(3) + sound + ape, {.ape2 = true}, "-"},
+        {oldTag(3) + sound + block, {}, "-"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        MemoryFile file(c.bytes, c.settings);
+        WriteNotes notes;
+        const WriteContext context{file.context.ansi,
+                                   c.settings,
+                                   file.context.errors,
+                                   file.context.progress,
+                                   file.context.calls,
+                                   false,
+                                   {},
+                                   &notes};
+        ID3tag record = file.read();
+        record.SetArtist("");
+        EXPECT_EQ(UpdateTags(record, context), TagUpdate::Written);
+        EXPECT_EQ(notes.shown ? notes.shown->GetArtist() : "-", c.shown);
+        if (notes.shown) {
+            EXPECT_EQ(file.read().GetArtist(), c.shown) << "it came otherwise";
+        }
     }
 }
 
