@@ -20,8 +20,9 @@ constexpr std::size_t step = 65536;
 
 constexpr std::size_t headerSize = 4;
 constexpr std::size_t largestFrame = 2881;  // layer II of MPEG-2.5 at 8000 Hz and 160 kbit/s
-// Bytes that only look like a frame are found everywhere; so many in a row are not.
-constexpr int framesInRow = 6;
+// Bytes that only look like a frame are found everywhere; so many in a row are not. Tables in
+// programs look like frames of a free bit rate.
+constexpr int framesInRow = 10, freeFramesInRow = 16;
 constexpr int framesToEnd = 2;  // the same of those that end with the span
 constexpr std::size_t rowSpan = framesInRow * largestFrame + headerSize;
 
@@ -37,6 +38,13 @@ std::optional<MPEGHeader> headerAt(File& file, std::uint64_t at) {
 
 bool isSameStream(const MPEGHeader& a, const MPEGHeader& b) {
     return a.Version == b.Version && a.Layer == b.Layer && a.SampleRate == b.SampleRate;
+}
+
+// What else no stream changes on its way: whether frames have a checksum, and mono.
+bool isSameKind(const MPEGHeader& a, const MPEGHeader& b, char checksumOfA, char checksumOfB) {
+    constexpr int mono = 3;
+    return isSameStream(a, b) && checksumOfA == checksumOfB &&
+           (a.ChannelMode == mono) == (b.ChannelMode == mono);
 }
 
 // Whether the stream begins where the span does, as it usually is.
@@ -55,51 +63,66 @@ bool beginsWithFrames(File& file, SoundSpan span) {
 // Frames of a free bit rate do not tell their size, but have all the same one.
 class FreeFrames {
  public:
-    // Whether a frame at this place is the third at the same distance.
-    bool add(std::uint64_t at, const MPEGHeader& header) {
-        const std::uint64_t distance = at - at_;
-        const bool isNext = header_ && isSameStream(*header_, header) && isLike(distance);
-        distance_ = header_ && distance <= largest ? distance : 0;
+    // Whether the frame at this place ends a row of them.
+    bool add(std::uint64_t at, const MPEGHeader& header, char checksum) {
+        const bool isNext = header_ && isSameKind(*header_, header, checksum_, checksum);
+        const std::uint64_t size = isNext ? at - at_ - padding(*header_) : 0;
+        count_ = size >= smallest && size <= largest ? (size == size_ ? count_ + 1 : 2) : 1;
+        size_ = size;
         at_ = at;
         header_ = header;
-        return isNext;
+        checksum_ = checksum;
+        return count_ >= freeFramesInRow;
     }
-    [[nodiscard]] bool endsAt(std::uint64_t end) const { return header_ && isLike(end - at_); }
+    [[nodiscard]] bool endsAt(std::uint64_t end) const {
+        return count_ >= framesToEnd && end - at_ == size_ + padding(*header_);
+    }
 
  private:
-    static constexpr std::uint64_t largest = 16384;
+    static constexpr std::uint64_t smallest = 96, largest = 16384;
 
-    // Padding makes a frame longer by up to 4 bytes.
-    [[nodiscard]] bool isLike(std::uint64_t distance) const {
-        constexpr std::uint64_t padding = 4;
-        return distance_ != 0 && distance + padding >= distance_ && distance <= distance_ + padding;
-    }
+    static std::uint64_t padding(const MPEGHeader& header) { return header.Padding ? 1 : 0; }
 
     std::optional<MPEGHeader> header_;
-    std::uint64_t at_ = 0, distance_ = 0;
+    char checksum_ = 0;
+    std::uint64_t at_ = 0, size_ = 0;
+    int count_ = 0;
 };
 
-// Whether frames follow one another from `at` on, at least `framesInRow` or to the end.
+// Whether frames follow one another from `at` on, as many as it takes or to the end.
 bool isRow(std::string_view bytes, std::size_t at, const MPEGHeader& first, bool hasEnd) {
+    const char checksum = bytes[at + 1];
     MPEGHeader header = first;
     for (int count = 1; count < framesInRow; ++count) {
         at += header.frameSize();
         if (at + headerSize > bytes.size()) return hasEnd && count >= framesToEnd;
         const auto next = headerIn(bytes.substr(at, headerSize));
-        if (!next || next->frameSize() == 0 || !isSameStream(*next, first)) return false;
+        if (!next || next->frameSize() == 0) return false;
+        if (!isSameKind(*next, first, bytes[at + 1], checksum)) return false;
         header = *next;
     }
     return true;
+}
+
+// What may begin a row. Small negative numbers look like layer I, which is only looked for where a
+// file begins; no frame begins with its header twice.
+std::optional<MPEGHeader> searchedHeader(std::string_view bytes, std::size_t at) {
+    const std::string_view word = bytes.substr(at, headerSize);
+    const auto header = headerIn(word);
+    const bool isFrame =
+        header && header->Layer != 1 && !bytes.substr(at + headerSize).starts_with(word);
+    return isFrame ? header : std::nullopt;
 }
 
 // Whether a row begins in the first `count` of the bytes, which lie at `from`.
 bool hasRow(std::string_view bytes, std::size_t count, std::uint64_t from, bool hasEnd,
             FreeFrames& freeFrames) {
     for (std::size_t at = 0; (at = bytes.find('\xFF', at)) < count; ++at) {
-        const auto header = headerIn(bytes.substr(at, headerSize));
+        const auto header = searchedHeader(bytes, at);
         if (!header) continue;
         const bool isFree = header->frameSize() == 0;
-        if (isFree ? freeFrames.add(from + at, *header) : isRow(bytes, at, *header, hasEnd)) {
+        if (isFree ? freeFrames.add(from + at, *header, bytes[at + 1])
+                   : isRow(bytes, at, *header, hasEnd)) {
             return true;
         }
     }
@@ -107,7 +130,6 @@ bool hasRow(std::string_view bytes, std::size_t count, std::uint64_t from, bool 
 }
 
 bool holdsMpeg(File& file, SoundSpan span) {
-    if (beginsWithFrames(file, span)) return true;
     const std::uint64_t end = std::min(span.end, span.begin + searchedBytes);
     FreeFrames freeFrames;
     for (std::uint64_t from = span.begin; from < end; from += step) {
@@ -187,39 +209,75 @@ bool holdsMark(File& file, SoundSpan span, const MarkRow& row) {
 
 struct LookRow {
     std::size_t place;
-    std::string_view magic;
-    std::string_view name;
+    std::string_view magic, name;
+    bool isOther = true;  // a file that begins so is nothing else, whatever is found in it
 };
 // The first that fits counts.
-constexpr std::array<LookRow, 24> looks{{
+constexpr std::array<LookRow, 34> looks{{
     {0, "fLaC", "FLAC"},
     {0, "OggS", "Ogg"},
     {8, "WAVE", "RIFF/WAVE"},
-    {0, "RIFF", "RIFF"},
+    {0, "RIFF", "RIFF", false},
     {0, "FORM", "IFF"},
     {4, "ftyp", "MP4"},
     {0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11", "ASF"},
-    {0, "wvpk", "WavPack"},
-    {0, "MPCK", "Musepack"},
-    {0, "MP+", "Musepack"},
+    {0, "wvpk", "WavPack", false},
+    {0, "MPCK", "Musepack", false},
+    {0, "MP+", "Musepack", false},
     {0, "\x1A\x45\xDF\xA3", "Matroska"},
     {0, "\xFF\xD8\xFF", "JPEG"},
     {0, "\x89PNG\r\n", "PNG"},
     {0, "GIF8", "GIF"},
+    {0, "II*\0"sv, "TIFF"},
+    {0, "MM\0*"sv, "TIFF"},
     {0, "%PDF-", "PDF"},
+    {0, "\xD0\xCF\x11\xE0", "OLE"},
     {0, "PK\x03\x04", "ZIP"},
     {0, "Rar!\x1A", "RAR"},
     {0, "7z\xBC\xAF\x27\x1C", "7z"},
     {0, "\x1F\x8B\x08", "gzip"},
+    {0, "BZh", "bzip2"},
+    {0,
+     "\xFD"
+     "7zXZ",
+     "xz"},
+    {0, "\x28\xB5\x2F\xFD", "zstd"},
     {0, "SQLite format 3", "SQLite"},
     {0,
      "\x7F"
      "ELF",
      "ELF"},
-    {0, "\xFF\xF1", "AAC"},
-    {0, "\xFF\xF9", "AAC"},
-    {0, "ID3", "ID3v2"},
+    {0, "MZ", "EXE"},
+    {0, "!<arch>", "ar"},
+    {0, "\0\0\x01\xBA"sv, "MPEG"},
+    {0, "8BPS", "PSD"},
+    {0, "\xFF\xF1", "AAC", false},
+    {0, "\xFF\xF9", "AAC", false},
+    {0, "ID3", "ID3v2", false},
 }};
+constexpr std::size_t lookSpan = 32;
+
+const LookRow* lookOf(std::string_view bytes) {
+    const auto* row = std::ranges::find_if(looks, [&](const LookRow& look) {
+        return bytes.size() > look.place && bytes.substr(look.place).starts_with(look.magic);
+    });
+    return row == looks.end() ? nullptr : row;
+}
+
+// A WAVE file may carry an MPEG stream, and old WavPack files begin with its header.
+bool mayCarry(std::string_view bytes, FileTypes type) {
+    constexpr std::size_t codecPlace = 20;
+    const std::string_view codec = bytes.substr(std::min(codecPlace, bytes.size()), 2);
+    const bool isMpeg = codec == "\x55\0"sv || codec == "\x50\0"sv;
+    return bytes.starts_with("RIFF") && (type == FileType::Wv || (type == FileType::Mp3 && isMpeg));
+}
+
+// Whether all of it is something else, in which a search would find what looks like sound.
+bool isOtherFile(File& file, FileTypes type, SoundSpan span) {
+    const std::string_view bytes = textOf(file.view(span.begin, lookSpan));
+    const LookRow* const row = lookOf(bytes);
+    return row != nullptr && row->isOther && !mayCarry(bytes, type);
+}
 
 bool isTextByte(char c) {
     return static_cast<unsigned char>(c) >= 0x20 || c == '\t' || c == '\n' || c == '\r' ||
@@ -234,14 +292,15 @@ bool isPlainText(std::string_view bytes) {
 
 bool holdsSound(File& file, FileTypes type, SoundSpan span) {
     if (span.begin >= span.end) return false;
-    if (type == FileType::Mp3) return holdsMpeg(file, span);
-    const auto isOfType = [&](const MarkRow& row) { return row.type == type; };
-    return std::ranges::any_of(
-               marks,
-               [&](const MarkRow& row) { return isOfType(row) && beginsWith(file, span, row); }) ||
-           std::ranges::any_of(marks, [&](const MarkRow& row) {
-               return isOfType(row) && holdsMark(file, span, row);
-           });
+    const auto any = [&](bool (*holds)(File&, SoundSpan, const MarkRow&)) {
+        return std::ranges::any_of(
+            marks, [&](const MarkRow& row) { return row.type == type && holds(file, span, row); });
+    };
+    if (type == FileType::Mp3) {
+        return beginsWithFrames(file, span) ||
+               (!isOtherFile(file, type, span) && holdsMpeg(file, span));
+    }
+    return any(beginsWith) || (!isOtherFile(file, type, span) && any(holdsMark));
 }
 
 std::string_view soundName(FileTypes type) {
@@ -262,10 +321,7 @@ std::string looksLike(File& file, SoundSpan span, const Texts& texts) {
     if (span.begin >= span.end) return texts.get(Text::LooksEmpty);
     const std::string_view bytes = textOf(
         file.view(span.begin, static_cast<std::size_t>(std::min(lookedAt, span.end - span.begin))));
-    const auto* row = std::ranges::find_if(looks, [&](const LookRow& look) {
-        return bytes.size() > look.place && bytes.substr(look.place).starts_with(look.magic);
-    });
-    if (row != looks.end()) return std::string(row->name);
+    if (const LookRow* const row = lookOf(bytes)) return std::string(row->name);
     if (bytes.starts_with("MAC ")) return std::string(soundName(FileType::Ape)) + " Audio";
     if (bytes.starts_with("#!")) return texts.get(Text::LooksScript);
     if (isPlainText(bytes)) return texts.get(Text::LooksText);

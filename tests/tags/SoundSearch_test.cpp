@@ -37,7 +37,7 @@ std::string freeFrames(std::size_t count) {
 }
 
 TEST(SoundSearch, SoundIsFoundWhereverItBegins) {
-    const std::string frames = mpegFrames(7);
+    const std::string frames = mpegFrames(11);
     const std::string monkey = "MAC \x96\x0F\0\0"s, musepack8 = "MPCKSH\x0F\0"s;
     struct Case {
         const char* what;
@@ -56,7 +56,7 @@ TEST(SoundSearch, SoundIsFoundWhereverItBegins) {
         {"near the last byte that is searched", FileType::Mp3,
          std::string((16U << 20U) - 10, 'x') + frames + "x"},
         {"free format", FileType::Mp3, freeFrames(5)},
-        {"free format behind noise", FileType::Mp3, noise(200000) + freeFrames(5) + noise(9000)},
+        {"free format behind noise", FileType::Mp3, noise(200000) + freeFrames(17) + noise(9000)},
         {"two free frames to the end", FileType::Mp3, freeFrames(2)},
         {"WavPack", FileType::Wv, wavPackBytes(1)},
         {"WavPack behind noise", FileType::Wv, noise(100000) + wavPackBytes(1)},
@@ -64,12 +64,22 @@ TEST(SoundSearch, SoundIsFoundWhereverItBegins) {
         {"a mark over the border of a step", FileType::Ape, std::string(65534, 'x') + monkey},
         {"Musepack 8", FileType::Mpc, musepack8},
         {"Musepack 7", FileType::Mpc, "MP+\x17"},
+        {"a stream in a WAVE file", FileType::Mp3,
+         "RIFF\1\2\3\4WAVEfmt \x1E\0\0\0\x55\0"s + std::string(40, 'w') + frames},
+        {"old WavPack", FileType::Wv, waveBytes(1).substr(0, 44) + "wvpk\1\2\3\4\3\0"s},
     };
     for (const Case& c : cases) EXPECT_TRUE(holds(c.type, c.bytes)) << c.what;
 }
 
 TEST(SoundSearch, OtherFilesHoldNone) {
-    std::string prose;
+    const std::string frames = mpegFrames(11);
+    // 24-bit samples around -5, and what looks like frames of a free bit rate with nothing between.
+    std::string prose, quiet = "x", freeHeaders;
+    for (int i = 0; i < 30000; ++i)
+        quiet += std::string(1, static_cast<char>(-1 - i % 9)) + "\xFF\xFF";
+    std::string words = "x";
+    for (int i = 0; i < 5000; ++i) words += "\xFF\xF4\x14\xE8";
+    for (int i = 0; i < 5000; ++i) freeHeaders += "\xFF\xFB\x00\x64"s + std::string(12, 'h');
     while (prose.size() < 100000) prose += "The MAC address, wvpk and MP+ of an MPCK file. ";
     struct Case {
         const char* what;
@@ -86,6 +96,14 @@ TEST(SoundSearch, OtherFilesHoldNone) {
          "x" + mpegFrames(1) + mpegFrames(1, "\xFF\xF3\x84\xC0", 192) + mpegFrames(1) + "x"},
         {"beyond what is searched", FileType::Mp3, std::string(16U << 20U, 'x') + mpegFrames(9)},
         {"WAVE", FileType::Mp3, waveBytes(60)},
+        {"WAVE of what looks like frames", FileType::Mp3, waveBytes(60) + frames},
+        {"a program with tables", FileType::Mp3,
+         "\x7F"
+         "ELF\x02\x01\x01"s +
+             noise(100) + frames + noise(9)},
+        {"small negative numbers", FileType::Mp3, quiet},
+        {"a table of headers", FileType::Mp3, "x" + freeHeaders},
+        {"a word again and again", FileType::Mp3, words},
         {"text", FileType::Wv, prose},
         {"text", FileType::Ape, prose},
         {"text", FileType::Mpc, prose},
