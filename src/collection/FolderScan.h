@@ -42,7 +42,7 @@ class FolderScan {
     Progress& progress_;
     const CancelFlag& cancel_;
     const bool hidden_;
-    std::vector<FileId> ancestors_;           // from the scanned folder down to where the scan is
+    std::vector<FileId> ancestors_;             // from the scanned folder down to where the scan is
     std::string root_;                          // the scanned folder, links resolved, when needed
     std::unordered_set<std::string> followed_;  // folders met behind links, links resolved
     std::string paths_;

@@ -9,6 +9,7 @@
 #include "platform/PlainText.h"
 #include "tags/APEv2.h"
 #include "tags/APEv2Items.h"
+#include "tags/FieldEdits.h"
 #include "tags/FieldGetters.h"
 #include "tags/FieldSetters.h"
 #include "tags/ID3v1.h"
@@ -217,6 +218,7 @@ void takeLayer(ID3tag& record, const std::vector<TagLayer>& layers, std::size_t 
 TagUpdate carryOver(ID3tag& record, const std::vector<TagLayer>& layers, std::size_t chosen,
                     WriteContext context) {
     takeLayer(record, layers, chosen, context.ansi);
+    markAllEdited(record);  // a tag may tell otherwise what the record tells already
     context.settings.ape2 |= std::any_of(layers.begin(), layers.end(), [](const TagLayer& layer) {
         return layer.kind == TagKind::APEv2;
     });

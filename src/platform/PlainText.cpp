@@ -17,6 +17,10 @@ bool isReplaced(char32_t point, std::string_view kept) {
            (point >= 0x80 || kept.find(static_cast<char>(point)) == std::string_view::npos);
 }
 
+constexpr bool isBlank(char32_t point) {
+    return point == '\t' || point == '\n' || point == '\r';
+}
+
 // The length of the front that is plain ASCII, which most text is.
 std::size_t plainSize(std::string_view text) {
     const auto isPlain = [](char c) { return c >= 0x20 && c < 0x7F; };
@@ -31,8 +35,8 @@ std::string replaced(std::string_view text, std::string_view kept) {
         if (size == 0) {
             const CodePoint next = firstCodePoint(text);
             size = next.length;
-            if (isReplaced(seenBy(text, next), kept)) {
-                appendUtf8(out, replacementCharacter);
+            if (const char32_t point = seenBy(text, next); isReplaced(point, kept)) {
+                appendUtf8(out, isBlank(point) ? U' ' : replacementCharacter);
                 text.remove_prefix(size);
                 continue;
             }

@@ -42,7 +42,8 @@ constexpr bool isUnseen(char32_t point) {
 /// Whether a text has any such character but those in `kept`.
 bool hasUnseen(std::string_view text, std::string_view kept = {});
 
-/// U+FFFD in place of each: a line that a terminal shows as one.
+/// U+FFFD in place of each, a blank in that of tabs and ends of lines: a line that a terminal shows
+/// as one.
 std::string withoutControls(std::string text);
 
 /// The same of finished output, in which those in `kept` lay it out.

@@ -60,12 +60,13 @@ std::optional<Tag> tagAt(File& file, std::uint64_t place) {
 }
 
 // At the file's end; a Lyrics3 block, if there is one, may stand behind the tag.
-std::optional<Tag> locate(File& file, std::optional<std::uint64_t> lyricsBegin) {
+std::optional<Tag> locate(File& file, std::optional<std::uint64_t> lyricsBegin, bool& isBroken) {
     const std::uint64_t from = file.size() - std::min<std::uint64_t>(file.size(), searchSpan);
     const std::string_view end = textOf(file.view(from, searchSpan));
     // Searching forwards is quicker where there is none.
     if (end.find(tagMark) != std::string_view::npos) {
         if (auto tag = tagAt(file, from + end.rfind(tagMark))) return tag;
+        isBroken = true;
     }
     if (!lyricsBegin || *lyricsBegin < footerSize) return std::nullopt;
     return tagAt(file, *lyricsBegin - footerSize);
@@ -98,6 +99,7 @@ class ItemWalk {
             found_->end = at;
             found_->restEnd = tag_.itemsEnd;
             found_->isOld = tag_.footer.version == version1;
+            found_->isBroken = found_->items.empty() && tag_.footer.count > 0;
         }
     }
 
@@ -188,7 +190,9 @@ class ItemWalk {
 
 std::optional<TagSpan> readTag(File& file, ID3tag& record, const ReadContext& context,
                                FoundItems* found) {
-    const auto tag = locate(file, lyricsBegin(file, record));
+    bool isBroken = false;
+    const auto tag = locate(file, lyricsBegin(file, record), isBroken);
+    if (!tag && found != nullptr) found->isBroken = isBroken;
     if (!tag) return std::nullopt;
     record.IsAPE2Present = true;
     ItemWalk(file, *tag, record, context, found).run();

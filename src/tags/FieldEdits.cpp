@@ -113,6 +113,13 @@ void markAsRead(ID3tag& record) {
     }
 }
 
+void markAllEdited(ID3tag& record) {
+    const auto art = static_cast<std::size_t>(Field::AlbumArt);
+    const Mark picture = record.MarksAsRead[art];
+    record.MarksAsRead = {};
+    record.MarksAsRead[art] = picture;
+}
+
 FieldSet takeEdits(ID3tag& target, const ID3tag& edited) {
     FieldSet taken = 0;
     for (std::size_t i = 0; i < editableFieldCount; ++i) {

@@ -11,6 +11,9 @@ namespace tavlo {
 /// read counts every field that is not empty as edited.
 void markAsRead(ID3tag& record);
 
+/// Counts every field that is not empty as edited, but for a picture that stayed.
+void markAllEdited(ID3tag& record);
+
 /// Copies the edited fields of one record into another one of the same file and says which.
 FieldSet takeEdits(ID3tag& target, const ID3tag& edited);
 

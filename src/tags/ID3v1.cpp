@@ -79,8 +79,8 @@ class BlockWriter {
 
     std::string run() {
         const ID3tag& record = change_.after;
-        add(fieldSet(Field::Title, Field::Mix),
-            record.Title.empty() ? record.GetTitleMixV2() : record.Title, textSize);
+        add(fieldSet(Field::Title), record.Title.empty() ? record.GetTitleMixV2() : record.Title,
+            textSize);
         add(fieldSet(Field::Artist), record.Artist, textSize);
         add(fieldSet(Field::Album), record.Album, textSize);
         add(fieldSet(Field::Year), record.Year, yearSize);

@@ -1,10 +1,12 @@
 #include "tags/ID3v2.h"
 
 #include <algorithm>
+#include <array>
 
 #include "core/ByteCursor.h"
 #include "tags/ID3v2Fields.h"
 #include "tags/ID3v2Frame.h"
+#include "tags/MPEGHeader.h"
 #include "tags/Picture.h"
 #include "tags/TagText.h"
 
@@ -40,9 +42,16 @@ std::optional<TextEncoding> takeEncoding(ByteCursor& cursor) {
 
 class FrameWalk {
  public:
-    FrameWalk(File& source, ID3tag& record, const ReadContext& context, const FrameTaker& take,
-              FoundFrames* found)
-        : source_(source), record_(record), context_(context), take_(take), found_(found) {}
+    // `source` holds the tag's body, `file` the sound behind it from `soundBegin` on.
+    FrameWalk(File& source, File& file, std::uint64_t soundBegin, ID3tag& record,
+              const ReadContext& context, const FrameTaker& take, FoundFrames* found)
+        : source_(source),
+          file_(file),
+          soundBegin_(soundBegin),
+          record_(record),
+          context_(context),
+          take_(take),
+          found_(found) {}
 
     void run(std::uint64_t at, std::uint64_t end) {
         end_ = end;
@@ -52,7 +61,7 @@ class FrameWalk {
             const std::uint64_t body = at + headerSize_;
             if (header->bodySize > end_ - body || isSync(header->id)) break;
             // Sound or rubbish may look like a header.
-            if (!hasRegularId(*header) && !leadsOn(body + header->bodySize)) break;
+            if (!isText(header->id) && !leadsOn(body + header->bodySize)) break;
             if (take_) take_(*header, source_.view(body, header->bodySize));
             const bool isRead = interpret(*header, body);
             if (!isRead) keep(*header, body);
@@ -60,13 +69,15 @@ class FrameWalk {
             at = body + header->bodySize;
         }
         if (context_.depth >= ReadDepth::Places) lookBehind(at);
-        isLost_ = at == first && record_.ID3v2Ext.bUnreadRest;
+        isLost_ = record_.ID3v2Ext.bUnreadRest && (at == first || !isFollowedBySound());
         finish();
     }
 
     // Where sound begins inside of what the tag claims.
     [[nodiscard]] std::optional<std::uint64_t> soundAt() const { return soundAt_; }
-    // Whether there is something, but nothing in it could be taken for a frame.
+    // Whether there are bytes that are no frame and that cannot be put back: where no frame was
+    // found at all, or where sound does not begin behind the tag, they may be anything, sound
+    // included.
     [[nodiscard]] bool isLost() const { return isLost_; }
 
  private:
@@ -251,9 +262,24 @@ class FrameWalk {
         found_->frames.push_back({header, at, isRead && !isPicture, hasOddSize_});
     }
 
+    // Odd names are made of letters all the same.
+    static bool isText(std::string_view id) {
+        return std::ranges::all_of(id, [](char c) { return c == '\0' || (c >= ' ' && c <= '~'); });
+    }
+
     // A frame of sound never begins like a frame of the tag.
     static bool isSync(std::string_view bytes) {
         return bytes.size() > 1 && bytes[0] == '\xFF' && (bytes[1] & 0xE0) == 0xE0;
+    }
+
+    bool isFollowedBySound() {
+        constexpr std::array<std::string_view, 6> marks{"MP+",  "MPCK", "wvpk",
+                                                        "MAC ", "fLaC", "OggS"};
+        const std::string_view next = textOf(file_.view(soundBegin_, 4));
+        MPEGHeader header;
+        return header.ParseHeader(next) || std::ranges::any_of(marks, [&](std::string_view mark) {
+                   return next.starts_with(mark);
+               });
     }
 
     // What stands behind the last whole frame and its padding. Where it is sound, the tag's size is
@@ -282,6 +308,8 @@ class FrameWalk {
     }
 
     File& source_;
+    File& file_;
+    const std::uint64_t soundBegin_;
     ID3tag& record_;
     const ReadContext& context_;
     const FrameTaker& take_;
@@ -335,15 +363,15 @@ std::optional<TagSpan> readTag(File& file, ID3tag& record, const ReadContext& co
             file.view(TagHeader::size, static_cast<std::size_t>(end) - TagHeader::size));
         File plain;
         plain.openMemory(body);
-        FrameWalk walk(plain, record, context, take, found);
+        FrameWalk walk(plain, file, span.end, record, context, take, found);
         walk.run(0, body.size());
-        isLost = walk.isLost();
+        isLost = walk.isLost() || walk.soundAt();
         if (found != nullptr) {
             found->plain = std::move(body);
             found->isPlain = true;
         }
     } else {
-        FrameWalk walk(file, record, context, take, found);
+        FrameWalk walk(file, file, span.end, record, context, take, found);
         walk.run(TagHeader::size, end);
         span.end = walk.soundAt().value_or(span.end);
         isLost = walk.isLost();

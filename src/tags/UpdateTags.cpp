@@ -86,7 +86,8 @@ class TagPlan {
         if (record_.ID3v2Ext.bDamaged) return refusal_;
         if (record_.FileType == FileType::Mp3) {
             if (refusal_ == Refusal::NoID3v2Tag && !context_.settings.ape2) return refusal_;
-            if (refusal_ != Refusal::NoID3v2Tag && !planHead()) return Refusal::TooLarge;
+            const Refusal head = refusal_ == Refusal::NoID3v2Tag ? Refusal::None : planHead();
+            if (head != Refusal::None) return head;
             if (wouldHideApe() && refusal_ == Refusal::None) refusal_ = Refusal::NoID3v1Tag;
             planTail(context_.settings.ape2);
         } else {
@@ -138,9 +139,9 @@ class TagPlan {
         carried_ = carriedItems(file_, layout_.frames, record_, layout_.items, context_.ansi);
     }
 
-    bool planHead() {
+    Refusal planHead() {
         NewFrames frames = encodeID3v2Frames(change_, file_, layout_.frames, context_);
-        if (frames.pieces.size() > largestTagSize) return false;
+        if (frames.pieces.size() > largestTagSize) return Refusal::TooLarge;
         if (change_.before.ID3v2Ext.MajorVersion == 2) takeNewNames(frames.pieces);
         ends_.headEnd = layout_.id3v2 ? layout_.id3v2->end : 0;
         if (frames.isChanged) {
@@ -148,7 +149,7 @@ class TagPlan {
         } else {
             ends_.head.addOld(0, ends_.headEnd);
         }
-        return true;
+        return Refusal::None;
     }
 
     // The space that a tag has stays as it is, so that the sound does not move.
@@ -216,7 +217,7 @@ class TagPlan {
     // A Lyrics3 block has to stand right in front of the ID3v1 block, so that a new tag goes in
     // front of it. What stands behind an old one stays there.
     void planApe(std::uint64_t end) {
-        if (layout_.lyrics) ends_.tailBegin = std::min(end, layout_.lyrics->begin);
+        if (layout_.lyrics && layout_.lyrics->end == end) ends_.tailBegin = layout_.lyrics->begin;
         if (layout_.ape) ends_.tailBegin = layout_.ape->begin;
         const std::uint64_t kept = layout_.ape ? layout_.ape->end : ends_.tailBegin;
         NewAPETag tag =
@@ -229,11 +230,10 @@ class TagPlan {
         ends_.tail.addOld(kept, end);
     }
 
-    // A tag that has to be written, and in which nothing could be taken for an item.
+    // A tag that has to be written, and that could not be taken apart.
     [[nodiscard]] bool isUnreadApe() const {
-        const FoundItems& found = layout_.items;
         const bool isWritten = record_.FileType != FileType::Mp3 || context_.settings.ape2;
-        return layout_.ape && isWritten && found.items.empty() && found.end < found.restEnd;
+        return isWritten && layout_.items.isBroken;
     }
 
     // A new block behind bytes that nobody knows would push the APEv2 tag in front of them out of

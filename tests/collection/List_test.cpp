@@ -74,7 +74,7 @@ TEST(ListJson, NamesThatAreNoTextAreNotLost) {
 
 TEST(ListTable, TabLinesKeepTheirColumns) {
     std::string plain, wild;
-    appendTabLine(plain, rowOf("One\uFFFDTwo"));
+    appendTabLine(plain, rowOf("One Two"));
     appendTabLine(wild, rowOf("One\tTwo"));
     EXPECT_EQ(wild, plain);
     wild.clear();

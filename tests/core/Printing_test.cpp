@@ -21,7 +21,7 @@ const Case cases[] = {
     {"\x1B[2J", box + "[2J", "\\u001B[2J"},
     {"\x01\x1F", box + box, "\\u0001\\u001F"},
     {"\x7F", box, "\\u007f"},
-    {"\n\r\t", box + box + box, "\\n\\r\\t"},
+    {"\n\r\t", "   ", "\\n\\r\\t"},
     {"\u0080\u009B\u009F", box + box + box, "\\u0080\\u009b\\u009f"},
     {"\u200E\u200F\u061C", box + box + box, "\\u200e\\u200f\\u061c"},
     {"\u202A\u202E\u2066\u2069", box + box + box + box, "\\u202a\\u202e\\u2066\\u2069"},

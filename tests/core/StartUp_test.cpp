@@ -111,7 +111,7 @@ TEST(ConsoleProgress, DrawsSeldomAndClearsBehindItself) {
         EXPECT_EQ(terminal.text, "\r1/20 Длинно");
         terminal.text.clear();
         progress.reportAt("a\n", start + std::chrono::seconds(1));
-        EXPECT_EQ(terminal.text, "\r1/20 a\uFFFD    ");
+        EXPECT_EQ(terminal.text, "\r1/20 a     ");
         terminal.text.clear();
         progress.write("message\n");
         EXPECT_EQ(terminal.text, "\r" + std::string(7, ' ') + "\rmessage\n");

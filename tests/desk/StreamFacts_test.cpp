@@ -18,7 +18,10 @@ std::map<Text, std::string> factsOf(const ID3tag& record) {
 
 TEST(StreamFacts, TellWhatIsKnown) {
     ID3tag record =
-        readBytes(XingFrame{"Xing", 0x0F, 9000, 4000000, "LAME3.100"}.frame() + cdFrames(20));
+        readBytes(XingFrame{"Xing", 0x0F, 20, 4000000, "LAME3.100"}.frame() + cdFrames(20));
+    record.Frames = 9000;
+    record.Seconds = 235;
+    record.StreamFound = false;
     record.Length = 5554112;
     auto facts = factsOf(record);
     EXPECT_EQ(facts[Text::ColumnLength], "3:55");

@@ -49,7 +49,7 @@ class Program:
         environment = os.environ | {"TAVLO_ANSI_CODE_PAGE": "1252",
                                     "XDG_CONFIG_HOME": str(self.config(settings))}
         try:
-            done = subprocess.run([self.path, "/change", "/s", "/json", str(folder), *words],
+            done = subprocess.run([self.path, "/change", "/s", "/json", "/force", str(folder), *words],
                                   env=environment, stdout=subprocess.PIPE,
                                   stderr=subprocess.DEVNULL, timeout=timeout, check=False)
         except subprocess.TimeoutExpired:

@@ -84,6 +84,7 @@ class MemoryCalls final : public FileCalls {
         if (isKilled() || found == files_.end()) return noFile;
         const Stored& file = *found->second;
         if (access == Access::ReadWrite && file.isReadOnly) return noFile;
+        if (access == Access::Own && file.isLink) return noFile;
         status = statusOf(file);
         return opened(found->second);
     }

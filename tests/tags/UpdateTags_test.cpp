@@ -367,13 +367,15 @@ TEST(UpdateTags, SecondDateFrameDoesNotHideTheYear) {
     }
 }
 
-TEST(UpdateTags, NewAPETagIsFoundAgain) {
-    const std::string broken = ApeTag{{apeItem("Artist", "b")}, 3000}.bytes();
-    MemoryFile file(sound + lyrics3(lyricsField("EAR", "L")) + broken,
-                    {.id3v1 = false, .ape2 = true});
-    file.change(setTitle);
-    EXPECT_TRUE(file.read().IsAPE2Present);
-    EXPECT_EQ(file.change(setTitle), TagUpdate::Unchanged);
+TEST(UpdateTags, NoAPETagIsWrittenBehindOneThatCannotBeTakenApart) {
+    const std::string bytes = sound + ApeTag{{apeItem("Artist", "b")}, 3000}.bytes();
+    MemoryFile file(bytes, {.id3v1 = false, .ape2 = true});
+    EXPECT_EQ(file.change(setTitle), TagUpdate::Refused);
+    EXPECT_EQ(file.record.Refused, Refusal::Damaged);
+    EXPECT_TRUE(file.bytes() == bytes);
+    MemoryFile other(bytes, {.id3v1 = false});
+    EXPECT_EQ(other.change(setTitle), TagUpdate::Written);
+    EXPECT_TRUE(other.bytes().ends_with(bytes));
 }
 
 TEST(UpdateTags, OldAPETagIsFoundAgain) {
