@@ -33,13 +33,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const Folder found, noted;
     std::ofstream(found.path + "/000001.txt", std::ios::binary) << textOf({data, size});
     RenameJournal journal(found.path);
-    const auto batch = journal.last();
-    promise(batch.has_value());
-    if (batch->rows.empty()) return 0;
+    const JournalBatch batch = journal.last();
+    if (batch.rows.empty()) return 0;
     RenameJournal again(noted.path);
-    promise(again.begin("now", *batch));
-    const auto read = again.last();
-    promise(read && sameBatch(*read, *batch) && !read->isMoved && !read->isDone);
+    promise(again.begin("now", batch));
+    const JournalBatch read = again.last();
+    promise(sameBatch(read, batch) && !read.isMoved && !read.isDone);
     promise(again.isBrokenOff() && again.drop());
     return 0;
 }

@@ -21,6 +21,7 @@ namespace {
 constexpr std::size_t longestShown = 500;            // bytes of a part's text
 constexpr std::size_t largestText = 1U << 20U;       // bytes of a part that may be text
 constexpr std::uint32_t largestPacked = 16U << 20U;  // bytes of a compressed frame
+constexpr std::size_t largestUnpacked = 32U << 20U;  // of all of them
 
 std::string oneLine(std::string text) {
     while (text.ends_with('\0')) text.pop_back();
@@ -171,16 +172,28 @@ class Gathering {
         TagPart part{TagKind::ID3v2, withoutControls(ansi_.toUtf8(id)), header.bodySize, {}};
         const bool isPicture = id == "APIC" || id == "PIC";
         if (isPicture || body.size() <= largestText) {
-            const auto content = contentOf(header, version, body);
+            const auto content = unpacked(header, version, body);
             if (content && isPicture) {
                 const int form = id == "PIC" ? 2 : version;
                 const auto picture = parsePictureFrame(*content, content->size(), form, ansi_);
                 if (picture) part.text = addPicture(part.tag, *picture, *content);
             } else if (content) {
-                part.text = oneLine(frameText(id, *content, ansi_));
+                const Bytes text(*content);
+                part.text =
+                    oneLine(frameText(id, text.first(std::min(text.size(), largestText)), ansi_));
             }
         }
         found.parts.push_back(std::move(part));
+    }
+
+    // What frames may come to when they are unpacked is bounded for the whole tag.
+    std::optional<std::vector<std::uint8_t>> unpacked(const FrameHeader& header, int version,
+                                                      Bytes body) {
+        const bool isPacked = !isPlainFrame(header, version);
+        if (isPacked && unpacked_ > largestUnpacked) return std::nullopt;
+        auto content = contentOf(header, version, body);
+        if (content && isPacked) unpacked_ += content->size();
+        return content;
     }
 
     std::string addPicture(TagKind tag, const ParsedPicture& picture, Bytes content) {
@@ -247,6 +260,7 @@ class Gathering {
 
     File& file_;
     const CodePage& ansi_;
+    std::size_t unpacked_ = 0;
 };
 }  // namespace
 

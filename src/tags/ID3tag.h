@@ -73,6 +73,7 @@ enum class Refusal : std::uint8_t {
     None,
     NoWriter,        ///< tags of this format are not written
     NotOpened,       ///< the file could not be opened for writing
+    InUse,           ///< because another program holds it
     NotRead,         ///< the disk did not give all of it
     NoID3v2Tag,      ///< there is none, and the settings do not let one be made
     NoID3v1Tag,      ///< the same of the ID3v1 block; the other tags were written

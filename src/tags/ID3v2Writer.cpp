@@ -154,8 +154,8 @@ class FramesWriter {
         }
     }
 
-    // What could not be taken apart stays what it is only where the tag ends with it, and in a tag of
-    // its own version.
+    // What could not be taken apart stays what it is only where the tag ends with it, and in a tag
+    // of its own version.
     void addRest() {
         if (found_.restEnd <= found_.end) return;
         if (from_ == to_) {

@@ -47,6 +47,10 @@ bool openFor(File& file, const std::string& path, const WriteContext& context) {
                           : openPatiently(file, path, context.progress);
 }
 
+Refusal whyNotOpened(const std::string& path) {
+    return isInUse(path) ? Refusal::InUse : Refusal::NotOpened;
+}
+
 // --- What is to be written -----------------------------------------------------------------------
 
 // A block that begins inside another tag is none.
@@ -439,8 +443,9 @@ std::optional<std::string> refusalLine(Refusal refusal, const ID3tag& record, st
         Refusal refusal;
         Text text;
     };
-    constexpr std::array<Row, 11> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
+    constexpr std::array<Row, 12> rows{{{Refusal::NoWriter, Text::FormatNotWritten},
                                         {Refusal::NotOpened, Text::FileNotOpenedForWriting},
+                                        {Refusal::InUse, Text::FileInUse},
                                         {Refusal::NotRead, Text::FileNotRead},
                                         {Refusal::NoID3v2Tag, Text::TagNotMade},
                                         {Refusal::Damaged, Text::TagDamaged},
@@ -474,7 +479,7 @@ TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before
     const std::string path = record.Path;
     if (!hasWriter(record.FileType)) return refuse(record, Refusal::NoWriter, context);
     File file(context.calls);
-    if (!openFor(file, path, context)) return refuse(record, Refusal::NotOpened, context);
+    if (!openFor(file, path, context)) return refuse(record, whyNotOpened(path), context);
     // The file may have changed since the record was read: what it says now is what stays.
     ID3tag current;
     current.FileType = record.FileType;
@@ -521,7 +526,7 @@ TagUpdate RemoveTags(ID3tag& record, std::span<const TagKind> kinds, const Write
     const std::string path = record.Path;
     if (!hasWriter(record.FileType)) return refuse(record, Refusal::NoWriter, context);
     File file(context.calls);
-    if (!openFor(file, path, context)) return refuse(record, Refusal::NotOpened, context);
+    if (!openFor(file, path, context)) return refuse(record, whyNotOpened(path), context);
     ID3tag current;
     current.FileType = record.FileType;
     TagLayout layout = readTags(file, current, {context.ansi, ReadDepth::Places});
