@@ -88,23 +88,27 @@ class ChangeJob : public TagJob {
         }
         std::optional<ID3tag> record = filledRecord(path, *readable);
         if (!record) return skip(path, Text::NameDoesNotFit);
-        ID3tag before;
-        const TagUpdate result = UpdateTags(*record, context(), &before);
+        begin(std::make_unique<TagWork>(context(), path, subPath, std::move(*record)));
+    }
+
+    void tellWork(TagWork& work, TagUpdate result) override {
         const std::string_view word = counted(result);
-        if (result == TagUpdate::Refused) return tell(path, {}, word);
-        ID3tag after = before;
-        filling_.fill(*readable, after);
+        if (result == TagUpdate::Refused) return tell(work.path, {}, word);
+        ID3tag after = work.before;
+        filling_.fill(*filling_.readablePath(work.path, ansi()), after);
         after.SplitTitle();
-        tellStaying(path, before, after);
+        tellStaying(work.path, work.before, after);
         const bool isSame = result == TagUpdate::Unchanged;
         if (isJson()) {
-            tell(path, isSame ? std::vector<Change>() : changesOf(before, after), word);
+            tell(work.path, isSame ? std::vector<Change>() : changesOf(work.before, after), word);
         } else if (isDryRun() && !isSame) {
-            tellChanges(subPath, changesOf(before, after));
+            tellChanges(work.subPath, changesOf(work.before, after));
         }
     }
 
+    // Files are told in their order.
     void skip(const std::string& path, Text why) {
+        commit();
         countSkipped();
         if (!isJson()) return;
         JsonLine line;

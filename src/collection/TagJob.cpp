@@ -16,11 +16,19 @@ TagSettings wantedTags(const Services& services) {
 }
 }  // namespace
 
+TagWork::TagWork(const WriteContext& job, std::string path, std::string subPath, ID3tag record)
+    : path(std::move(path)),
+      subPath(std::move(subPath)),
+      record(std::move(record)),
+      context{job.ansi,  job.settings, job.errors, job.progress,
+              job.calls, job.dryRun,   job.ways,   &notes} {}
+
 TagJob::TagJob(Services& services)
     : services_(services),
       ansi_(services.ansiCodePage),
       context_{ansi_,         wantedTags(services),    services.errors,  services.progress,
-               systemCalls(), services.options.dryRun, {rescueFolder()}, &notes_} {}
+               systemCalls(), services.options.dryRun, {rescueFolder()}, &notes_},
+      group_(context_.ways) {}
 
 int TagJob::run() {
     cFilesCollection files(services_.progress, services_.cancel);
@@ -48,9 +56,29 @@ bool TagJob::changeAll(const cFilesCollection& files) {
         services_.progress.pumpMessages();
         if (services_.cancel.load(std::memory_order_relaxed)) break;
     }
+    commit();
     services_.progress.setRange(0);
     if (!isJson()) out_ += summary();
     return flush(1);
+}
+
+void TagJob::begin(std::unique_ptr<TagWork> work) {
+    work->answer = work->updating.prepare(group_);
+    begun_.push_back(std::move(work));
+    if (begun_.size() >= RewriteGroup::mostFiles || group_.isFull()) commit();
+}
+
+void TagJob::commit() {
+    const std::vector<Rewrite> results = group_.commit();
+    auto result = results.begin();
+    for (const auto& work : begun_) {
+        const bool isCarriedOut = !work->answer;
+        const TagUpdate answer = isCarriedOut ? work->updating.finish(*result++) : *work->answer;
+        notes_ = std::move(work->notes);
+        tellWork(*work, answer);
+    }
+    begun_.clear();
+    notes_ = {};
 }
 
 std::string_view TagJob::counted(TagUpdate result) {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "collection/cFilesCollection.h"
 #include "core/JsonLine.h"
@@ -9,6 +12,18 @@
 #include "tags/UpdateTags.h"
 
 namespace tavlo {
+
+/// A file whose tags are being changed, from its plan to what is told of it.
+struct TagWork {
+    TagWork(const WriteContext& job, std::string path, std::string subPath, ID3tag record);
+
+    const std::string path, subPath;
+    ID3tag record, before;
+    WriteNotes notes;
+    const WriteContext context;  ///< the job's, with these notes
+    TagUpdating updating{record, context, &before};
+    std::optional<TagUpdate> answer;
+};
 
 /// A job that changes the tags of files, one after the other: its progress, cancel and sums, and
 /// its output in text or JSON.
@@ -25,6 +40,13 @@ class TagJob {
  protected:
     /// Changes one file, or only says what would be changed.
     virtual void changeFile(const std::string& path, const std::string& subPath) = 0;
+    /// Tells what came of a file that was begun.
+    virtual void tellWork(TagWork&, TagUpdate) {}
+
+    /// Plans a file's change; some are carried out and told together.
+    void begin(std::unique_ptr<TagWork> work);
+    /// Carries out and tells what was begun.
+    void commit();
 
     [[nodiscard]] bool isJson() const { return services_.options.json; }
     [[nodiscard]] bool isDryRun() const { return services_.options.dryRun; }
@@ -54,6 +76,8 @@ class TagJob {
     const CodePage ansi_;
     WriteNotes notes_;
     const WriteContext context_;
+    RewriteGroup group_;
+    std::vector<std::unique_ptr<TagWork>> begun_;
     std::string out_;
     std::size_t changed_ = 0, unchanged_ = 0, skipped_ = 0;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "core/ByteCursor.h"
 #include "platform/FileSystem.h"
@@ -211,19 +212,20 @@ bool RewriteGroup::isFull() const {
     return waiting_.size() >= mostFiles || (rescue_ != nullptr && rescue_->size() >= mostSaved);
 }
 
-Rewrite RewriteGroup::carryOut(const Waiting& waiting) {
-    File& file = waiting.file;
-    const SavedFile& saved = waiting.saved;
-    if (!isStillThere(file, saved.path)) return Rewrite::Replaced;
-    FileCalls& calls = file.calls();
-    const FileHandle handle = file.handle();
-    const bool done = rescue_->put(handle, saved, Rescue::Side::New) && calls.flush(handle);
-    if (done) {
-        if (waiting.keepTime) calls.setModified(handle, saved.modified);
-        return Rewrite::Done;
-    }
-    const bool isPutBack = rescue_->put(handle, saved, Rescue::Side::Old) && calls.flush(handle);
-    calls.setModified(handle, saved.modified);
+Rewrite RewriteGroup::write(const Waiting& waiting) {
+    if (!isStillThere(waiting.file, waiting.saved.path)) return Rewrite::Replaced;
+    const FileHandle handle = waiting.file.handle();
+    if (!rescue_->put(handle, waiting.saved, Rescue::Side::New)) return takeBack(waiting);
+    if (waiting.keepTime) waiting.file.calls().setModified(handle, waiting.saved.modified);
+    return Rewrite::Done;
+}
+
+Rewrite RewriteGroup::takeBack(const Waiting& waiting) {
+    FileCalls& calls = waiting.file.calls();
+    const FileHandle handle = waiting.file.handle();
+    const bool isPutBack =
+        rescue_->put(handle, waiting.saved, Rescue::Side::Old) && calls.flush(handle);
+    calls.setModified(handle, waiting.saved.modified);
     return isPutBack || isUntouched(waiting) ? Rewrite::NotWritten : Rewrite::Torn;
 }
 
@@ -233,16 +235,22 @@ bool RewriteGroup::isUntouched(const Waiting& waiting) {
            rescue_->compare(waiting.file.handle(), waiting.saved, now->size) == Rescue::Found::Old;
 }
 
+// All are written before the first one is flushed: then the disk's own journal is waited for once.
 std::vector<Rewrite> RewriteGroup::commit() {
     const bool isSealed = rescue_ != nullptr && !waiting_.empty() && rescue_->seal();
     for (const Waiting& waiting : waiting_) {
-        const Rewrite result = isSealed ? carryOut(waiting) : Rewrite::NotWritten;
+        results_[waiting.number] = isSealed ? write(waiting) : Rewrite::NotWritten;
+    }
+    for (const Waiting& waiting : waiting_) {
+        Rewrite& result = results_[waiting.number];
+        const bool isFlushed =
+            result != Rewrite::Done || waiting.file.calls().flush(waiting.file.handle());
+        if (!isFlushed) result = takeBack(waiting);
         if (result == Rewrite::Torn) rescue_->keep();
-        results_[waiting.number] = result;
     }
     waiting_.clear();
     rescue_.reset();
-    return std::move(results_);
+    return std::exchange(results_, {});
 }
 
 }  // namespace tavlo

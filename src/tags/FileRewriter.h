@@ -53,7 +53,7 @@ bool wouldChange(File& file, const NewEnds& ends);
 /// rescue file, and so wait for the disk only once.
 class RewriteGroup {
  public:
-    static constexpr std::size_t mostFiles = 64;
+    static constexpr std::size_t mostFiles = 16;
     static constexpr std::uint64_t mostSaved = std::uint64_t{16} << 20U;  // bytes
 
     explicit RewriteGroup(RewriteWays ways) : ways_(std::move(ways)) {}
@@ -62,7 +62,7 @@ class RewriteGroup {
     void add(File& file, const std::string& path, const NewEnds& ends, bool keepTime);
     /// Whether it is time to commit.
     [[nodiscard]] bool isFull() const;
-    /// What became of each file, in the order in which they were added.
+    /// What became of each file since the last time, in the order in which they were added.
     std::vector<Rewrite> commit();
 
  private:
@@ -74,7 +74,8 @@ class RewriteGroup {
     };
     bool save(Waiting& waiting, const NewContent& content,
               const std::vector<NewContent::Change>& changes);
-    Rewrite carryOut(const Waiting& waiting);
+    Rewrite write(const Waiting& waiting);
+    Rewrite takeBack(const Waiting& waiting);
     bool isUntouched(const Waiting& waiting);
 
     const RewriteWays ways_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <thread>
 
 #include "core/ByteCursor.h"
@@ -474,51 +475,82 @@ Refusal expectedRefusal(const ID3tag& record, const TagSettings& settings) {
     return Refusal::None;
 }
 
-TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before) {
-    if (!record.OK || !HasEditableTags(record.Path)) return TagUpdate::Refused;
-    const std::string path = record.Path;
-    if (!hasWriter(record.FileType)) return refuse(record, Refusal::NoWriter, context);
-    File file(context.calls);
-    if (!openFor(file, path, context)) return refuse(record, whyNotOpened(path), context);
+// What is known of a file between the two steps.
+struct TagUpdating::Work {
+    Work(const ID3tag& record, const WriteContext& context)
+        : path(record.Path), file(context.calls) {
+        current.FileType = record.FileType;
+    }
+
+    const std::string path;
+    File file;
+    ID3tag current, after;
+    TagLayout layout;
+    std::optional<TagPlan> plan;
+    Refusal planned = Refusal::None;
+    std::uint64_t otherNames = 0;
+};
+
+TagUpdating::TagUpdating(ID3tag& record, const WriteContext& context, ID3tag* before)
+    : record_(record), context_(context), before_(before) {}
+
+TagUpdating::~TagUpdating() = default;
+
+std::optional<TagUpdate> TagUpdating::prepare(RewriteGroup& group) {
+    if (!record_.OK || !HasEditableTags(record_.Path)) return TagUpdate::Refused;
+    if (!hasWriter(record_.FileType)) return refuse(record_, Refusal::NoWriter, context_);
+    work_ = std::make_unique<Work>(record_, context_);
+    auto& [path, file, current, after, layout, plan, planned, otherNames] = *work_;
+    if (!openFor(file, path, context_)) return refuse(record_, whyNotOpened(path), context_);
     // The file may have changed since the record was read: what it says now is what stays.
-    ID3tag current;
-    current.FileType = record.FileType;
-    const TagLayout layout = readTags(file, current, {context.ansi, ReadDepth::Places});
-    ID3tag after = current;
-    if (before != nullptr) *before = current;
-    const FieldSet edited = takeEdits(after, record);
+    layout = readTags(file, current, {context_.ansi, ReadDepth::Places});
+    after = current;
+    if (before_ != nullptr) *before_ = current;
+    const FieldSet edited = takeEdits(after, record_);
     if ((edited & fieldSet(Field::Title, Field::Mix)) != 0) after.SplitTitle();
-    for (ID3tag* each : {&record, &after}) {
+    for (ID3tag* each : {&record_, &after}) {
         if (each->Comment == "#") each->Comment.clear();
     }
-    TagPlan plan(file, current, after, edited, layout, context);
-    const Refusal planned = plan.make();
-    if (file.hasFailed()) return refuse(record, Refusal::NotRead, context);
-    if (!isPartial(planned, context.settings)) return refuse(record, planned, context, &current);
-    const SongCandidate song(file, record.FileType, path, layout);
-    const bool mayChange = isSong(song, context.settings.force);
-    if (file.hasFailed()) return refuse(record, Refusal::NotRead, context);
-    if (!mayChange) return refuseNoSound(record, song, context);
-    if (context.notes != nullptr && plan.mayHideEdits()) {
-        context.notes->shown =
-            foreseenRecord(file, record.FileType, layout, plan.ends(), context.ansi);
+    plan.emplace(file, current, after, edited, layout, context_);
+    planned = plan->make();
+    if (file.hasFailed()) return refuse(record_, Refusal::NotRead, context_);
+    if (!isPartial(planned, context_.settings)) {
+        return refuse(record_, planned, context_, &current);
     }
-    const std::uint64_t otherNames =
-        leavesOtherNames(file, plan.ends(), context) ? file.names() : 0;
-    if (context.dryRun) {
-        noteSideEffects(otherNames, plan.homeless(), path, context);
-        return wouldChange(file, plan.ends()) ? TagUpdate::Written : TagUpdate::Unchanged;
+    const SongCandidate song(file, record_.FileType, path, layout);
+    const bool mayChange = isSong(song, context_.settings.force);
+    if (file.hasFailed()) return refuse(record_, Refusal::NotRead, context_);
+    if (!mayChange) return refuseNoSound(record_, song, context_);
+    if (context_.notes != nullptr && plan->mayHideEdits()) {
+        context_.notes->shown =
+            foreseenRecord(file, record_.FileType, layout, plan->ends(), context_.ansi);
     }
-    const Rewrite result =
-        rewriteEnds(file, path, plan.ends(), context.settings.keepTime, context.ways);
+    otherNames = leavesOtherNames(file, plan->ends(), context_) ? file.names() : 0;
+    if (!context_.dryRun) {
+        group.add(file, path, plan->ends(), context_.settings.keepTime);
+        return std::nullopt;
+    }
+    noteSideEffects(otherNames, plan->homeless(), path, context_);
+    return wouldChange(file, plan->ends()) ? TagUpdate::Written : TagUpdate::Unchanged;
+}
+
+TagUpdate TagUpdating::finish(Rewrite result) {
+    const std::unique_ptr<Work> work = std::move(work_);
     const Refusal failed = refusalOf(result);
-    if (failed != Refusal::None) return refuse(record, failed, context);
-    noteSideEffects(otherNames, plan.homeless(), path, context);
-    plan.noteTags(record);
-    record.ReadOnly = false;
-    markAsRead(record);
-    if (planned != Refusal::None) markRefused(record, planned);
+    if (failed != Refusal::None) return refuse(record_, failed, context_);
+    noteSideEffects(work->otherNames, work->plan->homeless(), work->path, context_);
+    work->plan->noteTags(record_);
+    record_.ReadOnly = false;
+    markAsRead(record_);
+    if (work->planned != Refusal::None) markRefused(record_, work->planned);
     return result == Rewrite::Unchanged ? TagUpdate::Unchanged : TagUpdate::Written;
+}
+
+TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before) {
+    TagUpdating updating(record, context, before);
+    RewriteGroup group(context.ways);
+    if (const auto answer = updating.prepare(group)) return *answer;
+    return updating.finish(group.commit().front());
 }
 
 TagUpdate RemoveTags(ID3tag& record, std::span<const TagKind> kinds, const WriteContext& context,

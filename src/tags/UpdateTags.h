@@ -1,11 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tags/FileRewriter.h"
 #include "tags/ID3tag.h"
 #include "tags/TagReading.h"
 #include "tags/TagWriting.h"
@@ -25,6 +27,28 @@ enum class TagUpdate {
 /// and yet `OK` is false and `Path` empty. Failures are reported; `before`, if given, gets the
 /// record as the file had it. With `dryRun` nothing is changed, not even the file's attributes.
 TagUpdate UpdateTags(ID3tag& record, const WriteContext& context, ID3tag* before = nullptr);
+
+/// The same in two steps, so that several files wait for the disk together.
+class TagUpdating {
+ public:
+    TagUpdating(ID3tag& record, const WriteContext& context, ID3tag* before = nullptr);
+    ~TagUpdating();
+    TagUpdating(const TagUpdating&) = delete;
+    TagUpdating& operator=(const TagUpdating&) = delete;
+
+    /// Plans the change and adds it to the group; an answer where that is all. Otherwise the file
+    /// stays open until the group's commit, whose result `finish` gets.
+    std::optional<TagUpdate> prepare(RewriteGroup& group);
+    TagUpdate finish(Rewrite result);
+
+ private:
+    struct Work;
+
+    ID3tag& record_;
+    const WriteContext& context_;
+    ID3tag* const before_;
+    std::unique_ptr<Work> work_;
+};
 
 /// Whether tags of files of this type are written at all.
 bool hasWriter(FileTypes type);
