@@ -99,7 +99,8 @@ class ItemWalk {
             found_->end = at;
             found_->restEnd = tag_.itemsEnd;
             found_->isOld = tag_.footer.version == version1;
-            found_->isBroken = found_->items.empty() && tag_.footer.count > 0;
+            found_->isBroken =
+                found_->items.size() < tag_.footer.count && found_->end < found_->restEnd;
         }
     }
 

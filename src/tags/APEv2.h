@@ -26,7 +26,7 @@ struct FoundItems {
     std::uint64_t end = 0;      ///< behind the last item that could be read
     std::uint64_t restEnd = 0;  ///< where the footer begins
     bool isOld = false;         ///< APEv1: 8-bit text
-    bool isBroken = false;      ///< there is a footer, but no tag, or no item, that fits it
+    bool isBroken = false;      ///< there is a footer, but no tag, or too few items, that fit it
 };
 
 /// Reads the APEv2 (or APEv1) tag whose footer lies in the file's last 256 bytes, or in front of

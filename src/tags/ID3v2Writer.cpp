@@ -75,6 +75,7 @@ class FramesWriter {
         for (const FoundFrame& frame : found_.frames) {
             if (const auto row = rowOf(frame)) ++counts_[*row];
         }
+        if (to_ == 4 && (from_ == 2 || from_ == 3)) joinDate();
     }
 
     NewFrames run() {
@@ -99,7 +100,43 @@ class FramesWriter {
         return static_cast<std::size_t>(row - fieldFrames().data());
     }
 
+    [[nodiscard]] std::string_view nameOf(const FoundFrame& frame) const {
+        return from_ == 2 ? successorOf(frame.header.id) : std::string_view(frame.header.id);
+    }
+
+    // Before version 4 day and month, and the time, stand in frames of their own.
+    void joinDate() {
+        const std::string_view year = record_.GetYear();
+        const std::string day = fourDigits("TDAT"), time = fourDigits("TIME");
+        if (year.size() != 4 || day.empty() || change_.edits(fieldSet(Field::Year))) return;
+        date_ = std::string(year) + "-" + day.substr(2) + "-" + day.substr(0, 2);
+        if (!time.empty()) date_ += "T" + time.substr(0, 2) + ":" + time.substr(2);
+    }
+
+    std::string fourDigits(std::string_view name) {
+        for (const FoundFrame& frame : found_.frames) {
+            if (nameOf(frame) != name || !isPlainFrame(frame.header, from_)) continue;
+            const std::uint64_t body = frame.begin + frameHeaderSize(from_);
+            const std::string_view bytes = old_.view(body, body + frame.header.bodySize);
+            if (bytes.empty() || bytes[0] > static_cast<char>(TextEncoding::Utf8)) continue;
+            std::string text = decodeText(TextEncoding{static_cast<std::uint8_t>(bytes[0])},
+                                          bytesOfText(bytes.substr(1)), context_.ansi);
+            while (text.ends_with('\0')) text.pop_back();
+            const bool isDigits =
+                std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+            if (text.size() == 4 && isDigits) return text;
+        }
+        return {};
+    }
+
+    [[nodiscard]] bool isInDate(const FoundFrame& frame) const {
+        const std::string_view name = nameOf(frame);
+        const bool hasTime = date_.find('T') != std::string::npos;
+        return !date_.empty() && (name == "TDAT" || (name == "TIME" && hasTime));
+    }
+
     void place(const FoundFrame& frame) {
+        if (isInDate(frame)) return;
         const auto row = rowOf(frame);
         if (row && isReplaced(*row, frame)) {
             if (!isPlaced_[*row]) addField(*row);
@@ -169,7 +206,8 @@ class FramesWriter {
     void addField(std::size_t row) {
         const FieldFrame& frame = fieldFrames()[row];
         if (frame.kind == FrameKind::Picture) return addPicture();
-        const std::string field = frame.get(record_, to_);
+        const bool isDate = frame.id == "TDRC" && !date_.empty();
+        const std::string field = isDate ? date_ : frame.get(record_, to_);
         if (field.empty()) return;
         if (frame.kind == FrameKind::Url) return addUrl(field);
         addText(frame, field);
@@ -265,6 +303,7 @@ class FramesWriter {
     NewFrames out_;
     std::array<std::size_t, fieldFrameCount> counts_{};  // of frames that tell a row's field
     std::bitset<fieldFrameCount> isPlaced_;
+    std::string date_;  // of the parts that version 4 keeps in one
 };
 }  // namespace
 

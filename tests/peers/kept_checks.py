@@ -247,7 +247,9 @@ def check_value(file, new, after, verdicts):
         texts = [each[0] if each else "" for each in texts]
     if file.field == "genre" and texts:
         texts = [re.sub(r"^\(26\)(Ambient)?$|^26$", "Ambient", texts[0])]
-    if not texts or not any(shows(file, text) for text in texts[:1]):
+    # Real files have chapters, whose titles are listed too.
+    seen = texts if file.kind.startswith("found") else texts[:1]
+    if not texts or not any(shows(file, text) for text in seen):
         verdicts.fail(file, "value not shown", names, texts)
 
 

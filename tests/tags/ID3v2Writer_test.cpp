@@ -287,6 +287,10 @@ TEST(ID3v2Writer, TagOfAnotherVersionIsWrittenAnew) {
         {"3 to 4", 4, tag(3, textFrame(3, "TYER", "2004") + frame(3, "MCDI", counter, 0x8000)),
          frame(4, "MCDI", counter, 0x4000) + textFrame(4, "TALB", "New") +
              textFrame(4, "TDRC", "2004")},
+        {"a date of three parts", 4,
+         tag(2, textFrame(2, "TYE", "2010") + textFrame(2, "TDA", "0304") +
+                    textFrame(2, "TIM", "2359")),
+         textFrame(4, "TALB", "New") + textFrame(4, "TDRC", "2010-04-03T23:59")},
         {"4 to 3", 3,
          tag(4, textFrame(4, "TDRC", "2004") + textFrame(4, "TPE1", "Снег", 3) +
                     textFrame(4, "TPE2", "Снег", 3)),

@@ -79,7 +79,8 @@ TEST(SoundSearch, OtherFilesHoldNone) {
         quiet += std::string(1, static_cast<char>(-1 - i % 9)) + "\xFF\xFF";
     std::string words = "x";
     for (int i = 0; i < 5000; ++i) words += "\xFF\xF4\x14\xE8";
-    for (int i = 0; i < 5000; ++i) freeHeaders += "\xFF\xFB\x00\x64"s + std::string(12, 'h');
+    const std::string freeHeader = "\xFF\xFB\x00\x64hhhhhhhhhhhh"s;
+    for (int i = 0; i < 5000; ++i) freeHeaders += freeHeader;
     while (prose.size() < 100000) prose += "The MAC address, wvpk and MP+ of an MPCK file. ";
     struct Case {
         const char* what;
