@@ -536,7 +536,11 @@ std::optional<TagUpdate> TagUpdating::prepare(RewriteGroup& group) {
 
 TagUpdate TagUpdating::finish(Rewrite result) {
     const std::unique_ptr<Work> work = std::move(work_);
-    const Refusal failed = refusalOf(result);
+    Refusal failed = refusalOf(result);
+    if (failed == Refusal::NotWritten) {
+        work->file.close();  // or it would be we who use it
+        if (isInUse(work->path)) failed = Refusal::InUse;
+    }
     if (failed != Refusal::None) return refuse(record_, failed, context_);
     noteSideEffects(work->otherNames, work->plan->homeless(), work->path, context_);
     work->plan->noteTags(record_);
