@@ -131,8 +131,9 @@ bool makeOwn(const std::string& path) {
     if (opened < 0) return false;
     constexpr mode_t permissions = 07777;
     struct stat status {};
-    const bool done = ::fstat(opened, &status) == 0 && status.st_uid == ::geteuid() &&
-                      ::fchmod(opened, status.st_mode & permissions & ~(S_IWGRP | S_IWOTH)) == 0;
+    const bool done =
+        ::fstat(opened, &status) == 0 && status.st_uid == ::geteuid() &&
+        ::fchmod(opened, status.st_mode & permissions & ~mode_t{S_IWGRP | S_IWOTH}) == 0;
     ::close(opened);
     return done && isOwn(path);
 }
