@@ -73,6 +73,7 @@ class FramesWriter {
           to_(writtenVersion(context.settings)),
           out_{{}, from_ != to_, false} {
         for (const FoundFrame& frame : found_.frames) {
+            if (from_ == 2 && firstUrl_ == nullptr && frame.header.id == "WXX") firstUrl_ = &frame;
             if (const auto row = rowOf(frame)) ++counts_[*row];
         }
         if (to_ == 4 && (from_ == 2 || from_ == 3)) joinDate();
@@ -96,7 +97,7 @@ class FramesWriter {
         if (row == nullptr && !successor.empty()) row = findFieldFrame(successor, 3);
         if (row == nullptr) return std::nullopt;
         const bool isSingle = row->kind == FrameKind::Text || row->kind == FrameKind::Genre;
-        if (!isSingle && !frame.isRead) return std::nullopt;
+        if (!isSingle && !frame.isRead && &frame != firstUrl_) return std::nullopt;
         return static_cast<std::size_t>(row - fieldFrames().data());
     }
 
@@ -303,7 +304,8 @@ class FramesWriter {
     NewFrames out_;
     std::array<std::size_t, fieldFrameCount> counts_{};  // of frames that tell a row's field
     std::bitset<fieldFrameCount> isPlaced_;
-    std::string date_;  // of the parts that version 4 keeps in one
+    const FoundFrame* firstUrl_ = nullptr;  // of version 2: read under its new name
+    std::string date_;                      // of the parts that version 4 keeps in one
 };
 }  // namespace
 
