@@ -1,5 +1,6 @@
 #include "collection/TagJob.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "collection/JobFiles.h"
@@ -62,7 +63,13 @@ bool TagJob::changeAll(const cFilesCollection& files) {
     return flush(1);
 }
 
+bool TagJob::isBegun(const std::optional<FileId>& id) const {
+    return id && std::ranges::any_of(begun_, [&](const auto& work) { return work->id == id; });
+}
+
 void TagJob::begin(std::unique_ptr<TagWork> work) {
+    if (const auto status = context_.calls.status(work->path)) work->id = status->id;
+    if (isBegun(work->id)) commit();
     work->answer = work->updating.prepare(group_);
     begun_.push_back(std::move(work));
     if (begun_.size() >= RewriteGroup::mostFiles || group_.isFull()) commit();

@@ -23,6 +23,7 @@ struct TagWork {
     const WriteContext context;  ///< the job's, with these notes
     TagUpdating updating{record, context, &before};
     std::optional<TagUpdate> answer;
+    std::optional<FileId> id;
 };
 
 /// A job that changes the tags of files, one after the other: its progress, cancel and sums, and
@@ -68,6 +69,8 @@ class TagJob {
     Services& services_;
 
  private:
+    /// Whether a file is begun already under another name.
+    [[nodiscard]] bool isBegun(const std::optional<FileId>& id) const;
     bool changeAll(const cFilesCollection& files);
     [[nodiscard]] std::string takeMessage();
     [[nodiscard]] std::string summary() const;

@@ -134,9 +134,9 @@ bool isKey(std::string_view key) {
 
 class Carrier {
  public:
-    Carrier(File& file, const FoundFrames& frames, const ID3tag& record, const FoundItems& items,
+    Carrier(File& file, const FoundFrames& frames, const TagChange& change, const FoundItems& items,
             const CodePage& ansi)
-        : file_(file), frames_(frames), record_(record), items_(items), ansi_(ansi) {
+        : file_(file), frames_(frames), change_(change), items_(items), ansi_(ansi) {
         if (frames.isPlain) plain_.openMemory(frames.plain);
     }
 
@@ -157,7 +157,7 @@ class Carrier {
     // True where nothing of the frame is lost.
     bool carry(const FoundFrame& found) {
         const FieldFrame* row = findFieldFrame(found.header.id, version_);
-        if (found.isRead && row != nullptr && isTold(*row)) return true;
+        if (found.isRead && row != nullptr && isTold(*row)) return agrees(*row);
         const auto content = contentOf(found);
         if (!content) return false;
         const std::string_view id = id_;
@@ -179,6 +179,16 @@ class Carrier {
         for (const FieldItem& item : fieldItems()) all |= item.fields;
         const bool hasMore = frame.id == "TDRC" && !record_.ID3v2Ext.RecordingTime.empty();
         return (frame.fields & ~all) == 0 && !hasMore;
+    }
+
+    // Items of the file's own stay; they may tell otherwise.
+    bool agrees(const FieldFrame& frame) {
+        if (change_.edits(frame.fields)) return true;
+        return std::ranges::all_of(fieldItems(), [&](const FieldItem& item) {
+            const FoundItem* own = (item.fields & frame.fields) != 0 ? itemOf(item.key) : nullptr;
+            return own == nullptr ||
+                   trimBlanks(joinValues(utf8OrAnsi(valueOf(*own), ansi_))) == item.get(record_);
+        });
     }
 
     // The frame as one of version 3 or 4 without prefixes; its name is in `id_`.
@@ -326,7 +336,8 @@ class Carrier {
 
     File& file_;
     const FoundFrames& frames_;
-    const ID3tag& record_;
+    const TagChange& change_;
+    const ID3tag& record_ = change_.after;
     const FoundItems& items_;
     const CodePage& ansi_;
     const int version_ = record_.ID3v2Ext.MajorVersion;
@@ -337,18 +348,9 @@ class Carrier {
 };
 }  // namespace
 
-Carried carriedItems(File& file, const FoundFrames& frames, const ID3tag& record,
+Carried carriedItems(File& file, const FoundFrames& frames, const TagChange& change,
                      const FoundItems& items, const CodePage& ansi) {
-    return Carrier(file, frames, record, items, ansi).run();
-}
-
-FieldSet fieldsTold(const FoundFrames& frames, int majorVersion) {
-    FieldSet told = 0;
-    for (const FoundFrame& frame : frames.frames) {
-        const FieldFrame* row = findFieldFrame(frame.header.id, majorVersion);
-        if (row != nullptr && frame.isRead && row->kind != FrameKind::Picture) told |= row->fields;
-    }
-    return told;
+    return Carrier(file, frames, change, items, ansi).run();
 }
 
 }  // namespace tavlo

@@ -16,12 +16,9 @@ struct Carried {
     std::vector<std::string> homeless;  ///< identifiers of frames that no item can hold
 };
 
-/// `record` is what was read of the file. Where an item of `items` already has a frame's key, the
-/// frame is homeless unless it says the same.
-Carried carriedItems(File& file, const FoundFrames& frames, const ID3tag& record,
+/// Where an item of `items` already has a frame's key, the frame is homeless unless it says the
+/// same or its field is edited.
+Carried carriedItems(File& file, const FoundFrames& frames, const TagChange& change,
                      const FoundItems& items, const CodePage& ansi);
-
-/// The fields that the frames told.
-FieldSet fieldsTold(const FoundFrames& frames, int majorVersion);
 
 }  // namespace tavlo

@@ -48,7 +48,8 @@ bool openFor(File& file, const std::string& path, const WriteContext& context) {
                           : openPatiently(file, path, context.progress);
 }
 
-Refusal whyNotOpened(const std::string& path) {
+Refusal whyNotOpened(const std::string& path, const WriteContext& context) {
+    if (context.dryRun) return Refusal::NotRead;
     return isInUse(path) ? Refusal::InUse : Refusal::NotOpened;
 }
 
@@ -139,9 +140,7 @@ class TagPlan {
     // What the ID3v2 tag told goes over before it is taken off.
     void carry() {
         if (!layout_.id3v2) return;
-        const int version = change_.before.ID3v2Ext.MajorVersion;
-        change_.edited |= fieldsTold(layout_.frames, version);
-        carried_ = carriedItems(file_, layout_.frames, record_, layout_.items, context_.ansi);
+        carried_ = carriedItems(file_, layout_.frames, change_, layout_.items, context_.ansi);
     }
 
     Refusal planHead() {
@@ -501,7 +500,8 @@ std::optional<TagUpdate> TagUpdating::prepare(RewriteGroup& group) {
     if (!hasWriter(record_.FileType)) return refuse(record_, Refusal::NoWriter, context_);
     work_ = std::make_unique<Work>(record_, context_);
     auto& [path, file, current, after, layout, plan, planned, otherNames] = *work_;
-    if (!openFor(file, path, context_)) return refuse(record_, whyNotOpened(path), context_);
+    if (!openFor(file, path, context_))
+        return refuse(record_, whyNotOpened(path, context_), context_);
     // The file may have changed since the record was read: what it says now is what stays.
     layout = readTags(file, current, {context_.ansi, ReadDepth::Places});
     after = current;
@@ -562,7 +562,7 @@ TagUpdate RemoveTags(ID3tag& record, std::span<const TagKind> kinds, const Write
     const std::string path = record.Path;
     if (!hasWriter(record.FileType)) return refuse(record, Refusal::NoWriter, context);
     File file(context.calls);
-    if (!openFor(file, path, context)) return refuse(record, whyNotOpened(path), context);
+    if (!openFor(file, path, context)) return refuse(record, whyNotOpened(path, context), context);
     ID3tag current;
     current.FileType = record.FileType;
     TagLayout layout = readTags(file, current, {context.ansi, ReadDepth::Places});

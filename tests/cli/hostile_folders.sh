@@ -126,3 +126,10 @@ python3 -c '
 import json, os, sys
 paths = [json.loads(line)["Path"] for line in sys.stdin]
 assert sorted(map(os.path.basename, paths)) == sorted(os.listdir("shown")), paths' < printed
+
+# One song under several names: no run is in its own way.
+mkdir names
+cp "$song" names/a.mp3
+for name in b c d; do ln -s a.mp3 "names/$name.mp3"; done
+ln names/a.mp3 names/hard.mp3
+"$TAVLO" /change names /a "one name" > printed 2> told || fail "$(cat told)"

@@ -426,5 +426,48 @@ TEST(UpdateTags, DryRunSaysWhatAChangeWouldDo) {
     EXPECT_EQ(UpdateTags(record, dry), TagUpdate::Unchanged);
 }
 
+// What an ID3v2 tag of a file that keeps APEv2 only holds goes over where there is room for it.
+TEST(UpdateTags, ID3v2GoesOverIntoItems) {
+    const std::string head =
+        tag(3, textFrame(3, "TPE1", "Two") + textFrame(3, "TCOM", "Composer") +
+                   textFrame(3, "TPE2", "Band") + frame(3, "USLT", "\0eng\0la la"s) +
+                   textFrame(3, "TXXX", "MusicBrainz Album Id\0id"s) +
+                   frame(3, "UFID", "http://musicbrainz.org\0track"s) +
+                   frame(3, "POPM", "a@b\0\xC4\0\0\0\7"s) +
+                   frame(3, "APIC", "\0image/png\0\3\0front"s) +
+                   frame(3, "APIC", "\0image/png\0\4\0back"s) + frame(3, "PRIV", "x\0data"s));
+    const std::vector<std::string> own{apeItem("Artist", "Ape"), gain};
+    const std::vector<std::string> items{
+        own[0],
+        own[1],
+        apeItem("Album", "New"),
+        apeItem("Composer", "Composer"),
+        apeItem("Cover Art (front)", "Cover Art (front).png\0front"s, 2),
+        apeItem("Album Artist", "Band"),
+        apeItem("Lyrics", "la la"),
+        apeItem("MUSICBRAINZ_ALBUMID", "id"),
+        apeItem("MUSICBRAINZ_TRACKID", "track"),
+        apeItem("Rating", "196"),
+        apeItem("Play Counter", "7"),
+        apeItem("Cover Art (back)", "Cover Art (front).png\0back"s, 2),
+    };
+    MemoryFile file(head + sound + ApeTag{own}.bytes(), {.force = true}, "song.mpc");
+    WriteNotes notes;
+    const WriteContext context{file.context.ansi,
+                               file.context.settings,
+                               file.context.errors,
+                               file.context.progress,
+                               file.context.calls,
+                               false,
+                               {},
+                               &notes};
+    ID3tag record = file.read();
+    record.SetAlbum("New");
+    EXPECT_EQ(UpdateTags(record, context), TagUpdate::Written);
+    EXPECT_EQ(file.bytes(), sound + ApeTag{items}.bytes());
+    ASSERT_EQ(notes.notes.size(), 1U);
+    EXPECT_NE(notes.notes[0].find("no place for TPE1, PRIV"), std::string::npos) << notes.notes[0];
+}
+
 }  // namespace
 }  // namespace tavlo::test
