@@ -224,7 +224,7 @@ bool Rescue::open(const std::string& path) {
     path_ = path;
     size_ = status.size;
     isKept_ = true;
-    return handle_ != noFile && status.isTemporary;
+    return handle_ != noFile;
 }
 
 std::optional<std::string> Rescue::sealed() {

@@ -12,6 +12,7 @@ namespace tavlo::test {
 /// What a job needs, and what came of it.
 struct JobRun {
     explicit JobRun(const std::string& startFolder, int page = 1252) : codePage(page) {
+        options.mode = RunMode::Change;  // a window would open the folder of its settings
         options.startFolder = startFolder;
     }
 

@@ -27,8 +27,8 @@ TEST(UpdateTagsOnWindows, FileThatAnotherProgramHoldsIsReported) {
     ::CloseHandle(held);
     EXPECT_FALSE(record.OK);
     EXPECT_EQ(record.Path, "");
-    EXPECT_EQ(record.Refused, Refusal::NotOpened);
-    EXPECT_EQ(sink.text, texts.get(Text::FileNotOpenedForWriting, path) + "\n");
+    EXPECT_EQ(record.Refused, Refusal::InUse);
+    EXPECT_EQ(sink.text, texts.get(Text::FileInUse, path) + "\n");
     EXPECT_TRUE(folder.read("a.mp3") == bytes);
 }
 
