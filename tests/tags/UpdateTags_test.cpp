@@ -277,8 +277,8 @@ TEST(UpdateTags, TagsAreTakenOffAndNoByteMore) {
 TEST(UpdateTags, TakingManyTagsOffIsOneChange) {
     MemoryFile file(oldTag(3) + sound + ApeTag{{gain}}.bytes() + lyrics + block);
     for (const bool isDry : {true, false}) {
-        WriteContext context{file.context.ansi,     file.context.settings, file.context.errors,
-                             file.context.progress, file.context.calls,    isDry};
+        WriteContext context(file.context);
+        context.dryRun = isDry;
         ID3tag record = file.read();
         std::vector<TagKind> removed;
         const std::string before = file.bytes();
@@ -335,14 +335,8 @@ TEST(UpdateTags, WhatATagThatStaysWillShowIsForeseen) {
         SCOPED_TRACE(&c - cases);
         MemoryFile file(c.bytes, c.settings);
         WriteNotes notes;
-        const WriteContext context{file.context.ansi,
-                                   c.settings,
-                                   file.context.errors,
-                                   file.context.progress,
-                                   file.context.calls,
-                                   false,
-                                   {},
-                                   &notes};
+        WriteContext context(file.context);
+        context.notes = &notes;
         ID3tag record = file.read();
         record.SetArtist("");
         EXPECT_EQ(UpdateTags(record, context), TagUpdate::Written);
@@ -453,14 +447,8 @@ TEST(UpdateTags, ID3v2GoesOverIntoItems) {
     };
     MemoryFile file(head + sound + ApeTag{own}.bytes(), {.force = true}, "song.mpc");
     WriteNotes notes;
-    const WriteContext context{file.context.ansi,
-                               file.context.settings,
-                               file.context.errors,
-                               file.context.progress,
-                               file.context.calls,
-                               false,
-                               {},
-                               &notes};
+    WriteContext context(file.context);
+    context.notes = &notes;
     ID3tag record = file.read();
     record.SetAlbum("New");
     EXPECT_EQ(UpdateTags(record, context), TagUpdate::Written);
